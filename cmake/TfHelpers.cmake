@@ -1,0 +1,14 @@
+# tf_add_test(name SOURCES a.cpp b.cpp LIBS lib1 lib2)
+# Registers one Qt Test executable with CTest; every test runs on the offscreen
+# platform with its own configuration and cache folders (see tests/common).
+function(tf_add_test name)
+  cmake_parse_arguments(T "" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
+  add_executable(${name} ${T_SOURCES})
+  target_link_libraries(${name} PRIVATE ${T_LIBS} tf_testcommon Qt5::Test)
+  add_test(NAME ${name} COMMAND ${name})
+  if(NOT T_TIMEOUT)
+    set(T_TIMEOUT 300)
+  endif()
+  set_tests_properties(${name} PROPERTIES TIMEOUT ${T_TIMEOUT}
+    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;TF_TEST_SOURCE_DIR=${PROJECT_SOURCE_DIR};TF_TEST_BINARY_DIR=${PROJECT_BINARY_DIR}")
+endfunction()

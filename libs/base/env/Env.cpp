@@ -1,0 +1,74 @@
+#include "base/env/Env.h"
+
+#include "base/log/Logger.h"
+
+#include <cstdlib>
+
+namespace tav {
+
+void setEnv(const QString& name, const QString& value) {
+    qputenv(name.toLocal8Bit().constData(), value.toLocal8Bit());
+}
+QString getEnv(const QString& name) { return QString::fromLocal8Bit(qgetenv(name.toLocal8Bit().constData())); }
+bool hasEnv(const QString& name) { return qEnvironmentVariableIsSet(name.toLocal8Bit().constData()); }
+void unsetEnv(const QString& name) { qunsetenv(name.toLocal8Bit().constData()); }
+
+namespace {
+// Walks "$(NAME)" references; 'lookup' returns false to keep a reference as written.
+template <typename Lookup>
+QString replaceRefs(const QString& text, Lookup lookup) {
+    if (!text.contains(QLatin1String("$("))) return text;
+    QString out;
+    out.reserve(text.size());
+    int i = 0;
+    const int n = text.size();
+    while (i < n) {
+        if (text[i] == QLatin1Char('$') && i + 1 < n && text[i + 1] == QLatin1Char('(')) {
+            const int close = text.indexOf(QLatin1Char(')'), i + 2);
+            if (close > i + 2) {
+                const QString name = text.mid(i + 2, close - i - 2);
+                QString value;
+                if (lookup(name, value)) {
+                    out += value;
+                    i = close + 1;
+                    continue;
+                }
+            }
+        }
+        out += text[i++];
+    }
+    return out;
+}
+}
+
+QString replaceEnv(const QString& text) {
+    return replaceRefs(text, [](const QString& name, QString& value) {
+        value = getEnv(name);
+        return true;
+    });
+}
+
+QString replace_variables(const QString& text, const QHash<QString, QString>& vars) {
+    return replaceRefs(text, [&](const QString& name, QString& value) {
+        auto it = vars.find(name);
+        if (it == vars.end()) return false;
+        value = *it;
+        return true;
+    });
+}
+
+QString replace_variables(const QString& text, const QString& name, const QString& value) {
+    return replace_variables(text, QHash<QString, QString>{{name, value}});
+}
+
+void fileInfo_to_env(const QFileInfo& fi) {
+    setEnv(QStringLiteral("G_PATH"), fi.absoluteFilePath());
+    setEnv(QStringLiteral("G_NAME"), fi.fileName());
+    setEnv(QStringLiteral("G_BASENAME"), fi.completeBaseName());
+    setEnv(QStringLiteral("G_DIR"), fi.absolutePath());
+    setEnv(QStringLiteral("G_EXT"), fi.suffix());
+    setEnv(QStringLiteral("G_SIZE"), QString::number(fi.exists() ? fi.size() : 0));
+    log(64, "fileInfo_to_env, G_PATH:$", fi.absoluteFilePath());
+}
+
+} // namespace tav

@@ -1,0 +1,17 @@
+#pragma once
+// Where the program keeps its files: the configuration folder (XDG config,
+// ~/.config/talvofinder) and the cache folder (~/.cache/talvofinder).
+#include <QDir>
+#include <QFileInfo>
+#include <QString>
+
+namespace tav {
+
+QDir get_absolute_config_dir();                               // created when missing
+QFileInfo get_absolute_config_file_path(const QString& name);
+QDir get_create_cache_dir();
+bool empty_out_cache_dir();                                   // removes everything inside
+// Directory of the running executable (with its file name when 'withName').
+QString get_exe_path(bool withName);
+
+} // namespace tav

@@ -1,0 +1,90 @@
+#include "base/log/Logger.h"
+
+#include <QMutex>
+#include <QMutexLocker>
+#include <atomic>
+#include <cstdio>
+#include <map>
+
+namespace tav {
+namespace {
+std::atomic<unsigned> gBits{4};
+std::atomic<int> gSimple{1};
+std::atomic<int> gSinkCount{0};
+std::atomic<bool> gStderr{true};
+QMutex& sinkMutex() { static QMutex m; return m; }
+std::map<int, Logger::Sink>& sinks() { static std::map<int, Logger::Sink> s; return s; }
+int gNextSink = 1;
+}
+
+void Logger::setLogLevelSimple(int n) {
+    if (n < 0) n = 0;
+    if (n > 5) n = 5;
+    unsigned bits = 0;
+    for (int i = 1; i <= n; ++i) bits |= (1u << (i + 1));
+    gSimple = n;
+    gBits = bits;
+}
+int Logger::logLevelSimple() { return gSimple; }
+void Logger::setLogLevelBits(unsigned bits) { gBits = bits; }
+unsigned Logger::logLevelBits() { return gBits; }
+bool Logger::isEnabled(unsigned level) { return (gBits.load(std::memory_order_relaxed) & level) != 0; }
+bool Logger::wants(unsigned level) { return isEnabled(level) || gSinkCount.load(std::memory_order_relaxed) > 0; }
+void Logger::setStderrEnabled(bool on) { gStderr = on; }
+
+void Logger::write(unsigned level, const QString& text) {
+    if (isEnabled(level) && gStderr) {
+        const QByteArray line = QByteArray::number(level) + ' ' + text.toUtf8() + '\n';
+        std::fwrite(line.constData(), 1, size_t(line.size()), stderr);
+    }
+    if (gSinkCount.load() > 0) {
+        QMutexLocker lock(&sinkMutex());
+        for (auto& [id, s] : sinks()) s(level, text);
+    }
+}
+
+void Logger::printToCout(const QString& text) {
+    const QByteArray line = text.toUtf8() + '\n';
+    std::fwrite(line.constData(), 1, size_t(line.size()), stdout);
+    std::fflush(stdout);
+}
+void Logger::printToCerr(const QString& text) {
+    const QByteArray line = text.toUtf8() + '\n';
+    std::fwrite(line.constData(), 1, size_t(line.size()), stderr);
+}
+
+int Logger::addSink(Sink sink) {
+    QMutexLocker lock(&sinkMutex());
+    const int id = gNextSink++;
+    sinks()[id] = std::move(sink);
+    gSinkCount = int(sinks().size());
+    return id;
+}
+void Logger::removeSink(int id) {
+    QMutexLocker lock(&sinkMutex());
+    sinks().erase(id);
+    gSinkCount = int(sinks().size());
+}
+
+namespace detail {
+QString fillTemplate(const QString& tmpl, const QString* args, int count) {
+    QString out;
+    int total = tmpl.size();
+    for (int i = 0; i < count; ++i) total += args[i].size();
+    out.reserve(total);
+    int next = 0;
+    for (QChar c : tmpl) {
+        if (c == QLatin1Char('$') && next < count) out += args[next++];
+        else out += c;
+    }
+    for (; next < count; ++next) { out += QLatin1Char(' '); out += args[next]; }
+    return out;
+}
+}
+
+bool assert_report(bool ok, const char* file, int line, const QString& msg) {
+    if (!ok) log(4, "ASSERT $:$ $", file, line, msg);
+    return ok;
+}
+
+} // namespace tav

@@ -1,0 +1,268 @@
+#include "base/node/XNode.h"
+
+#include "base/io/XFileIO.h"
+#include "base/log/Logger.h"
+
+#include <QFile>
+#include <QRegularExpression>
+#include <QXmlStreamReader>
+
+namespace tav {
+
+std::atomic<bool> XNode::atomicWriteFullEmptyTags{false};
+
+XNode::XNode(const QString& type, const QString& name) : type_(type), name_(name) {}
+XNode::~XNode() = default;
+
+std::unique_ptr<XNode> XNode::createRoot(const QString& type) { return std::make_unique<XNode>(type); }
+
+XNode* XNode::root() {
+    XNode* n = this;
+    while (n->parent_) n = n->parent_;
+    return n;
+}
+const XNode* XNode::root() const {
+    const XNode* n = this;
+    while (n->parent_) n = n->parent_;
+    return n;
+}
+
+XNode* XNode::child(int i) const {
+    return (i >= 0 && i < int(children_.size())) ? children_[size_t(i)].get() : nullptr;
+}
+
+std::vector<XNode*> XNode::children() const {
+    std::vector<XNode*> out;
+    out.reserve(children_.size());
+    for (auto& c : children_) out.push_back(c.get());
+    return out;
+}
+
+std::vector<XNode*> XNode::children_by_Type(const QString& type) const {
+    std::vector<XNode*> out;
+    for (auto& c : children_)
+        if (c->type_ == type) out.push_back(c.get());
+    return out;
+}
+
+XNode* XNode::query(const QString& type) const {
+    for (auto& c : children_)
+        if (c->type_ == type) return c.get();
+    return nullptr;
+}
+
+XNode* XNode::query(const QString& type, const QString& name) const {
+    for (auto& c : children_)
+        if (c->type_ == type && c->name_ == name) return c.get();
+    return nullptr;
+}
+
+XNode* XNode::getCreateNode(const QString& type, const QString& name, int) {
+    XNode* n = name.isEmpty() ? query(type) : query(type, name);
+    return n ? n : createChild(type, name);
+}
+
+XNode* XNode::createChild(const QString& type, const QString& name) {
+    return addNode(std::make_unique<XNode>(type, name));
+}
+
+XNode* XNode::addNode(std::unique_ptr<XNode> child) {
+    if (!child) return nullptr;
+    child->parent_ = this;
+    children_.push_back(std::move(child));
+    return children_.back().get();
+}
+
+XNode* XNode::addNode(XNode* child, bool copy) {
+    if (!X_ASSERT(child)) return nullptr;
+    if (copy) return addNode(child->deepCopy());
+    if (child->parent_) {
+        log(4, "XNode::addNode, node <$> has a parent already", child->type_);
+        return nullptr;
+    }
+    return addNode(std::unique_ptr<XNode>(child));
+}
+
+XNode* XNode::removeNode(XNode* child, bool del) {
+    for (auto it = children_.begin(); it != children_.end(); ++it) {
+        if (it->get() == child) {
+            std::unique_ptr<XNode> owned = std::move(*it);
+            children_.erase(it);
+            owned->parent_ = nullptr;
+            if (del) return nullptr;
+            return owned.release();
+        }
+    }
+    return nullptr;
+}
+
+void XNode::removeChildren() { children_.clear(); }
+
+void XNode::clear() {
+    children_.clear();
+    attrs_.clear();
+    text_.clear();
+}
+
+std::unique_ptr<XNode> XNode::deepCopy() const {
+    auto n = std::make_unique<XNode>(type_, name_);
+    n->attrs_ = attrs_;
+    n->text_ = text_;
+    for (auto& c : children_) n->addNode(c->deepCopy());
+    return n;
+}
+
+void XNode::remove_all_pointer() {
+    pointer_ = nullptr;
+    for (auto& c : children_) c->remove_all_pointer();
+}
+
+// ---- writing -------------------------------------------------------------------
+namespace {
+bool looksLikeEntity(const QString& s, int amp) {
+    static const QRegularExpression re(QStringLiteral("^&(#[0-9]+|#x[0-9a-fA-F]+|[A-Za-z][A-Za-z0-9]*);"));
+    return re.match(s.mid(amp, 16)).hasMatch();
+}
+
+// A bare '&' stays bare (so accelerators such as "&add" read naturally in the
+// file); only an '&' that would read back as an entity is escaped.
+QString escapeText(const QString& s, bool attribute) {
+    QString out;
+    out.reserve(s.size() + 8);
+    for (int i = 0; i < s.size(); ++i) {
+        const QChar c = s[i];
+        switch (c.unicode()) {
+        case '<': out += QLatin1String("&lt;"); break;
+        case '>': out += QLatin1String("&gt;"); break;
+        case '&': out += looksLikeEntity(s, i) || attribute ? QLatin1String("&amp;") : QLatin1String("&"); break;
+        case '"': out += attribute ? QLatin1String("&quot;") : QLatin1String("\""); break;
+        case '\n': out += attribute ? QLatin1String("&#10;") : QLatin1String("\n"); break;
+        case '\r': out += QLatin1String("&#13;"); break;
+        case '\t': out += attribute ? QLatin1String("&#9;") : QLatin1String("\t"); break;
+        default:
+            if (c.unicode() < 0x20) continue;   // not representable in XML 1.0
+            out += c;
+        }
+    }
+    return out;
+}
+}
+
+void XNode::writeXml(QByteArray& out, int depth) const {
+    const QByteArray indent(depth * 2, ' ');
+    out += indent;
+    out += '<';
+    out += type_.toUtf8();
+    if (!name_.isEmpty()) {
+        out += " name=\"";
+        out += escapeText(name_, true).toUtf8();
+        out += '"';
+    }
+    for (auto& [k, v] : attrs_) {
+        out += ' ';
+        out += k.toUtf8();
+        out += "=\"";
+        out += escapeText(v, true).toUtf8();
+        out += '"';
+    }
+    if (children_.empty() && text_.isEmpty()) {
+        if (atomicWriteFullEmptyTags) out += "></" + type_.toUtf8() + ">\n";
+        else out += "/>\n";
+        return;
+    }
+    out += '>';
+    out += escapeText(text_, false).toUtf8();
+    if (!children_.empty()) {
+        out += '\n';
+        for (auto& c : children_) c->writeXml(out, depth + 1);
+        out += indent;
+    }
+    out += "</" + type_.toUtf8() + ">\n";
+}
+
+QByteArray XNode::toXml() const {
+    QByteArray out = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+    writeXml(out, 0);
+    return out;
+}
+
+bool XNode::saveNodeToXml(const QString& path) const {
+    QString err;
+    if (!writeFileAtomic(path, toXml(), &err)) {
+        log(4, "XNode::saveNodeToXml <<<$>>> - $", path, err);
+        return false;
+    }
+    return true;
+}
+
+// ---- reading -------------------------------------------------------------------
+namespace {
+QByteArray escapeBareAmpersands(const QByteArray& in) {
+    static const QRegularExpression re(QStringLiteral("^&(#[0-9]+|#x[0-9a-fA-F]+|[A-Za-z][A-Za-z0-9._-]*);"));
+    if (!in.contains('&')) return in;
+    QByteArray out;
+    out.reserve(in.size() + 64);
+    for (int i = 0; i < in.size(); ++i) {
+        if (in[i] == '&') {
+            const QString head = QString::fromLatin1(in.mid(i, 24));
+            if (!re.match(head).hasMatch()) {
+                out += "&amp;";
+                continue;
+            }
+        }
+        out += in[i];
+    }
+    return out;
+}
+}
+
+std::unique_ptr<XNode> XNode::fromXml(const QByteArray& raw, QString* error) {
+    QXmlStreamReader xml(escapeBareAmpersands(raw));
+    std::unique_ptr<XNode> root;
+    XNode* cur = nullptr;
+    while (!xml.atEnd()) {
+        const auto tok = xml.readNext();
+        if (tok == QXmlStreamReader::StartElement) {
+            auto n = std::make_unique<XNode>(xml.name().toString());
+            for (const auto& a : xml.attributes()) {
+                if (a.name() == QLatin1String("name")) n->name_ = a.value().toString();
+                else n->attrs_.emplace_back(a.name().toString(), a.value().toString());
+            }
+            if (!cur) {
+                if (root) {
+                    if (error) *error = QStringLiteral("more than one root element");
+                    return nullptr;
+                }
+                root = std::move(n);
+                cur = root.get();
+            } else {
+                cur = cur->addNode(std::move(n));
+            }
+        } else if (tok == QXmlStreamReader::EndElement) {
+            if (cur) {
+                // Text between child elements is layout, not content.
+                if (!cur->children_.empty() && cur->text_.trimmed().isEmpty()) cur->text_.clear();
+                cur = cur->parent_;
+            }
+        } else if (tok == QXmlStreamReader::Characters) {
+            if (cur && cur->children_.empty()) cur->text_ += xml.text();
+        }
+    }
+    if (xml.hasError() || !root) {
+        if (error) *error = xml.hasError() ? QStringLiteral("line %1: %2").arg(xml.lineNumber()).arg(xml.errorString())
+                                           : QStringLiteral("no root element");
+        return nullptr;
+    }
+    return root;
+}
+
+std::unique_ptr<XNode> XNode::loadFromXml(const QString& path, QString* error) {
+    QFile f(path);
+    if (!f.open(QIODevice::ReadOnly)) {
+        if (error) *error = f.errorString();
+        return nullptr;
+    }
+    return fromXml(f.readAll(), error);
+}
+
+} // namespace tav

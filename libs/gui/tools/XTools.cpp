@@ -1,0 +1,180 @@
+#include "gui/tools/XTools.h"
+
+#include "base/io/XPaths.h"
+#include "base/kernel/Kernel.h"
+#include "base/log/Logger.h"
+#include "base/thread/XThread.h"
+#include "gui/kernel/KernelGUI.h"
+
+#include <QFile>
+#include <QGuiApplication>
+#include <QHash>
+#include <QMutex>
+#include <QRegularExpression>
+#include <QScreen>
+#include <QWidget>
+#include <atomic>
+#include <memory>
+
+namespace tav {
+
+namespace {
+struct LangState {
+    QMutex mutex;
+    QString resourcePath = QStringLiteral(":/tf/lang/lang.xml");
+    QString lang = QStringLiteral("en");
+    std::unique_ptr<XNode> catalogue;
+    QHash<QString, XNode*> index;   // normalized English -> Message
+};
+LangState& S() {
+    static LangState s;
+    return s;
+}
+std::atomic<uint32_t> gModifiers{0};
+
+void rebuildIndex(LangState& s) {
+    s.index.clear();
+    if (!s.catalogue) return;
+    for (XNode* m : s.catalogue->children_by_Type(QStringLiteral("Message"))) {
+        XNode* en = m->query(QStringLiteral("en"));
+        if (!en) continue;
+        const QString key = XTools::normalizeKey(en->getText());
+        if (!key.isEmpty() && !s.index.contains(key)) s.index.insert(key, m);
+    }
+}
+
+// Continuation lines of a catalogue text carry the file's indentation; drop it.
+QString stripIndentation(const QString& text) {
+    if (!text.contains(QLatin1Char('\n'))) return text.trimmed();
+    QStringList lines = text.split(QLatin1Char('\n'));
+    for (QString& l : lines) l = l.trimmed();
+    while (!lines.isEmpty() && lines.first().isEmpty()) lines.removeFirst();
+    while (!lines.isEmpty() && lines.last().isEmpty()) lines.removeLast();
+    return lines.join(QLatin1Char('\n'));
+}
+}
+
+// ---- language ------------------------------------------------------------------------
+void XTools::set_lang_path(const QString& resourcePath) {
+    QMutexLocker l(&S().mutex);
+    S().resourcePath = resourcePath;
+}
+QString XTools::lang_path() {
+    QMutexLocker l(&S().mutex);
+    return S().resourcePath;
+}
+
+bool XTools::lang_ini(bool reload) {
+    LangState& s = S();
+    QMutexLocker l(&s.mutex);
+    if (s.catalogue && !reload) return true;
+    std::unique_ptr<XNode> cat;
+    const QFileInfo user = get_absolute_config_file_path(QStringLiteral("lang.xml"));
+    if (user.exists()) {
+        QString err;
+        cat = XNode::loadFromXml(user.absoluteFilePath(), &err);
+        if (!cat || cat->type() != QLatin1String("GUI")) {
+            log(4, "XTools::lang_ini, <<<$>>> cannot be read ($), using the built-in catalogue", user.absoluteFilePath(), err);
+            cat.reset();
+        }
+    }
+    if (!cat) {
+        QString err;
+        cat = XNode::loadFromXml(s.resourcePath, &err);
+        if (!cat) log(4, "XTools::lang_ini, catalogue <<<$>>> missing ($)", s.resourcePath, err);
+    }
+    if (!cat) cat = XNode::createRoot(QStringLiteral("GUI"));
+    s.catalogue = std::move(cat);
+    rebuildIndex(s);
+    return true;
+}
+
+void XTools::set_lang(const QString& lang) {
+    LangState& s = S();
+    QMutexLocker l(&s.mutex);
+    s.lang = lang.trimmed().isEmpty() ? QStringLiteral("en") : lang.trimmed();
+    rebuildIndex(s);   // the catalogue may have been edited in place
+}
+
+QString XTools::lang() {
+    QMutexLocker l(&S().mutex);
+    return S().lang;
+}
+
+XNode* XTools::nGUI() {
+    LangState& s = S();
+    {
+        QMutexLocker l(&s.mutex);
+        if (s.catalogue) return s.catalogue.get();
+    }
+    lang_ini(false);
+    QMutexLocker l(&s.mutex);
+    return s.catalogue.get();
+}
+
+QStringList XTools::get_ar_lang_from_node(XNode* catalogue) {
+    QStringList out;
+    if (!catalogue) return out;
+    for (XNode* m : catalogue->children_by_Type(QStringLiteral("Message")))
+        for (XNode* c : m->children())
+            if (!out.contains(c->type())) out << c->type();
+    return out;
+}
+
+QStringList XTools::get_ar_lang() { return get_ar_lang_from_node(nGUI()); }
+
+QString XTools::normalizeKey(const QString& text) {
+    static const QRegularExpression breaks(QStringLiteral("\\s*\\n\\s*"));
+    QString t = text;
+    t.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+    t.replace(breaks, QStringLiteral(" "));
+    return t.trimmed();
+}
+
+QString XTools::translate(const QString& english) {
+    LangState& s = S();
+    QMutexLocker l(&s.mutex);
+    if (s.lang == QLatin1String("en") || english.isEmpty()) return english;
+    if (!s.catalogue) return english;
+    auto it = s.index.constFind(normalizeKey(english));
+    if (it == s.index.constEnd()) return english;
+    XNode* tr = (*it)->query(s.lang);
+    if (!tr) return english;
+    const QString text = stripIndentation(tr->getText());
+    return text.isEmpty() ? english : text;
+}
+
+QString xt(const QString& english) { return XTools::translate(english); }
+
+// ---- modifiers ---------------------------------------------------------------------------
+static constexpr uint32_t kModMask = Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
+void XTools::set_modifier(uint32_t bits) { gModifiers = bits; }
+uint32_t XTools::get_modifier() { return gModifiers; }
+bool XTools::is_modifier(uint32_t bits) {
+    bits &= kModMask;
+    return bits != 0 && (gModifiers.load() & kModMask) == bits;
+}
+bool XTools::is_modifier_control() { return (gModifiers.load() & Qt::ControlModifier) != 0; }
+bool XTools::is_modifier_shift() { return (gModifiers.load() & Qt::ShiftModifier) != 0; }
+
+// ---- misc --------------------------------------------------------------------------------
+bool XTools::isDebug() { return Kernel::isDebug(); }
+void XTools::setDebug(bool on) { Kernel::setDebug(on); }
+bool XTools::isTavStyleDark() { return KernelGUI::isTavStyleDark(); }
+void XTools::run_in_gui_thread(std::function<void()> f, int delayMs) { tav::run_in_gui_thread(std::move(f), delayMs); }
+
+QDir XTools::get_absolute_config_dir() { return tav::get_absolute_config_dir(); }
+QFileInfo XTools::get_absolute_config_file_path(const QString& name) { return tav::get_absolute_config_file_path(name); }
+QDir XTools::get_create_cache_dir() { return tav::get_create_cache_dir(); }
+bool XTools::empty_out_cache_dir() { return tav::empty_out_cache_dir(); }
+
+void XTools::centerOnScreen(QWidget* w, int width, int height) {
+    if (!X_ASSERT_MSG(w, "widget == NULL")) return;
+    QScreen* screen = w->screen() ? w->screen() : QGuiApplication::primaryScreen();
+    const QRect avail = screen ? screen->availableGeometry() : QRect(0, 0, 1920, 1080);
+    width = qMin(width, avail.width());
+    height = qMin(height, avail.height());
+    w->setGeometry(avail.x() + (avail.width() - width) / 2, avail.y() + (avail.height() - height) / 2, width, height);
+}
+
+} // namespace tav

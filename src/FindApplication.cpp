@@ -1,0 +1,156 @@
+#include "src/FindApplication.h"
+
+#include "base/env/Env.h"
+#include "base/io/XPaths.h"
+#include "base/kernel/Kernel.h"
+#include "base/kernel/XRunGuard.h"
+#include "base/log/Logger.h"
+#include "base/thread/XThread.h"
+#include "gui/kernel/KernelGUI.h"
+#include "gui/kernel/XRuntime.h"
+#include "gui/tools/XTools.h"
+#include "src/gui/WinFinder.h"
+#include "src/gui/config/ConfigTavFinder.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QGuiApplication>
+#include <QMessageBox>
+#include <QTimer>
+
+namespace tavFinder {
+
+using tav::log;
+
+QString buildDate() { return QStringLiteral(__DATE__); }
+QString buildTime() { return QStringLiteral(__TIME__); }
+
+namespace {
+// The library information line, registered once at static initialisation.
+const bool kLibInfo = tav::XAdditionalLibInfos::addLibInfo(
+    tav::fill("TavFinder $ - build at $ / $", QString::fromLatin1(TAVFINDER_VERSION), buildDate(), buildTime()), false);
+
+// The command table: "app" here, the developer commands where they are built.
+const tav::TestGuiContextAdder kApp(&FindApplication::tavFind, QStringLiteral("app"), QString());
+}
+
+tav::XEventListener<std::function<void(const QString&)>>& eventProgramError() {
+    static tav::XEventListener<std::function<void(const QString&)>> e;
+    return e;
+}
+
+void set_env_variables() {
+    tav::setEnv(QStringLiteral("TAVFINDER_VERSION"), QString::fromLatin1(TAVFINDER_VERSION));
+    tav::setEnv(QStringLiteral("BUILD_DATE"), buildDate());
+    tav::setEnv(QStringLiteral("BUILD_TIME"), buildTime());
+    const QString exeDir = tav::get_exe_path(false);
+    if (!QDir::setCurrent(exeDir))
+        tav::Logger::printToCout(tav::fill("main::set_env_variables - tried to cd to dir <<<$>>> did not work!", exeDir));
+#ifdef Q_OS_WIN
+    tav::setEnv(QStringLiteral("OS"), QStringLiteral("WINDOWS"));
+#else
+    tav::setEnv(QStringLiteral("OS"), QStringLiteral("LINUX"));
+#endif
+    if (tav::getEnv(QStringLiteral("TAV_WINDOWS_DEVELOP")).isEmpty())
+        tav::setEnv(QStringLiteral("QT_PLUGIN_PATH"), tav::fill("$/plugins", exeDir));
+}
+
+bool FindApplication::lang_initialiser(tav::KernelGUI& kernel) {
+    tav::XTools::set_lang_path(QStringLiteral(":/tf/lang/lang.xml"));
+    // web-search list: registered here once the list exists
+    tav::TalvoEngine* engine = kernel.getNodeRoot();
+    X_ASSERT_MSG(engine, "nEngine == NULL");
+    tav::XNode::atomicWriteFullEmptyTags = true;
+    tav::XTools::lang_ini(true);
+    if (engine) tav::XTools::set_lang(engine->get_lang());
+    tav::Logger::setLogLevelSimple(1);
+    return true;
+}
+
+int FindApplication::tavFind(tav::KernelGUI& kernel) {
+    // 1
+    tav::Logger::setLogLevelSimple(3);
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    // 2
+    tav::XRunGuard guard(QStringLiteral("tavFind"));
+    if (!guard.run_instance_of_program()) {
+        log(4, "ONE-INSTANCE-ONLY!");
+        kernel.setSaveOnExit(false);
+        return 0;
+    }
+    // 3
+    tav::XNode* nApp = kernel.getCreateNodeApplication();
+    tav::XNode* root = nApp ? nApp->root() : nullptr;
+    // 4: first-run message
+    (void)root;
+    // 5
+    cfg().fromNode(nApp->getCreateNode(QStringLiteral("Config")));
+    // 6
+    tav::CommandLine& cl = kernel.commandLine();
+    cl.addOptionalKeys(QStringLiteral("file"));
+    if (!cl.checkKeys()) {
+        log(4, "Keys !");
+        return 1;
+    }
+    QString sFile = cl.getString(QStringLiteral("file"), QString());
+    log(32, "FindApplication::tavFind <<<$>>>", sFile);
+    // 7
+    if (sFile.isEmpty() && cfg().flagUseStartFolder) sFile = cfg().sStartFolder;
+    // 8
+    tav::setEnv(QStringLiteral("NOCONSOLE"), QStringLiteral("X"));
+    // 9
+    tav::XNode* nWin = nApp->getCreateNode(QStringLiteral("GUI"))->getCreateNode(QStringLiteral("Window"));
+    // 10: user data (bookmarks, applications)
+    // 11
+    eventProgramError().add([](const QString& text) {
+        log(4, "FindApplication, program error: $", text);
+    });
+    // 12
+    auto* win = new WinFinder(true);
+    win->init(&kernel, nWin);
+    win->setUp(sFile);
+    tav::XTools::centerOnScreen(win, 1200, 600);
+    // 13
+    kernel.addSaveListener([nApp]() {
+        cfg().toNode(nApp->getCreateNode(QStringLiteral("Config")));
+    });
+    // The program does not quit with its last window; end when none is left.
+    auto* watchdog = new QTimer(qApp);
+    watchdog->setInterval(500);
+    QObject::connect(watchdog, &QTimer::timeout, []() {
+        if (tav::AbstractWindow::allWindows().empty()) quit_the_app();
+    });
+    tav::run_in_gui_thread([watchdog]() { watchdog->start(); }, 1000);
+    // 14
+    win->show();
+    return kernel.exec();
+}
+
+void FindApplication::quit_application() {
+    if (cfg().flagConfirmQuit) {
+        const auto answer = QMessageBox::question(nullptr, tav::xt("Quit Talvo Finder"),
+                                                  tav::xt("Do you want to quit Talvo Finder Application ?"));
+        if (answer != QMessageBox::Yes) {
+            log(32, "WinFinder::quit_application - CANCEL");
+            return;
+        }
+    }
+    quit_the_app();
+}
+
+void FindApplication::quit_the_app() {
+    log(32, "WinFinder::quit_the_app");
+    for (tav::AbstractWindow* w : tav::AbstractWindow::allWindows())
+        if (w->widget()) w->widget()->close();
+    tav::XThreadPool::wait_for_all(-1);
+    QCoreApplication::exit(0);
+}
+
+void FindApplication::restart_later() {
+    tav::run_in_gui_thread([]() {
+        tav::Kernel::setRebootProgram(true);
+        QCoreApplication::exit(0);
+    }, 1000);
+}
+
+} // namespace tavFinder

@@ -1,0 +1,19 @@
+// Commands whose windows are not built yet. Each prints that it is not
+// available and exits with 2; the real command replaces its placeholder.
+#include "base/kernel/CommandRegistry.h"
+
+#include <QStringList>
+
+namespace {
+const bool kPending = [] {
+    const char* names[] = {
+        "apps.run", "xtree.writeReadTree2", "apps.edit", "prog", "dia.config", "dia.showFirstMessage",
+        "dia.editHist", "dirInfo", "result_full_Window", "filterProxy", "qtreeViewDirs", "result_scan_Window",
+        "testThumbs", "winLang", "winProperties", "winView", "stat", "dialogs.selectFile.pluginTest",
+        "dia.selFile", "misc.dir_preview_simple", "misc.showShelp", "preview.ascii", "preview.dir",
+        "preview.hex", "preview.stats", "find",
+    };
+    for (const char* n : names) tav::registerPendingCommand(QString::fromLatin1(n), QString());
+    return true;
+}();
+}

@@ -1,0 +1,85 @@
+#include "common/TestEnv.h"
+
+#include "base/log/Logger.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QMutex>
+#include <QMutexLocker>
+#include <utility>
+
+namespace tftest {
+
+TestEnv::TestEnv() {
+    QDir d(dir_.path());
+    d.mkpath(QStringLiteral("config"));
+    d.mkpath(QStringLiteral("cache"));
+    d.mkpath(QStringLiteral("runtime"));
+    QFile::setPermissions(runtimeDir(), QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+    qputenv("XDG_CONFIG_HOME", configHome().toLocal8Bit());
+    qputenv("XDG_CACHE_HOME", cacheHome().toLocal8Bit());
+    qputenv("XDG_RUNTIME_DIR", runtimeDir().toLocal8Bit());
+    tav::Logger::setStderrEnabled(qEnvironmentVariableIsSet("TF_TEST_LOG"));
+}
+TestEnv::~TestEnv() = default;
+QString TestEnv::configHome() const { return dir_.path() + QStringLiteral("/config"); }
+QString TestEnv::cacheHome() const { return dir_.path() + QStringLiteral("/cache"); }
+QString TestEnv::runtimeDir() const { return dir_.path() + QStringLiteral("/runtime"); }
+
+struct LogCapture::Impl {
+    mutable QMutex mutex;
+    std::vector<std::pair<unsigned, QString>> lines;
+    int id = 0;
+};
+
+LogCapture::LogCapture() : d(std::make_unique<Impl>()) {
+    Impl* p = d.get();
+    d->id = tav::Logger::addSink([p](unsigned level, const QString& line) {
+        QMutexLocker l(&p->mutex);
+        p->lines.emplace_back(level, line);
+    });
+}
+LogCapture::~LogCapture() { tav::Logger::removeSink(d->id); }
+
+QStringList LogCapture::lines() const {
+    QMutexLocker l(&d->mutex);
+    QStringList out;
+    for (auto& [lv, s] : d->lines) out << s;
+    return out;
+}
+bool LogCapture::contains(const QString& part) const { return count(part) > 0; }
+bool LogCapture::containsLine(const QString& line) const { return lines().contains(line); }
+int LogCapture::count(const QString& part) const {
+    int n = 0;
+    for (const QString& s : lines())
+        if (s.contains(part)) ++n;
+    return n;
+}
+QStringList LogCapture::linesAtLevel(unsigned level) const {
+    QMutexLocker l(&d->mutex);
+    QStringList out;
+    for (auto& [lv, s] : d->lines)
+        if (lv & level) out << s;
+    return out;
+}
+void LogCapture::clear() {
+    QMutexLocker l(&d->mutex);
+    d->lines.clear();
+}
+
+TestDir::TestDir() = default;
+QString TestDir::abs(const QString& rel) const { return dir_.path() + QLatin1Char('/') + rel; }
+QString TestDir::dir(const QString& rel) {
+    QDir(dir_.path()).mkpath(rel);
+    return abs(rel);
+}
+QString TestDir::file(const QString& rel, const QByteArray& content) {
+    const QString p = abs(rel);
+    QDir().mkpath(QFileInfo(p).absolutePath());
+    QFile f(p);
+    if (f.open(QIODevice::WriteOnly)) f.write(content);
+    return p;
+}
+
+} // namespace tftest
