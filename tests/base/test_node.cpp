@@ -1,0 +1,142 @@
+#include "base/io/XFileIO.h"
+#include "base/kernel/Kernel.h"
+#include "base/node/XNode.h"
+#include "common/TestEnv.h"
+
+#include <QtTest>
+
+using tav::XNode;
+
+class TestNode : public QObject {
+    Q_OBJECT
+    tftest::TestEnv env;
+
+private slots:
+    void roundTripThroughFileKeepsEveryAttributeKind() {
+        tftest::TestDir dir;
+        auto root = XNode::createRoot(QStringLiteral("TalvoEngine"));
+        root->setString(QStringLiteral("lang"), QStringLiteral("de"));
+        XNode* cfg = root->getCreateNode(QStringLiteral("Application"))->getCreateNode(QStringLiteral("Config"));
+        cfg->setBool(QStringLiteral("flagRuler"), true);
+        cfg->setInt(QStringLiteral("li_pos"), -2);
+        cfg->setUInt(QStringLiteral("HotkeyCyclePreviews"), 0x06000000u);
+        cfg->setUInt64(QStringLiteral("big"), uint64_t(1) << 50);
+        const QString odd = QStringLiteral("C:\\Dir/with \"quotes\" & <tags>;ünï\n2nd line");
+        cfg->setBase64String(QStringLiteral("root"), odd);
+        cfg->setString(QStringLiteral("plain"), QStringLiteral("a & b <c> \"d\"\t"));
+        const QStringList items{QStringLiteral("*.cpp"), QString(), QStringLiteral("a,b;c"), QStringLiteral("Ω")};
+        cfg->set_string_array(QStringLiteral("pattern"), items);
+        cfg->set_string_array(QStringLiteral("none"), {});
+        cfg->set_string_array(QStringLiteral("oneEmpty"), QStringList{QString()});
+        XNode* msg = root->createChild(QStringLiteral("Message"));
+        msg->createChild(QStringLiteral("en"))->setText(QStringLiteral("&add"));
+        msg->createChild(QStringLiteral("de"))->setText(QStringLiteral("&Hinzufügen &amp; mehr\n   zweite Zeile"));
+        root->createChild(QStringLiteral("PanSearch"), QStringLiteral("pan0"))->setInt(QStringLiteral("color"), -16711936);
+        root->createChild(QStringLiteral("Empty"));
+
+        XNode::atomicWriteFullEmptyTags = true;
+        const QString path = dir.abs(QStringLiteral("sub/node.xml"));
+        QVERIFY(root->saveNodeToXml(path));
+        QFile f(path);
+        QVERIFY(f.open(QIODevice::ReadOnly));
+        const QByteArray raw = f.readAll();
+        QVERIFY(raw.contains("<Empty></Empty>"));
+        // Accelerators stay readable in the file; a text that looks like an entity does not.
+        QVERIFY(raw.contains("<en>&add</en>"));
+        QVERIFY(raw.contains("&amp;amp;"));
+
+        QString err;
+        auto back = XNode::loadFromXml(path, &err);
+        QVERIFY2(back, qPrintable(err));
+        QCOMPARE(back->getString(QStringLiteral("lang")), QStringLiteral("de"));
+        XNode* c2 = back->query(QStringLiteral("Application"))->query(QStringLiteral("Config"));
+        QVERIFY(c2);
+        QCOMPARE(c2->isBool(QStringLiteral("flagRuler"), false), true);
+        QCOMPARE(c2->getInt(QStringLiteral("li_pos"), 1), -2);
+        QCOMPARE(c2->getUInt(QStringLiteral("HotkeyCyclePreviews"), 0), 0x06000000u);
+        QCOMPARE(c2->getUInt64(QStringLiteral("big"), 0), uint64_t(1) << 50);
+        QCOMPARE(c2->getBase64String(QStringLiteral("root")), odd);
+        QCOMPARE(c2->getString(QStringLiteral("plain")), QStringLiteral("a & b <c> \"d\"\t"));
+        QCOMPARE(c2->get_string_array(QStringLiteral("pattern")), items);
+        QVERIFY(c2->get_string_array(QStringLiteral("none")).isEmpty());
+        QCOMPARE(c2->get_string_array(QStringLiteral("oneEmpty")), QStringList{QString()});
+        XNode* m2 = back->children_by_Type(QStringLiteral("Message")).at(0);
+        QCOMPARE(m2->query(QStringLiteral("en"))->getText(), QStringLiteral("&add"));
+        QCOMPARE(m2->query(QStringLiteral("de"))->getText(), QStringLiteral("&Hinzufügen &amp; mehr\n   zweite Zeile"));
+        QCOMPARE(back->query(QStringLiteral("PanSearch"), QStringLiteral("pan0"))->getInt(QStringLiteral("color"), 0), -16711936);
+        QVERIFY(back->query(QStringLiteral("PanSearch"), QStringLiteral("pan1")) == nullptr);
+        QCOMPARE(back->toXml(), raw);   // a second write is byte-identical
+
+        XNode::atomicWriteFullEmptyTags = false;
+        QVERIFY(back->toXml().contains("<Empty/>"));
+        XNode::atomicWriteFullEmptyTags = true;
+    }
+
+    void lenientAboutBareAmpersandsStrictAboutStructure() {
+        QString err;
+        auto ok = XNode::fromXml("<GUI><Message><en>Save &amp; close &add &#65; &lt;x&gt;</en></Message></GUI>", &err);
+        QVERIFY2(ok, qPrintable(err));
+        QCOMPARE(ok->child(0)->query(QStringLiteral("en"))->getText(), QStringLiteral("Save & close &add A <x>"));
+        QVERIFY(!XNode::fromXml("<GUI><Message></GUI>", &err));
+        QVERIFY(!err.isEmpty());
+        QVERIFY(!XNode::fromXml("", &err));
+        QVERIFY(!XNode::fromXml("\x00\x01garbage", &err));
+    }
+
+    void treeOperations() {
+        auto root = XNode::createRoot(QStringLiteral("GUI"));
+        XNode* a = root->getCreateNode(QStringLiteral("Window"));
+        QCOMPARE(root->getCreateNode(QStringLiteral("Window")), a);   // get, not create again
+        a->set_pointer(this);
+        a->createChild(QStringLiteral("x"))->set_pointer(this);
+        auto copy = root->deepCopy();
+        QCOMPARE(copy->query(QStringLiteral("Window"))->pointer(), nullptr);   // pointers are not copied
+        QCOMPARE(copy->query(QStringLiteral("Window"))->root(), copy.get());
+        root->remove_all_pointer();
+        QCOMPARE(a->pointer(), nullptr);
+        QCOMPARE(a->child(0)->pointer(), nullptr);
+        XNode* taken = root->removeNode(a, false);
+        QCOMPARE(taken, a);
+        QCOMPARE(root->countChildren(), 0);
+        QCOMPARE(taken->parent(), nullptr);
+        root->addNode(taken, false);
+        QCOMPARE(root->countChildren(), 1);
+        root->addNode(copy.get(), true);
+        QCOMPARE(root->countChildren(), 2);
+        QCOMPARE(root->children_by_Type(QStringLiteral("GUI")).size(), size_t(1));
+        root->removeNode(a, true);
+        QCOMPARE(root->countChildren(), 1);
+    }
+
+    void corruptConfigurationIsMovedAsideAndDefaultsLoad() {
+        const QString path = tav::Kernel::nodeFilePath();
+        QVERIFY(tav::writeFileAtomic(path, "<TalvoEngine lang=\"de\"><Application>"));
+        {
+            tftest::LogCapture cap;
+            tav::Kernel k(QStringLiteral("talvoEngine"), QStringLiteral("test"), {});
+            QVERIFY(k.nodeRoot());
+            QCOMPARE(k.nodeRoot()->countChildren(), 0);
+            QCOMPARE(k.getNodeRoot()->get_lang(), QStringLiteral("en"));
+            QVERIFY(QFile::exists(path + QStringLiteral(".bad")));
+            QVERIFY(!QFile::exists(path));
+            QVERIFY(cap.contains(QStringLiteral("Kernel::loadNodes")));
+            // The save event runs, then the file is written whole again.
+            int saved = 0;
+            k.addSaveListener([&]() {
+                ++saved;
+                k.getCreateNodeApplication()->getCreateNode(QStringLiteral("Config"))->setInt(QStringLiteral("fontSize"), 20);
+            });
+            k.save();
+            QCOMPARE(saved, 1);
+        }
+        tav::Kernel again(QStringLiteral("talvoEngine"), QStringLiteral("test"), {});
+        QCOMPARE(again.getCreateNodeApplication()->getCreateNode(QStringLiteral("Config"))->getInt(QStringLiteral("fontSize"), 0), 20);
+        // A reset drops the file instead of writing it.
+        again.set_config_to_initial_state();
+        again.save();
+        QVERIFY(!QFile::exists(path));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestNode)
+#include "test_node.moc"
