@@ -1,6 +1,7 @@
 #include "gui/kernel/KernelGUI.h"
 
 #include "base/log/Logger.h"
+#include "gui/kernel/GuiResources.h"
 #include "gui/tools/XTools.h"
 
 #include <QApplication>
@@ -104,6 +105,7 @@ bool haveWidgets() { return qobject_cast<QApplication*>(QCoreApplication::instan
 KernelGUI::KernelGUI(const QString& engineName, const QString& commandName, const QStringList& args, bool withDisplay)
     : Kernel(engineName, commandName, args), withDisplay_(withDisplay && haveWidgets()) {
     gKernelGui = this;
+    initGuiResources();
     if (withDisplay_) {
         modifierWatch_ = new ModifierWatch(this);
         qApp->installEventFilter(modifierWatch_);

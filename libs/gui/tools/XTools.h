@@ -3,15 +3,22 @@
 // icons, fonts, remembered modifier keys, windows, desktop services.
 #include "base/node/XNode.h"
 
+#include <QColor>
 #include <QFileInfo>
+#include <QFont>
+#include <QIcon>
 #include <QString>
 #include <QStringList>
 #include <cstdint>
 #include <functional>
+#include <vector>
 
 class QWidget;
+class QComboBox;
 
 namespace tav {
+
+class AbstractWindow;
 
 class XTools {
 public:
@@ -56,8 +63,46 @@ public:
     static QDir get_create_cache_dir();
     static bool empty_out_cache_dir();
 
+    // ---- icons and fonts ---------------------------------------------------------------
+    // ":/tf/icons/" + ("dark/" in the dark style) + name; the light icon when the
+    // dark variant is missing.
+    static QString get_icon_path(const QString& name);
+    static QIcon getIcon(const QString& name);
+    // The platform's fixed-pitch font at a point size.
+    static QFont getMonoFont(int pointSize);
+    // 'font' at another point size (sizes below 4 become 4).
+    static QFont get_font_resized(const QFont& font, int pointSize);
+    // The icon the desktop shows for a file or folder.
+    static QIcon get_file_icon_association(const QFileInfo& fi);
+
     // ---- windows ---------------------------------------------------------------------
     static void centerOnScreen(QWidget* w, int width, int height);
+    // Framework windows, oldest first. 'onlyTopLevel': windows without a parent
+    // window only; 'includeHidden': hidden ones too.
+    static std::vector<AbstractWindow*> getAbstractWindows(bool onlyTopLevel, bool includeHidden);
+    static void closeAbstractWindow(AbstractWindow* w);
+
+    // ---- widgets -----------------------------------------------------------------------
+    // Background through the palette (and auto-fill), so style sheets of children stay.
+    static void setBackgroundColor(QWidget* w, const QColor& c);
+    // Draws attention to an editable combo box whose text was refused: its
+    // background blinks red a few times and the text gets the focus.
+    static void flash_combobox_editable(QComboBox* combo, int times = 3);
+    // A drag of the file out of 'source' (to a file manager, a mail program...).
+    // Returns false without a display or for a missing file.
+    static bool drop_file(QWidget* source, const QFileInfo& fi);
+
+    // ---- desktop -------------------------------------------------------------------------
+    static bool open_file_with_default_program(const QFileInfo& fi);
+    // Shows the item selected in the desktop's file manager; without one that
+    // answers on the session bus, opens the folder (a folder itself, or the file's).
+    static bool showFolderInFileManager(const QString& path);
+};
+
+class XClipboard {
+public:
+    static void setText(const QString& text);
+    static QString text();
 };
 
 // Translation call used for every user-visible text.

@@ -26,6 +26,12 @@ std::vector<AbstractWindow*> AbstractWindow::allWindows() { return registry(); }
 
 QString AbstractWindow::windowName() const { return xname_; }
 
+void AbstractWindow::initWindow(XNode* node, const QString& title, const QString& helpPage) {
+    nodeWin_ = node;
+    helpPage_ = helpPage;
+    if (self_) self_->setWindowTitle(title);
+}
+
 void AbstractWindow::saveStateToXml() {
     if (!nodeWin_ || !self_) return;
     nodeWin_->setString(QStringLiteral("geometry"), QString::fromLatin1(self_->saveGeometry().toBase64()));

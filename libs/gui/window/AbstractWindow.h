@@ -28,6 +28,10 @@ public:
     const QString& xName() const { return xname_; }
     virtual QString windowName() const;
 
+    // Window node, title and help page in one call (what every window's init does).
+    void initWindow(XNode* node, const QString& title, const QString& helpPage);
+    const QString& helpPage() const { return helpPage_; }
+
     // The node that keeps this window's state (geometry); not owned.
     void setNodeWin(XNode* n) { nodeWin_ = n; }
     XNode* nodeWin() const { return nodeWin_; }
@@ -52,6 +56,7 @@ private:
     QWidget* self_;
     QString xname_;
     XNode* nodeWin_ = nullptr;
+    QString helpPage_;
 };
 
 } // namespace tav

@@ -1,0 +1,167 @@
+// Icons, fonts, windows, widget helpers and desktop services of XTools.
+#include "gui/tools/XTools.h"
+
+#include "base/log/Logger.h"
+#include "gui/kernel/GuiResources.h"
+#include "gui/window/AbstractWindow.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QComboBox>
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDesktopServices>
+#include <QDrag>
+#include <QFile>
+#include <QFileIconProvider>
+#include <QFontDatabase>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QPointer>
+#include <QTimer>
+#include <QUrl>
+#include <QWidget>
+
+namespace tav {
+
+// ---- icons and fonts ---------------------------------------------------------------------
+QString XTools::get_icon_path(const QString& name) {
+    initGuiResources();
+    const QString light = QStringLiteral(":/tf/icons/") + name;
+    if (!isTavStyleDark()) return light;
+    const QString dark = QStringLiteral(":/tf/icons/dark/") + name;
+    return QFile::exists(dark) ? dark : light;
+}
+
+QIcon XTools::getIcon(const QString& name) {
+    const QString path = get_icon_path(name);
+    if (!QFile::exists(path)) log(4, "XTools::getIcon, <<<$>>> 404", path);
+    return QIcon(path);
+}
+
+QFont XTools::getMonoFont(int pointSize) {
+    QFont f = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    f.setStyleHint(QFont::Monospace);
+    f.setFixedPitch(true);
+    return get_font_resized(f, pointSize);
+}
+
+QFont XTools::get_font_resized(const QFont& font, int pointSize) {
+    QFont f = font;
+    f.setPointSize(qMax(4, pointSize));
+    return f;
+}
+
+QIcon XTools::get_file_icon_association(const QFileInfo& fi) {
+    if (!qobject_cast<QApplication*>(QCoreApplication::instance())) return QIcon();
+    static QFileIconProvider provider;
+    if (!fi.exists()) return provider.icon(QFileIconProvider::File);
+    return provider.icon(fi);
+}
+
+// ---- windows -------------------------------------------------------------------------------
+std::vector<AbstractWindow*> XTools::getAbstractWindows(bool onlyTopLevel, bool includeHidden) {
+    std::vector<AbstractWindow*> out;
+    for (AbstractWindow* w : AbstractWindow::allWindows()) {
+        QWidget* wid = w->widget();
+        if (!wid) continue;
+        if (onlyTopLevel && wid->parentWidget()) continue;
+        if (!includeHidden && !wid->isVisible()) continue;
+        out.push_back(w);
+    }
+    return out;
+}
+
+void XTools::closeAbstractWindow(AbstractWindow* w) {
+    if (!X_ASSERT_MSG(w, "window == NULL")) return;
+    if (w->widget()) w->widget()->close();
+}
+
+// ---- widgets ---------------------------------------------------------------------------------
+void XTools::setBackgroundColor(QWidget* w, const QColor& c) {
+    if (!X_ASSERT_MSG(w, "widget == NULL")) return;
+    QPalette p = w->palette();
+    p.setColor(QPalette::Window, c);
+    p.setColor(QPalette::Base, c);
+    w->setAutoFillBackground(true);
+    w->setPalette(p);
+}
+
+void XTools::flash_combobox_editable(QComboBox* combo, int times) {
+    if (!X_ASSERT_MSG(combo, "comboBox == NULL")) return;
+    QLineEdit* edit = combo->lineEdit();
+    QWidget* target = edit ? static_cast<QWidget*>(edit) : combo;
+    target->setFocus();
+    if (edit) edit->selectAll();
+    const QString oldSheet = target->styleSheet();
+    QPointer<QWidget> guard(target);
+    const int steps = qMax(1, times) * 2;
+    for (int i = 0; i < steps; ++i) {
+        QTimer::singleShot(150 * i, target, [guard, i, oldSheet]() {
+            if (!guard) return;
+            guard->setStyleSheet(i % 2 == 0 ? QStringLiteral("background-color: #d32f2f; color: white;") : oldSheet);
+        });
+    }
+    QTimer::singleShot(150 * steps, target, [guard, oldSheet]() {
+        if (guard) guard->setStyleSheet(oldSheet);
+    });
+}
+
+bool XTools::drop_file(QWidget* source, const QFileInfo& fi) {
+    if (!X_ASSERT_MSG(source, "widget == NULL")) return false;
+    if (!fi.exists()) {
+        log(4, "XTools::drop_file, <<<$>>> 404", fi.absoluteFilePath());
+        return false;
+    }
+    auto* mime = new QMimeData;
+    mime->setUrls({QUrl::fromLocalFile(fi.absoluteFilePath())});
+    mime->setText(fi.absoluteFilePath());
+    auto* drag = new QDrag(source);
+    drag->setMimeData(mime);
+    drag->setPixmap(get_file_icon_association(fi).pixmap(32, 32));
+    drag->exec(Qt::CopyAction | Qt::LinkAction, Qt::CopyAction);
+    return true;
+}
+
+// ---- desktop -------------------------------------------------------------------------------------
+bool XTools::open_file_with_default_program(const QFileInfo& fi) {
+    if (!fi.exists()) {
+        log(4, "XTools::open_file_with_default_program, <<<$>>> 404", fi.absoluteFilePath());
+        return false;
+    }
+    const bool ok = QDesktopServices::openUrl(QUrl::fromLocalFile(fi.absoluteFilePath()));
+    if (!ok) log(4, "XTools::open_file_with_default_program, <<<$>>> failed", fi.absoluteFilePath());
+    return ok;
+}
+
+bool XTools::showFolderInFileManager(const QString& path) {
+    const QFileInfo fi(path);
+    if (!fi.exists()) {
+        log(4, "XTools::showFolderInFileManager, <<<$>>> 404", path);
+        return false;
+    }
+    const QString service = QStringLiteral("org.freedesktop.FileManager1");
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    if (bus.isConnected() && bus.interface() && bus.interface()->isServiceRegistered(service).value()) {
+        QDBusMessage m = QDBusMessage::createMethodCall(service, QStringLiteral("/org/freedesktop/FileManager1"), service,
+                                                        QStringLiteral("ShowItems"));
+        m << QStringList{QUrl::fromLocalFile(fi.absoluteFilePath()).toString()} << QString();
+        if (bus.send(m)) return true;
+    }
+    const QString folder = fi.isDir() ? fi.absoluteFilePath() : fi.absolutePath();
+    const bool ok = QDesktopServices::openUrl(QUrl::fromLocalFile(folder));
+    if (!ok) log(4, "XTools::showFolderInFileManager, <<<$>>> failed", folder);
+    return ok;
+}
+
+// ---- clipboard ---------------------------------------------------------------------------------------
+void XClipboard::setText(const QString& text) {
+    if (QClipboard* c = QGuiApplication::clipboard()) c->setText(text);
+}
+QString XClipboard::text() {
+    QClipboard* c = QGuiApplication::clipboard();
+    return c ? c->text() : QString();
+}
+
+} // namespace tav

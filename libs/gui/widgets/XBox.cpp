@@ -1,0 +1,60 @@
+#include "gui/widgets/XBox.h"
+
+#include "base/log/Logger.h"
+
+#include <QInputDialog>
+#include <QMessageBox>
+#include <atomic>
+
+namespace tav {
+
+namespace {
+std::atomic<int> gAnswer{-1};
+std::atomic<int> gShown{0};
+
+bool scripted(const char* kind, const QString& title, int* answer) {
+    ++gShown;
+    const int a = gAnswer.load();
+    if (a < 0) return false;
+    log(32, "XBox::$, title:'$', scripted answer:$", kind, title, a);
+    *answer = a;
+    return true;
+}
+}
+
+void XBox::setScriptedAnswer(int answer) { gAnswer = answer; }
+int XBox::scriptedAnswer() { return gAnswer; }
+int XBox::countShown() { return gShown; }
+
+bool XBox::ask_yes_no(QWidget* parent, const QString& title, const QString& text) {
+    int a = 0;
+    if (scripted("ask_yes_no", title, &a)) return a == 1;
+    return QMessageBox::question(parent, title, text, QMessageBox::Yes | QMessageBox::No, QMessageBox::No) ==
+           QMessageBox::Yes;
+}
+
+void XBox::warn(QWidget* parent, const QString& title, const QString& text) {
+    int a = 0;
+    if (scripted("warn", title, &a)) return;
+    QMessageBox::warning(parent, title, text);
+}
+
+void XBox::info(QWidget* parent, const QString& title, const QString& text) {
+    int a = 0;
+    if (scripted("info", title, &a)) return;
+    QMessageBox::information(parent, title, text);
+}
+
+QString XBoxInput::get_text(QWidget* parent, const QString& title, const QString& label, const QString& text, bool* ok) {
+    int a = 0;
+    if (scripted("get_text", title, &a)) {
+        if (ok) *ok = a == 1;
+        return a == 1 ? text : QString();
+    }
+    bool accepted = false;
+    const QString r = QInputDialog::getText(parent, title, label, QLineEdit::Normal, text, &accepted);
+    if (ok) *ok = accepted;
+    return accepted ? r : QString();
+}
+
+} // namespace tav

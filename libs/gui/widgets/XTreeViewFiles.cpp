@@ -1,0 +1,260 @@
+#include "gui/widgets/XTreeViewFiles.h"
+
+#include "base/log/Logger.h"
+#include "base/node/XNode.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFileSystemModel>
+#include <QHeaderView>
+#include <QHelpEvent>
+#include <QToolTip>
+
+namespace tav {
+
+namespace {
+enum Column { NAME = 0, SIZE = 1, TYPE = 2, DATE = 3 };
+
+QString cleanPath(const QString& p) { return QDir::cleanPath(QFileInfo(p).absoluteFilePath()); }
+}
+
+// ---- proxy -------------------------------------------------------------------------------------
+XTreeViewFilesProxy::XTreeViewFilesProxy(QObject* parent) : QSortFilterProxyModel(parent) {
+    setDynamicSortFilter(true);
+    setRecursiveFilteringEnabled(false);
+}
+
+void XTreeViewFilesProxy::setFolderFilter(const QList<QFileInfo>& folders) {
+    folders_.clear();
+    for (const QFileInfo& fi : folders)
+        if (!fi.filePath().isEmpty()) folders_.insert(cleanPath(fi.absoluteFilePath()));
+    invalidateFilter();
+}
+
+void XTreeViewFilesProxy::setFolderFilterActive(bool on) {
+    if (active_ == on) return;
+    active_ = on;
+    invalidateFilter();
+}
+
+bool XTreeViewFilesProxy::isFiltered(const QString& absolutePath) const {
+    return active_ && folders_.contains(cleanPath(absolutePath));
+}
+
+bool XTreeViewFilesProxy::filterAcceptsRow(int row, const QModelIndex& parent) const {
+    if (!active_ || folders_.isEmpty()) return true;
+    auto* fs = qobject_cast<QFileSystemModel*>(sourceModel());
+    if (!fs) return true;
+    const QModelIndex i = fs->index(row, 0, parent);
+    return !folders_.contains(QDir::cleanPath(fs->filePath(i)));
+}
+
+bool XTreeViewFilesProxy::lessThan(const QModelIndex& left, const QModelIndex& right) const {
+    auto* fs = qobject_cast<QFileSystemModel*>(sourceModel());
+    if (!fs) return QSortFilterProxyModel::lessThan(left, right);
+    const bool ld = fs->isDir(left), rd = fs->isDir(right);
+    // Folders before files whatever the direction: the view reverses the
+    // whole order for descending sorts, so flip the folder rule with it.
+    if (ld != rd) return sortOrder() == Qt::AscendingOrder ? ld : rd;
+    switch (left.column()) {
+    case SIZE:
+        if (fs->size(left) != fs->size(right)) return fs->size(left) < fs->size(right);
+        break;
+    case DATE: {
+        const QDateTime a = fs->lastModified(left), b = fs->lastModified(right);
+        if (a != b) return a < b;
+        break;
+    }
+    default:
+        break;
+    }
+    return QString::localeAwareCompare(fs->fileName(left), fs->fileName(right)) < 0;
+}
+
+// ---- view ------------------------------------------------------------------------------------------
+XTreeViewFiles::XTreeViewFiles(QWidget* parent)
+    : QTreeView(parent), model_(new QFileSystemModel(this)), proxy_(new XTreeViewFilesProxy(this)) {
+    setObjectName(QStringLiteral("XTreeViewFiles"));
+    model_->setReadOnly(true);
+    model_->setResolveSymlinks(false);
+    applyModelFilter();
+    model_->setRootPath(QDir::rootPath());
+    proxy_->setSourceModel(model_);
+    setModel(proxy_);
+    setUniformRowHeights(true);
+    setMouseTracking(true);
+    setContextMenuPolicy(Qt::CustomContextMenu);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    header()->setStretchLastSection(false);
+    header()->setSectionResizeMode(NAME, QHeaderView::Stretch);
+    setSortingEnabled(true);
+    sortByColumn(NAME, Qt::AscendingOrder);
+    applyColumns();
+
+    connect(selectionModel(), &QItemSelectionModel::currentChanged, this, [this](const QModelIndex& cur) {
+        const QFileInfo fi = fileAt(cur);
+        if (fi.filePath().isEmpty()) return;
+        selectedDir_ = fi.isDir() ? cleanPath(fi.absoluteFilePath()) : QString();
+        selectedDirLoaded_ = false;
+        eventSelect_.fire(fi);
+    });
+    // The first load of the selected folder is its listing; later loads are
+    // changes on disk, which the owner may want to show.
+    connect(model_, &QFileSystemModel::directoryLoaded, this, [this](const QString& path) {
+        if (selectedDir_.isEmpty() || QDir::cleanPath(path) != selectedDir_) return;
+        if (!selectedDirLoaded_) {
+            selectedDirLoaded_ = true;
+            return;
+        }
+        eventReload_.fire(path);
+    });
+    connect(this, &QAbstractItemView::doubleClicked, this, [this](const QModelIndex& i) {
+        const QFileInfo fi = fileAt(i);
+        if (!fi.filePath().isEmpty()) eventDouble_.fire(fi);
+    });
+    connect(this, &QWidget::customContextMenuRequested, this, [this](const QPoint& p) {
+        const QFileInfo fi = fileAt(indexAt(p));
+        if (!fi.filePath().isEmpty()) eventContext_.fire(fi);
+    });
+    connect(this, &QAbstractItemView::entered, this, [this](const QModelIndex& i) {
+        hovered_ = fileAt(i);
+        if (!hovered_.filePath().isEmpty()) eventHover_.fire(hovered_);
+    });
+}
+
+XTreeViewFiles::~XTreeViewFiles() = default;
+
+void XTreeViewFiles::applyModelFilter() {
+    QDir::Filters f = QDir::AllDirs | QDir::NoDotAndDotDot | QDir::Drives;
+    if (!dirsOnly_) f |= QDir::Files;
+    if (hidden_) f |= QDir::Hidden;
+    model_->setFilter(f);
+}
+
+void XTreeViewFiles::applyColumns() {
+    setColumnHidden(TYPE, true);
+    setColumnHidden(SIZE, !details_);
+    setColumnHidden(DATE, !details_);
+    setHeaderHidden(!details_);
+    if (details_) {
+        header()->setSectionResizeMode(SIZE, QHeaderView::ResizeToContents);
+        header()->setSectionResizeMode(DATE, QHeaderView::ResizeToContents);
+    }
+}
+
+void XTreeViewFiles::setFolderFilter(const QList<QFileInfo>& folders) {
+    proxy_->setFolderFilter(folders);
+    proxy_->setFolderFilterActive(true);
+}
+void XTreeViewFiles::removeFolderFilter() { proxy_->setFolderFilterActive(false); }
+bool XTreeViewFiles::hasFolderFilter() const { return proxy_->isFolderFilterActive(); }
+
+void XTreeViewFiles::setDirsOnly(bool on) {
+    dirsOnly_ = on;
+    applyModelFilter();
+}
+
+void XTreeViewFiles::setHiddenFiles(bool on) {
+    hidden_ = on;
+    applyModelFilter();
+}
+
+void XTreeViewFiles::showHeaderDetails(bool on) {
+    details_ = on;
+    applyColumns();
+}
+
+void XTreeViewFiles::invalidateModel() { proxy_->invalidateAll(); }
+
+QFileInfo XTreeViewFiles::fileAt(const QModelIndex& proxyIndex) const {
+    if (!proxyIndex.isValid()) return QFileInfo();
+    const QModelIndex src = proxy_->mapToSource(proxyIndex);
+    return src.isValid() ? model_->fileInfo(src) : QFileInfo();
+}
+
+QModelIndex XTreeViewFiles::indexOfPath(const QString& path) const {
+    const QModelIndex src = model_->index(cleanPath(path));
+    return src.isValid() ? proxy_->mapFromSource(src) : QModelIndex();
+}
+
+bool XTreeViewFiles::selectFile(const QString& path, bool expand) {
+    const QFileInfo fi(path);
+    if (path.isEmpty() || !fi.exists()) {
+        log(16, "XTreeViewFiles::selectFile, <<<$>>> 404", path);
+        return false;
+    }
+    const QModelIndex idx = indexOfPath(fi.absoluteFilePath());
+    if (!idx.isValid()) {
+        log(16, "XTreeViewFiles::selectFile, <<<$>>> not in the tree", fi.absoluteFilePath());
+        return false;
+    }
+    setCurrentIndex(idx);
+    selectionModel()->select(idx, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    if (expand) this->expand(idx);
+    scrollTo(idx);
+    return true;
+}
+
+QFileInfo XTreeViewFiles::selectedFile() const { return fileAt(currentIndex()); }
+
+bool XTreeViewFiles::setRoot(const QString& path) {
+    const QString clean = path.isEmpty() ? QDir::rootPath() : cleanPath(path);
+    if (clean == QDir::rootPath()) {
+        setRootIndex(QModelIndex());
+    } else {
+        const QFileInfo fi(clean);
+        if (!fi.isDir()) {
+            log(4, "XTreeViewFiles::setRoot, <<<$>>> is no folder", clean);
+            return false;
+        }
+        const QModelIndex idx = indexOfPath(clean);
+        if (!idx.isValid()) return false;
+        setRootIndex(idx);
+    }
+    eventRoot_.fire(clean);
+    return true;
+}
+
+QString XTreeViewFiles::rootPath() const {
+    return isAtRoot() ? QDir::rootPath() : fileAt(rootIndex()).absoluteFilePath();
+}
+
+void XTreeViewFiles::saveStates(XNode* node) const {
+    if (!X_ASSERT_MSG(node, "node == NULL")) return;
+    node->setString(QStringLiteral("headerState"), QString::fromLatin1(header()->saveState().toBase64()));
+    node->setInt(QStringLiteral("sortColumn"), header()->sortIndicatorSection());
+    node->setInt(QStringLiteral("sortOrder"), int(header()->sortIndicatorOrder()));
+    node->setBool(QStringLiteral("flagDirsOnly"), dirsOnly_);
+}
+
+bool XTreeViewFiles::restoreStates(const XNode* node) {
+    if (!X_ASSERT_MSG(node, "node == NULL")) return false;
+    bool ok = true;
+    const QString s = node->getString(QStringLiteral("headerState"));
+    if (!s.isEmpty()) ok = header()->restoreState(QByteArray::fromBase64(s.toLatin1()));
+    const int column = node->getInt(QStringLiteral("sortColumn"), NAME);
+    const int order = node->getInt(QStringLiteral("sortOrder"), int(Qt::AscendingOrder));
+    sortByColumn(column >= 0 && column <= DATE ? column : NAME, order == int(Qt::DescendingOrder) ? Qt::DescendingOrder : Qt::AscendingOrder);
+    if (node->hasAttribute(QStringLiteral("flagDirsOnly"))) setDirsOnly(node->isBool(QStringLiteral("flagDirsOnly"), dirsOnly_));
+    // The header state also holds which columns were hidden; the details switch decides.
+    applyColumns();
+    header()->setSectionResizeMode(NAME, QHeaderView::Stretch);
+    return ok;
+}
+
+bool XTreeViewFiles::viewportEvent(QEvent* e) {
+    if (e->type() == QEvent::ToolTip) {
+        auto* he = static_cast<QHelpEvent*>(e);
+        if (hoverToolTip_.isEmpty() || !indexAt(he->pos()).isValid()) QToolTip::hideText();
+        else QToolTip::showText(he->globalPos(), hoverToolTip_, viewport());
+        return true;
+    }
+    return QTreeView::viewportEvent(e);
+}
+
+void XTreeViewFiles::leaveEvent(QEvent* e) {
+    hovered_ = QFileInfo();
+    QTreeView::leaveEvent(e);
+}
+
+} // namespace tav
