@@ -9,14 +9,15 @@
 #include "gui/kernel/KernelGUI.h"
 #include "gui/kernel/XRuntime.h"
 #include "gui/tools/XTools.h"
+#include "gui/tools/XSearchMachines.h"
 #include "src/gui/WinFinder.h"
+#include "src/gui/WinTray.h"
 #include "src/gui/config/ConfigTavFinder.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QGuiApplication>
-#include <QMessageBox>
-#include <QTimer>
+#include <QApplication>
 
 namespace tavFinder {
 
@@ -57,7 +58,7 @@ void set_env_variables() {
 
 bool FindApplication::lang_initialiser(tav::KernelGUI& kernel) {
     tav::XTools::set_lang_path(QStringLiteral(":/tf/lang/lang.xml"));
-    // web-search list: registered here once the list exists
+    tav::XSearchMachines::set_resource_file(QStringLiteral(":/tf/search/search_machines.txt"));
     tav::TalvoEngine* engine = kernel.getNodeRoot();
     X_ASSERT_MSG(engine, "nEngine == NULL");
     tav::XNode::atomicWriteFullEmptyTags = true;
@@ -105,46 +106,35 @@ int FindApplication::tavFind(tav::KernelGUI& kernel) {
     eventProgramError().add([](const QString& text) {
         log(4, "FindApplication, program error: $", text);
     });
-    // 12
+    // 12: the tray's watchdog ends the program when no window is left
     auto* win = new WinFinder(true);
     win->init(&kernel, nWin);
+    win->setupTray();
     win->setUp(sFile);
     tav::XTools::centerOnScreen(win, 1200, 600);
     // 13
+    kernel.replaceModifierListener(0, []() {
+        if (!tav::XTools::is_modifier(cfg().HotkeyCyclePreviews)) return;
+        QWidget* focus = QApplication::focusWidget();
+        if (!focus) return;
+        for (QWidget* w = focus; w; w = w->parentWidget()) {
+            if (auto* wf = qobject_cast<WinFinder*>(w)) {
+                wf->key_cycle_previews(focus);
+                return;
+            }
+        }
+    });
     kernel.addSaveListener([nApp]() {
         cfg().toNode(nApp->getCreateNode(QStringLiteral("Config")));
+        WinTray::destroy();
     });
-    // The program does not quit with its last window; end when none is left.
-    auto* watchdog = new QTimer(qApp);
-    watchdog->setInterval(500);
-    QObject::connect(watchdog, &QTimer::timeout, []() {
-        if (tav::AbstractWindow::allWindows().empty()) quit_the_app();
-    });
-    tav::run_in_gui_thread([watchdog]() { watchdog->start(); }, 1000);
     // 14
     win->show();
     return kernel.exec();
 }
 
-void FindApplication::quit_application() {
-    if (cfg().flagConfirmQuit) {
-        const auto answer = QMessageBox::question(nullptr, tav::xt("Quit Talvo Finder"),
-                                                  tav::xt("Do you want to quit Talvo Finder Application ?"));
-        if (answer != QMessageBox::Yes) {
-            log(32, "WinFinder::quit_application - CANCEL");
-            return;
-        }
-    }
-    quit_the_app();
-}
-
-void FindApplication::quit_the_app() {
-    log(32, "WinFinder::quit_the_app");
-    for (tav::AbstractWindow* w : tav::AbstractWindow::allWindows())
-        if (w->widget()) w->widget()->close();
-    tav::XThreadPool::wait_for_all(-1);
-    QCoreApplication::exit(0);
-}
+void FindApplication::quit_application() { WinFinder::quit_application(); }
+void FindApplication::quit_the_app() { WinFinder::quit_the_app(); }
 
 void FindApplication::restart_later() {
     tav::run_in_gui_thread([]() {

@@ -1,30 +1,350 @@
 #include "src/gui/WinFinder.h"
 
+#include "base/env/Env.h"
 #include "base/log/Logger.h"
+#include "base/node/XNode.h"
+#include "base/thread/XThread.h"
+#include "base/util/Format.h"
+#include "gui/kernel/KernelGUI.h"
+#include "gui/panel/XPanel.h"
+#include "gui/panel/XPanelStacked.h"
+#include "gui/panel/XSplitter.h"
+#include "gui/tools/XTools.h"
+#include "gui/widgets/XBox.h"
+#include "gui/widgets/XTreeViewFiles.h"
+#include "src/dir/ContextPreviews.h"
+#include "src/dir/XContainerPreviews.h"
+#include "src/gui/NavigationBar.h"
+#include "src/gui/PanelResults.h"
+#include "src/gui/WinTray.h"
+#include "src/gui/config/ConfigTavFinder.h"
+
+#include <QAction>
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QDir>
+#include <QFileSystemModel>
+#include <QPointer>
 
 namespace tavFinder {
 
-WinFinder::WinFinder(bool) {
-    setDeleteOnClose(true);
-    setWindowTitle(QStringLiteral("Talvo Finder"));
+using tav::log;
+
+const std::vector<unsigned>& WinFinder::thumbSizes() {
+    static const std::vector<unsigned> sizes{64, 90, 128, 160, 200, 256};
+    return sizes;
 }
 
-WinFinder::~WinFinder() { tav::log(32, "WinFinder::~WinFinder"); }
+WinFinder::WinFinder(bool) : contextMain_(std::make_unique<ContextPreviews>(QStringLiteral("CONTEXT-MAIN"))), timer_(200) {
+    setWindowTitle(tav::xt("Talvo Finder"));
+    setWindowIcon(QIcon(QIcon(QStringLiteral(":/tf/icons/find2.svg")).pixmap(64, 64)));
+    propUseFilter_.set(cfg().flagUseFilter);
+    history_.listeners().add([this]() { on_hist_state_change(); });
+}
+
+WinFinder::~WinFinder() {
+    log(32, "WinFinder::~WinFinder");
+    timer_.stop();
+    // The contexts point into widgets that go with this window.
+    contexts_.clear();
+}
 
 void WinFinder::init(tav::KernelGUI* kernel, tav::XNode* nWin) {
-    kernel_ = kernel;
-    setNodeWin(nWin);
-    setWindowTitle(QStringLiteral("Talvo Finder"));
-}
-
-void WinFinder::setUp(const QString& selectPath) {
-    tav::log(32, "WinFinder::setUp, sSelectFile '$'", selectPath);
-    if (setUpDone_) return;
-    setUpDone_ = true;
+    kernel_ = kernel ? kernel : tav::KernelGUI::instanceGui();
+    initWindow(nWin, tav::xt("Talvo Finder"), QStringLiteral(":/html/en.index.html"));
 }
 
 QString WinFinder::windowName() const {
     return xName().isEmpty() ? QStringLiteral("WinFinder") : tav::fill("WinFinder@$", xName());
+}
+
+void WinFinder::setUp(const QString& selectPath) {
+    log(32, "WinFinder::setUp, sSelectFile '$'", selectPath);
+    if (treeView_) {
+        log(32, "WinFinder::setUp, treeView");
+        return;
+    }
+    sSelectFile_ = selectPath;
+    // 1
+    tav::XNode* nWin = nodeWin();
+    X_ASSERT_MSG(nWin, "nWin == NULL");
+    tav::XNode* nTree = nWin ? nWin->getCreateNode(QStringLiteral("XTreeView")) : nullptr;
+
+    // 2: navigation bar above a splitter with the tree and the stack
+    content_ = new tav::XPanel(this, tav::XPanel::VERTICAL, QStringLiteral("content"));
+    content_->setTight();
+    setCentralWidget(content_);
+    naviBar_ = content_->add(new NavigationBar(this, content_));
+    splitter_ = content_->add(new tav::XSplitter(Qt::Horizontal, content_), 1);
+    splitter_->setObjectName(QStringLiteral("splitter"));
+    treeView_ = new tav::XTreeViewFiles(splitter_);
+    treeView_->setSortingEnabled(true);
+    stacked_ = new tav::XPanelStacked(splitter_, QStringLiteral("stacked"));
+    container_preview_ = new XContainerPreviews(stacked_);
+    container_preview_->setObjectName(QStringLiteral("container_preview"));
+    findResults_ = new PanelResults(stacked_);
+    findResults_->setObjectName(QStringLiteral("findResults"));
+    stacked_->addPanel(container_preview_);
+    stacked_->addPanel(findResults_);
+    splitter_->addWidget(treeView_);
+    splitter_->addWidget(stacked_);
+    splitter_->setStretchFactor(0, 0);
+    splitter_->setStretchFactor(1, 1);
+    splitter_->setSizes({360, 840});
+    contextMain_->ini(treeView_, container_preview_);
+    contexts_ = {contextMain_.get(), findResults_->context()};
+    stacked_->showPanel(container_preview_);
+
+    // 3
+    container_preview_->eventOpenStandAlone().add([this](const QFileInfo& fi) { open_stand_alone_preview(fi); });
+
+    // 4
+    container_preview_->setTextFileExtensions(cfg().extSet());
+    if (nWin) splitter_->nodeToState(nWin, QStringLiteral("splitter"));
+    treeView_->showHeaderDetails(nTree && nTree->isBool(QStringLiteral("header"), false));
+    if (nTree) treeView_->restoreStates(nTree);
+
+    // 5
+    treeView_->eventSelectFile().add([this](const QFileInfo& fi) { on_treeView_selectFile(fi); });
+    treeView_->eventDirReload().add([this](const QString& path) {
+        log(32, "WinFinder::setUp - dir reload, '$'", path);
+        on_treeView_selectFile(QFileInfo(path));
+    });
+    treeView_->eventDoubleClick().add([this](const QFileInfo& fi) {
+        if (!fi.isFile()) return;
+        log(32, "WinFinder::on_double_click_file, fi <<<$>>>", fi);
+        open_stand_alone_preview(fi);
+    });
+    treeView_->eventContextMenu().add([this](const QFileInfo& fi) { on_contextMenu_treeView(fi); });
+    treeView_->eventHover().add([this](const QFileInfo& fi) {
+        if (tav::XTools::is_modifier_control()) return;
+        treeView_->setHoverToolTip(tree_tooltip(fi));
+    });
+
+    // 6
+    propUseFilter_.addListener([this](bool on) {
+        cfg().flagUseFilter = on;
+        if (on) treeView_->setFolderFilter(cfg().filter);
+        else treeView_->removeFolderFilter();
+        treeView_->setDirsOnly(cfg().flagTreeDirOnly);
+        treeView_->invalidateModel();
+    });
+    if (cfg().flagUseFilter) treeView_->setFolderFilter(cfg().filter);
+    treeView_->setDirsOnly(cfg().flagTreeDirOnly);
+
+    // 7: the directory preview arrives with the previews
+    X_ASSERT_MSG(container_preview_->previewDirectory(), "previewDir == NULL");
+
+    // 9
+    if (nTree) treeView_->restoreStates(nTree);
+    treeView_->showHeaderDetails(cfg().flagTreeDateSize);
+
+    // 10
+    setup_panel_find();
+    setup_hotkeys();
+    log(32, "WinFinder::setUp, selectFile:<<<$>>>", selectPath);
+
+    // 11
+    treeView_->eventRootChanged().add([this](const QString& path) { on_root_changed(path); });
+    eventAppearFirstTime().add([this](int64_t mc) { setup_window_appear_first_time(mc); });
+    eventClose().add([this]() { on_close_save_state(); });
+
+    // 12
+    if (nWin) container_preview_->from_node(nWin->getCreateNode(QStringLiteral("Previews")));
+
+    // 13
+    findResults_->eventContextMenuFile().add([this](const QFileInfo& fi) { on_contextMenu_rightSide(fi, nullptr); });
+    findResults_->eventOpenFile().add([this](const QFileInfo& fi) {
+        log(32, "WinFinder::setUp, double click for <$>", fi);
+        open_stand_alone_preview(fi);
+    });
+
+    // 14
+    filterFlags_.addListener([this](uint32_t bits) { apply_filter_flags(bits); });
+
+    // 16 (before 15, so that a root given now gets its colour at once)
+    if (tav::KernelGUI::isTavStyleDark()) {
+        colorTreeAtRoot_ = QColor(QStringLiteral("#1d2125"));
+        colorTreeBelowRoot_ = QColor(QStringLiteral("#212245"));
+    } else {
+        colorTreeAtRoot_ = QColor(Qt::white);
+        colorTreeBelowRoot_ = QColor(QStringLiteral("#f3e7e3"));
+    }
+    colorTreeCurrent_ = colorTreeAtRoot_;
+    treeView_->setStyleSheet(tav::replace_variables(QStringLiteral(".QTreeView { background: $(BG); }"),
+                                                    QStringLiteral("BG"), colorTreeAtRoot_.name()));
+
+    // 15
+    if (cfg().flagUseRootFolder && cfg().sRootFolder.length() > 1) {
+        const QString abs = QFileInfo(cfg().sRootFolder).absoluteFilePath();
+        treeView_->setRoot(abs);
+        cfg().sRootFolder = abs;
+    }
+
+    // 17
+    setUp_shift_control();
+    on_hist_state_change();
+}
+
+void WinFinder::setup_window_appear_first_time(int64_t mc) {
+    log(32, "WinFinder::setup_window_appear_first_time, mc:$, sel: <<<$>>>", tav::formatMicrosecond_as_Sec(mc), sSelectFile_);
+    if (!treeView_) return;
+    if (!sSelectFile_.isEmpty()) {
+        treeView_->selectFile(sSelectFile_, true);
+    } else {
+        const QModelIndex first = treeView_->model()->index(0, 0, treeView_->rootIndex());
+        if (treeView_->isAtRoot() && first.isValid()) treeView_->expand(first);
+        else treeView_->expand(treeView_->rootIndex());
+    }
+    tav::XNode* nWin = nodeWin();
+    filterFlags_.set_flags(nWin ? nWin->getUInt(QStringLiteral("filterFlags"), cfg().filterBits) : cfg().filterBits, 0);
+    filterFlags_.notify();
+    update_tree_color();
+}
+
+void WinFinder::on_close_save_state() {
+    tav::KernelGUI* k = kernel_ ? kernel_ : tav::KernelGUI::instanceGui();
+    for (int i = 0; i < 2; ++i) {
+        if (k && idModifier_[i] >= 0) k->removeModifierListener(i, idModifier_[i]);
+        idModifier_[i] = -1;
+    }
+    tav::XNode* nWin = nodeWin();
+    if (!X_ASSERT_MSG(nWin, "nWin == NULL") || !treeView_) return;
+    splitter_->stateToNode(nWin, QStringLiteral("splitter"));
+    tav::XNode* nTree = nWin->getCreateNode(QStringLiteral("XTreeView"));
+    treeView_->saveStates(nTree);
+    nTree->setBool(QStringLiteral("header"), treeView_->isHeaderDetails());
+    container_preview_->to_node();
+    nWin->setUInt(QStringLiteral("filterFlags"), filterFlags_.flags());
+}
+
+void WinFinder::on_treeView_selectFile(const QFileInfo& fi) {
+    if (tav::XTools::isDebug()) log(32, "WinFinder::on_treeView_selectFile, fi: '$'", fi);
+    if (flagAddToHistory && fi.exists()) history_.addFile(fi);
+    flagAddToHistory = true;
+    const QString abs = fi.absoluteFilePath();
+    if (trayAction()) trayAction()->setText(QStringLiteral("TF ") + abs);
+    setWindowTitle(tav::fill("TF $", abs));
+    fiCurrent = fi;
+    contextMain_->select_file(fi);
+    if (stacked_ && stacked_->isShowing(findResults_)) stacked_->showPanel(container_preview_);
+    if (naviBar_) naviBar_->setPath(abs);
+}
+
+void WinFinder::on_root_changed(const QString& path) {
+    log(32, "WinFinder::on_root_changed, is_root:$", treeView_ && treeView_->isAtRoot());
+    cfg().sRootFolder = path;
+    update_tree_color();
+}
+
+void WinFinder::update_tree_color() {
+    if (!treeView_) return;
+    colorTreeCurrent_ = treeView_->isAtRoot() ? colorTreeAtRoot_ : colorTreeBelowRoot_;
+    treeView_->setStyleSheet(tav::replace_variables(QStringLiteral(".QTreeView { background: $(BG); }"),
+                                                    QStringLiteral("BG"), colorTreeCurrent_.name()));
+}
+
+QString WinFinder::tree_tooltip(const QFileInfo& fi) const {
+    if (!cfg().flagTreeMouseOverInfo) return QString();
+    if (treeView_ && treeView_->isHeaderDetails()) return fi.absoluteFilePath();
+    if (fi.isDir()) return tav::fill("[$]", fi.absoluteFilePath());
+    return fi.absoluteFilePath() + QLatin1Char('\n') + tav::formatBytes(uint64_t(fi.size())) + QLatin1Char('\n') +
+           fi.lastModified().toString(QStringLiteral("yyyy/MM/dd - hh:mm"));
+}
+
+void WinFinder::on_hidden_files(bool flag) {
+    log(32, "WinFinder::on_hidden_files, flag:$", flag);
+    tav::XNode* nWin = nodeWin();
+    const bool before = nWin ? nWin->isBool(QStringLiteral("flagHiddenFiles"), false) : treeView_->isHiddenFiles();
+    if (nWin) nWin->setBool(QStringLiteral("flagHiddenFiles"), flag);
+    if (before == flag) return;
+    container_preview_->setShowHidden(flag);
+    treeView_->setHiddenFiles(flag);
+    treeView_->invalidateModel();
+}
+
+void WinFinder::on_open_new_win_here(const QFileInfo& fi) {
+    log(32, "WinFinder::on_open_new_win_here, fi:$", fi);
+    auto* w = new WinFinder(true);
+    w->init(kernel_, nodeWin());
+    w->setupTray();
+    w->setUp(fi.absoluteFilePath());
+    w->setGeometry(50, 50, 900, 500);
+    w->show();
+}
+
+WinFinder* WinFinder::new_win(const QString& path) {
+    log(32, "WinFinder::new_win");
+    tav::KernelGUI* k = tav::KernelGUI::instanceGui();
+    tav::XNode* nApp = k ? k->getCreateNodeApplication() : nullptr;
+    if (!X_ASSERT_MSG(nApp, "nApp == NULL")) return nullptr;
+    QString start;
+    if (!path.isEmpty() && QFileInfo::exists(path)) start = path;
+    else if (cfg().flagUseStartFolder) start = cfg().sStartFolder;
+    tav::XNode* nWin = nApp->getCreateNode(QStringLiteral("GUI"))->getCreateNode(QStringLiteral("Window"));
+    auto* w = new WinFinder(true);
+    w->init(k, nWin);
+    w->setupTray();
+    w->setUp(start);
+    tav::XTools::centerOnScreen(w, 1200, 600);
+    w->show();
+    return w;
+}
+
+void WinFinder::open_stand_alone_preview(const QFileInfo& fi) {
+    log(32, "WinFinder::open_stand_alone_preview, * <<<$>>>, fResult:$", fi, false);
+    if (!fi.isFile()) return;
+    // The details window opens here once it exists.
+}
+
+namespace {
+// Walks up from 'widget' to the first widget a context of 'contexts' owns,
+// stopping at the main window.
+ContextPreviews* contextOf(QWidget* widget, const std::vector<ContextPreviews*>& contexts, bool* reachedNull) {
+    QWidget* w = widget;
+    while (w) {
+        for (ContextPreviews* c : contexts)
+            if (c && c->ownsWidget(w)) return c;
+        if (qobject_cast<WinFinder*>(w)) return nullptr;
+        w = w->parentWidget();
+    }
+    *reachedNull = true;
+    return nullptr;
+}
+}
+
+void WinFinder::key_cycle_previews(QWidget* widget) {
+    bool reachedNull = false;
+    ContextPreviews* c = contextOf(widget, contexts_, &reachedNull);
+    if (reachedNull) X_ASSERT_MSG(nullptr, "widget == NULL");
+    if (c) c->cycle_previews();
+}
+
+void WinFinder::select_preview(QWidget* widget, const QString& previewType) {
+    bool reachedNull = false;
+    ContextPreviews* c = contextOf(widget, contexts_, &reachedNull);
+    if (reachedNull) X_ASSERT_MSG(nullptr, "widget == NULL");
+    if (!c) {
+        log(32, "WinFinder::select_preview - no contextFocus");
+        return;
+    }
+    c->set_preview(previewType);
+}
+
+void WinFinder::quit_application() {
+    if (cfg().flagConfirmQuit &&
+        !tav::XBox::ask_yes_no(nullptr, tav::xt("Quit Talvo Finder"), tav::xt("Do you want to quit Talvo Finder Application ?"))) {
+        log(32, "WinFinder::quit_application - CANCEL");
+        return;
+    }
+    quit_the_app();
+}
+
+void WinFinder::quit_the_app() {
+    log(32, "WinFinder::quit_the_app");
+    for (tav::AbstractWindow* w : tav::XTools::getAbstractWindows(true, false)) tav::XTools::closeAbstractWindow(w);
+    tav::XThreadPool::wait_for_all(-1);
+    QCoreApplication::exit(0);
 }
 
 } // namespace tavFinder

@@ -1,27 +1,200 @@
 #pragma once
-// The finder's main window.
-#include "gui/window/XMainWindow.h"
+// The finder's main window: the directory tree on the left; on the right a
+// stack with the preview container or the results panel; the filter panel and
+// the navigation bar above. Split over WinFinder_*.cpp by concern.
+#include "base/core/AtomicBits.h"
+#include "base/core/XProp.h"
+#include "gui/tools/XTimer.h"
+#include "src/gui/History.h"
+#include "src/gui/WindowBase.h"
+
+#include <QColor>
+#include <QFileInfo>
+#include <memory>
+#include <vector>
+
+class QDateEdit;
+class QLabel;
+class QLineEdit;
+class QToolButton;
 
 namespace tav {
 class KernelGUI;
+class Preview;
+class XComboBox;
 class XNode;
+class XPanel;
+class XPanelStacked;
+class XSplitter;
+class XTreeViewFiles;
+template <typename T>
+class XTypedComboBox;
 }
 
 namespace tavFinder {
 
-class WinFinder : public tav::XMainWindow {
+class AbstractPreviewDir;
+class ContextPreviews;
+class PanelResults;
+class XContainerPreviews;
+
+class WinFinder : public WindowBase {
     Q_OBJECT
 public:
+    class NavigationBar;
+
+    // Filter bits of the filter panel (persisted as "filterFlags").
+    enum FilterBits : uint32_t {
+        FILTER_PATTERN = 2,
+        FILTER_NOT_PATTERN = 4,
+        FILTER_TIME = 8,
+        FILTER_SIZE = 16,
+        FILTER_TEXT_FILES = 32,
+        FILTER_HIDDEN = 64,
+        FILTER_CONTENT = 128,
+        FILTER_SEPARATOR = 0x40000000,
+    };
+    static const std::vector<unsigned>& thumbSizes();
+
     explicit WinFinder(bool flag);
     ~WinFinder() override;
 
     void init(tav::KernelGUI* kernel, tav::XNode* nWin);
     void setUp(const QString& selectPath);
     QString windowName() const override;
+    QFileInfo getCurrentFile() const override { return fiCurrent; }
+
+    // ---- selection, tree, windows (WinFinder.cpp) ----------------------------------------
+    void on_treeView_selectFile(const QFileInfo& fi);
+    void on_root_changed(const QString& path);
+    void on_hidden_files(bool flag);
+    void on_open_new_win_here(const QFileInfo& fi);
+    static WinFinder* new_win(const QString& path);
+    void open_stand_alone_preview(const QFileInfo& fi);
+    void key_cycle_previews(QWidget* widget);
+    void select_preview(QWidget* widget, const QString& previewType);
+    void update_tree_color();
+    // The text shown in the tooltip of a hovered tree entry.
+    QString tree_tooltip(const QFileInfo& fi) const;
+
+    // Quit with the configured confirmation, and the end itself.
+    static void quit_application();
+    static void quit_the_app();
+
+    // ---- navigation (WinFinder_navigate.cpp) ------------------------------------------------
+    void on_navi_root();
+    void on_navi_back();
+    void on_navi_forward();
+    void on_navi_parent();
+    void on_refresh();
+    void on_key_return();
+    void on_thumb_size(bool bigger);
+    // The next thumbnail size from 'current' (unchanged when there is none).
+    static unsigned thumb_size_step(unsigned current, bool bigger);
+    void on_hist_state_change();
+    void on_history_menu(const QPoint& globalPos);
+    void on_history_select(uint32_t index);
+    void on_clear_history();
+
+    // ---- keys, hover, status (WinFinder_hotkeys / _shift_control / _status_bar) -----------------
+    void setup_hotkeys();
+    void setUp_shift_control();
+    void setup_status_bar();
+    void set_status_text(const QString& text);
+    // Status text for the main window that holds 'inside' (nothing when none does).
+    static void show_status_for(QWidget* inside, const QFileInfo& fi);
+    static QString status_text_of(const QFileInfo& fi);
+
+    // ---- filter panel (WinFinder_setup_panel_find.cpp) -------------------------------------------
+    void setup_panel_find();
+    void apply_filter_flags(uint32_t bits);
+    void on_filter_menu();
+    void on_settings_menu();
+
+    // ---- search (WinFinder_find.cpp) ---------------------------------------------------------------
+    void on_find();
+    void on_escape_key();
+
+    // ---- context menus, file actions (WinFinder_context_menu / _modify) ------------------------------
+    void on_contextMenu_treeView(const QFileInfo& fi);
+    void on_contextMenu_rightSide(const QFileInfo& fi, AbstractPreviewDir* previewDir);
+    void on_bookmarks();
+    void on_rename();
+
+    // ---- parts -----------------------------------------------------------------------------------------
+    tav::XTreeViewFiles* treeView() const { return treeView_; }
+    NavigationBar* naviBar() const { return naviBar_; }
+    tav::XPanelStacked* stacked() const { return stacked_; }
+    tav::XSplitter* splitter() const { return splitter_; }
+    XContainerPreviews* containerPreview() const { return container_preview_; }
+    PanelResults* panelResults() const { return findResults_; }
+    ContextPreviews* contextMain() const { return contextMain_.get(); }
+    History& history() { return history_; }
+    tav::AtomicBits& filterFlags() { return filterFlags_; }
+    tav::AtomicBits& viewFlags() { return viewFlags_; }
+    tav::XPropBool& propUseFilter() { return propUseFilter_; }
+    QLabel* statusLabel() const { return statusLabel_; }
+    tav::XComboBox* comboPattern() const { return comboPattern_; }
+    tav::XComboBox* comboNotPattern() const { return comboNotPattern_; }
+    tav::XComboBox* comboContent() const { return comboContent_; }
+    QWidget* rowTime() const { return rowTime_; }
+    QWidget* rowSize() const { return rowSize_; }
+    QWidget* rowContent() const { return rowContent_; }
+    QToolButton* buttonFilter() const { return buttonFilter_; }
+    const QColor& colorTree() const { return colorTreeCurrent_; }
+    int modifierListenerId(int which) const { return idModifier_[which & 1]; }
+    bool isRecordHistory() const { return flagAddToHistory; }
+    tav::KernelGUI* kernel() const { return kernel_; }
+
+protected:
+    void on_close_save_state();
+    void setup_window_appear_first_time(int64_t microseconds);
+    void forceViewHovered();
 
 private:
     tav::KernelGUI* kernel_ = nullptr;
-    bool setUpDone_ = false;
+    QString sSelectFile_;
+
+    tav::AtomicBits viewFlags_;
+    tav::AtomicBits filterFlags_;
+    NavigationBar* naviBar_ = nullptr;
+    tav::XTreeViewFiles* treeView_ = nullptr;
+    tav::XPanelStacked* stacked_ = nullptr;
+    XContainerPreviews* container_preview_ = nullptr;
+    PanelResults* findResults_ = nullptr;
+    std::unique_ptr<ContextPreviews> contextMain_;
+    std::vector<ContextPreviews*> contexts_;
+    int idModifier_[2] = {-1, -1};
+    tav::XPropBool propUseFilter_;
+    tav::XTimer timer_;
+    QFileInfo fiCurrent;
+    QColor colorTreeAtRoot_;
+    QColor colorTreeBelowRoot_;
+    QColor colorTreeCurrent_;
+    History history_;
+    bool flagAddToHistory = true;
+
+    tav::XPanel* content_ = nullptr;
+    tav::XSplitter* splitter_ = nullptr;
+    QLabel* statusLabel_ = nullptr;
+
+    // filter panel
+    tav::XPanelStacked* panelFind_ = nullptr;
+    QWidget* rowContent_ = nullptr;
+    QWidget* rowTime_ = nullptr;
+    QWidget* rowSize_ = nullptr;
+    tav::XComboBox* comboPattern_ = nullptr;
+    tav::XComboBox* comboNotPattern_ = nullptr;
+    tav::XComboBox* comboContent_ = nullptr;
+    tav::XTypedComboBox<uint32_t>* comboTimeArea_ = nullptr;
+    tav::XTypedComboBox<uint32_t>* comboSizeArea_ = nullptr;
+    tav::XTypedComboBox<uint32_t>* comboScope_ = nullptr;
+    QDateEdit* date1_ = nullptr;
+    QDateEdit* date2_ = nullptr;
+    QLineEdit* size1_ = nullptr;
+    QLineEdit* size2_ = nullptr;
+    QToolButton* buttonFilter_ = nullptr;
+    QToolButton* buttonRegEx_ = nullptr;
 };
 
 } // namespace tavFinder

@@ -101,6 +101,9 @@ XTreeViewFiles::XTreeViewFiles(QWidget* parent)
     // The first load of the selected folder is its listing; later loads are
     // changes on disk, which the owner may want to show.
     connect(model_, &QFileSystemModel::directoryLoaded, this, [this](const QString& path) {
+        if (!pendingScroll_.isEmpty() && QDateTime::currentMSecsSinceEpoch() < pendingScrollUntil_ &&
+            pendingScroll_.startsWith(QDir::cleanPath(path)))
+            scrollTo(currentIndex(), QAbstractItemView::PositionAtCenter);
         if (selectedDir_.isEmpty() || QDir::cleanPath(path) != selectedDir_) return;
         if (!selectedDirLoaded_) {
             selectedDirLoaded_ = true;
@@ -191,7 +194,9 @@ bool XTreeViewFiles::selectFile(const QString& path, bool expand) {
     setCurrentIndex(idx);
     selectionModel()->select(idx, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
     if (expand) this->expand(idx);
-    scrollTo(idx);
+    scrollTo(idx, QAbstractItemView::PositionAtCenter);
+    pendingScroll_ = cleanPath(fi.absoluteFilePath());
+    pendingScrollUntil_ = QDateTime::currentMSecsSinceEpoch() + 3000;
     return true;
 }
 

@@ -110,6 +110,10 @@ private:
     QString hoverToolTip_;
     QString selectedDir_;        // the selected folder, watched for reloads
     bool selectedDirLoaded_ = false;
+    // After a programmatic selection the folders above it still load; the
+    // view scrolls to the selection again while they do.
+    QString pendingScroll_;
+    qint64 pendingScrollUntil_ = 0;
     XEventListener<FileListener> eventSelect_;
     XEventListener<std::function<void(const QString&)>> eventReload_;
     XEventListener<FileListener> eventDouble_;

@@ -1,0 +1,120 @@
+// Navigation of the main window: history, parent, root, path field,
+// refresh and thumbnail sizes.
+#include "base/log/Logger.h"
+#include "gui/tools/XTools.h"
+#include "gui/widgets/XMenu.h"
+#include "gui/widgets/XTreeViewFiles.h"
+#include "src/dir/ContextPreviews.h"
+#include "src/dir/XContainerPreviews.h"
+#include "src/gui/NavigationBar.h"
+#include "src/gui/WinFinder.h"
+
+#include <QDir>
+#include <QLineEdit>
+#include <QToolButton>
+
+namespace tavFinder {
+
+using tav::log;
+
+void WinFinder::on_navi_root() {
+    log(16, "WinFinder::on_navi_root");
+    if (!treeView_) return;
+    treeView_->selectFile(QFileInfo(QDir::rootPath()).absoluteFilePath(), false);
+    treeView_->collapseAll();
+}
+
+void WinFinder::on_navi_back() {
+    const QFileInfo fi = history_.get_prev();
+    if (!fi.exists() || !treeView_) return;
+    flagAddToHistory = false;
+    treeView_->selectFile(fi.absoluteFilePath(), false);
+    flagAddToHistory = true;
+}
+
+void WinFinder::on_navi_forward() {
+    if (!history_.hasNext()) return;
+    const QFileInfo fi = history_.get_next();
+    if (!fi.exists() || !treeView_) return;
+    flagAddToHistory = false;
+    treeView_->selectFile(fi.absoluteFilePath(), false);
+    flagAddToHistory = true;
+}
+
+void WinFinder::on_navi_parent() {
+    if (!treeView_) return;
+    const QFileInfo fi = treeView_->selectedFile();
+    if (!fi.exists()) return;
+    const QFileInfo parent(fi.absolutePath());
+    // Deliberately never climbs onto a root.
+    if (QDir(parent.absoluteFilePath()).isRoot() || !parent.exists()) return;
+    treeView_->selectFile(parent.absoluteFilePath(), true);
+}
+
+void WinFinder::on_refresh() {
+    log(16, "WinFinder::on_refresh");
+    // Reloading the current preview arrives with the previews.
+    if (!ContextPreviews::currentPreview()) return;
+}
+
+void WinFinder::on_key_return() {
+    const QString text = naviBar_ ? naviBar_->editPath()->text().trimmed() : QString();
+    log(32, "WinFinder_navigate::on_key_return <$>", text);
+    if (treeView_) treeView_->selectFile(text, true);
+}
+
+unsigned WinFinder::thumb_size_step(unsigned current, bool bigger) {
+    const std::vector<unsigned>& sizes = thumbSizes();
+    if (bigger) {
+        for (unsigned s : sizes)
+            if (s > current) return s;
+    } else {
+        for (auto it = sizes.rbegin(); it != sizes.rend(); ++it)
+            if (*it < current) return *it;
+    }
+    return current;
+}
+
+void WinFinder::on_thumb_size(bool) {
+    // Sizes step with thumb_size_step on the thumbnail view of the current
+    // directory preview; without that view there is nothing to size.
+    if (!container_preview_ || !container_preview_->previewDirectory()) return;
+}
+
+void WinFinder::on_hist_state_change() {
+    log(32, "WinFinder::on_hist_state_change, hist:$", history_.stateToString());
+    if (!naviBar_) return;
+    naviBar_->buttonBack()->setEnabled(history_.hasPrev());
+    naviBar_->buttonForward()->setEnabled(history_.hasNext());
+}
+
+void WinFinder::on_history_select(uint32_t index) {
+    if (index >= history_.count() || !treeView_) return;
+    history_.setIndex(index);
+    flagAddToHistory = false;
+    treeView_->selectFile(history_.files()[index].absoluteFilePath(), false);
+    flagAddToHistory = true;
+    history_.updateState();
+}
+
+void WinFinder::on_clear_history() {
+    history_.reset();
+    if (treeView_) history_.addFile(treeView_->selectedFile());
+}
+
+void WinFinder::on_history_menu(const QPoint& globalPos) {
+    tav::XMenu menu(this, true);
+    const std::vector<QFileInfo>& files = history_.files();
+    for (uint32_t i = 0; i < files.size(); ++i) {
+        const QFileInfo& fi = files[i];
+        const QString name = fi.fileName().isEmpty() ? fi.absoluteFilePath() : fi.fileName();
+        menu.createAction(i == history_.getIndex() ? tav::fill("*** $ ***", name) : name,
+                          [this, i]() { on_history_select(i); }, tav::XTools::get_file_icon_association(fi),
+                          fi.absoluteFilePath());
+    }
+    if (!files.empty()) menu.addSeparator();
+    menu.createAction(tav::xt("Clear History"), [this]() { on_clear_history(); }, WindowBase::icon(QStringLiteral("delete.svg")));
+    menu.exec(globalPos);
+}
+
+} // namespace tavFinder

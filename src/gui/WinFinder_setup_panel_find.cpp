@@ -1,0 +1,183 @@
+// The filter panel above the tree: which inputs show follows the filter bits.
+#include "base/log/Logger.h"
+#include "base/node/XNode.h"
+#include "gui/kernel/KernelGUI.h"
+#include "gui/panel/XPanel.h"
+#include "gui/panel/XPanelStacked.h"
+#include "gui/tools/XTools.h"
+#include "gui/widgets/XComboBox.h"
+#include "gui/widgets/XMenu.h"
+#include "gui/widgets/XTreeViewFiles.h"
+#include "gui/widgets/XTypedComboBox.h"
+#include "src/dir/XContainerPreviews.h"
+#include "src/gui/WinFinder.h"
+#include "src/gui/config/ConfigTavFinder.h"
+
+#include <QDateEdit>
+#include <QLabel>
+#include <QLineEdit>
+#include <QStatusBar>
+#include <QToolButton>
+
+namespace tavFinder {
+
+using tav::log;
+using tav::xt;
+
+namespace {
+struct FilterRow {
+    uint32_t flag;
+    const char* label;
+    const char* toolTip;
+};
+// The rows of the filter menu, in menu order.
+const std::vector<FilterRow>& filterRows() {
+    static const std::vector<FilterRow> rows{
+        {WinFinder::FILTER_PATTERN, "File Name Pattern", "Comma separated Wildcard Patterns\nLike *bitmap*,MyFile*\n[ Alt+p ]"},
+        {WinFinder::FILTER_NOT_PATTERN, "File Name NOT Pattern", "NOT Wildcard Patterns (exclude)[ Alt+n ]"},
+        {WinFinder::FILTER_TIME, "File Time Stamp", "Time stamps supported: Before, After Between,... [ Alt+t ]"},
+        {WinFinder::FILTER_SIZE, "File Size", "File size in bytes,kb,mb or gb [ Alt+s ]"},
+        {WinFinder::FILTER_HIDDEN, "Hidden Files ( .xy )", "Hide/Show dot file names"},
+        {WinFinder::FILTER_SEPARATOR, "-", ""},
+        {WinFinder::FILTER_TEXT_FILES, "Text Files only", "Text file extensions like txt,xml,html,... [ Alt+e ]"},
+        {WinFinder::FILTER_CONTENT, "Content", "Filter Strings inside File [ Alt+c ]"},
+    };
+    return rows;
+}
+}
+
+void WinFinder::setup_panel_find() {
+    if (panelFind_) return;
+    const bool dark = tav::KernelGUI::isTavStyleDark();
+    panelFind_ = new tav::XPanelStacked(content_, QStringLiteral("panelFind"));
+    content_->boxLayout()->insertWidget(0, panelFind_);
+    auto* page = new tav::XPanel(panelFind_, tav::XPanel::VERTICAL, QStringLiteral("pageFilter"));
+    page->setMargins(2, 2, 2, 0);
+    page->setSpacing(2);
+    panelFind_->addPanel(page);
+    panelFind_->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
+
+    // content row
+    tav::XPanel* content = page->createPanel(tav::XPanel::HORIZONTAL, QStringLiteral("rowContent"));
+    rowContent_ = content;
+    comboContent_ = content->createComboBox(true);
+    comboContent_->setInsertPolicy(QComboBox::NoInsert);
+    comboContent_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    buttonRegEx_ = content->createImageButton(WindowBase::icon(QStringLiteral("brackets.svg")), xt("Regular Expressions"), nullptr, true);
+    content->createLabel(QString())->setMinimumWidth(200);
+    tav::XPanel* scope = content->createPanel(tav::XPanel::HORIZONTAL);
+    scope->setMinimumWidth(180);
+    scope->setMargins(10, 0, 0, 0);
+    scope->createLabel(xt("Scope") + QLatin1Char(':'));
+    comboScope_ = scope->add(new tav::XTypedComboBox<uint32_t>(scope));
+    comboScope_->addItem(0, xt("File"));
+    comboScope_->addItem(1, xt("Paragraph"));
+    comboScope_->addItem(2, xt("Sentence"));
+    comboScope_->setSelected(cfg().scope);
+    rowContent_->setVisible(false);
+
+    // main row
+    tav::XPanel* row = page->createPanel(tav::XPanel::HORIZONTAL, QStringLiteral("rowMain"));
+    buttonFilter_ = row->createImageButton(QIcon(QStringLiteral(":/tf/icons/filter_plus.svg")), xt("Filter [ Alt+F ]"),
+                                           [this]() { on_filter_menu(); });
+    comboPattern_ = row->createComboBox(true);
+    comboPattern_->setInsertPolicy(QComboBox::NoInsert);
+    comboPattern_->setToolTip(xt("Filter: File Pattern"));
+    comboPattern_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    comboNotPattern_ = row->createComboBox(true);
+    comboNotPattern_->setInsertPolicy(QComboBox::NoInsert);
+    comboNotPattern_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    comboNotPattern_->setStyleSheet(tav::fill("QComboBox { background-color: $; }", dark ? "#57461A" : "#F3E2C6"));
+
+    tav::XPanel* time = row->createPanel(tav::XPanel::HORIZONTAL, QStringLiteral("rowTime"));
+    rowTime_ = time;
+    comboTimeArea_ = time->add(new tav::XTypedComboBox<uint32_t>(time));
+    for (auto [code, text] : std::vector<std::pair<uint32_t, const char*>>{{1, "<="}, {2, "="}, {4, ">="}, {3, ">.<"}, {5, "year"}})
+        comboTimeArea_->addItem(code, QString::fromLatin1(text));
+    date1_ = time->add(new QDateEdit(QDate::currentDate(), time));
+    date2_ = time->add(new QDateEdit(QDate::currentDate(), time));
+    for (QDateEdit* d : {date1_, date2_}) d->setDisplayFormat(QStringLiteral("MMMM dd yyyy"));
+    date2_->setVisible(false);
+    rowTime_->setVisible(false);
+
+    tav::XPanel* size = row->createPanel(tav::XPanel::HORIZONTAL, QStringLiteral("rowSize"));
+    rowSize_ = size;
+    comboSizeArea_ = size->add(new tav::XTypedComboBox<uint32_t>(size));
+    for (auto [code, text] : std::vector<std::pair<uint32_t, const char*>>{{1, "<="}, {2, "="}, {4, ">="}, {3, "<.>"}})
+        comboSizeArea_->addItem(code, QString::fromLatin1(text));
+    size1_ = size->createLineEdit();
+    size2_ = size->createLineEdit();
+    for (QLineEdit* e : {size1_, size2_}) {
+        e->setMaximumWidth(80);
+        e->setToolTip(xt("Input: pure number as bytes, or number kb,mb or gb"));
+    }
+    size2_->setVisible(false);
+    rowSize_->setVisible(false);
+    row->addSpacer();
+
+    // tool buttons of the window
+    row->createImageButton(WindowBase::icon(QStringLiteral("find.svg")), xt("Search for Files and Contents"), [this]() { on_find(); });
+    row->createImageButton(WindowBase::icon(QStringLiteral("wheel.svg")), xt("Settings"), [this]() { on_settings_menu(); });
+
+    // hidden files: the window node's choice goes to the tree and the previews first
+    tav::XNode* nWin = nodeWin();
+    const bool hidden = nWin && nWin->isBool(QStringLiteral("flagHiddenFiles"), false);
+    filterFlags_.setFlag(FILTER_HIDDEN, hidden);
+    treeView_->setHiddenFiles(hidden);
+    container_preview_->setShowHidden(hidden);
+
+    setup_status_bar();
+}
+
+void WinFinder::apply_filter_flags(uint32_t bits) {
+    if (!panelFind_) return;
+    comboPattern_->setVisible(bits & FILTER_PATTERN);
+    comboNotPattern_->setVisible(bits & FILTER_NOT_PATTERN);
+    on_hidden_files(bits & FILTER_HIDDEN);
+    rowContent_->setVisible(bits & FILTER_CONTENT);
+    rowTime_->setVisible(bits & FILTER_TIME);
+    rowSize_->setVisible(bits & FILTER_SIZE);
+    // The last set bit in this order keeps the focus.
+    if (bits & FILTER_TIME) comboTimeArea_->setFocus();
+    if (bits & FILTER_SIZE) comboSizeArea_->setFocus();
+    if (bits & FILTER_PATTERN) comboPattern_->setFocus();
+    if (bits & FILTER_NOT_PATTERN) comboNotPattern_->setFocus();
+    if (bits & FILTER_CONTENT) comboContent_->setFocus();
+    buttonFilter_->setIcon(QIcon(bits & FILTER_TEXT_FILES ? QStringLiteral(":/tf/icons/filter_plus_green.svg")
+                                                          : QStringLiteral(":/tf/icons/filter_plus.svg")));
+    buttonFilter_->setIconSize(QSize(16, 16));
+}
+
+void WinFinder::on_filter_menu() {
+    tav::XMenu menu(this, true);
+    for (const FilterRow& r : filterRows()) {
+        if (r.flag == FILTER_SEPARATOR) {
+            menu.addSeparator();
+            continue;
+        }
+        const uint32_t flag = r.flag;
+        QAction* a = menu.createCheckAction(xt(r.label), filterFlags_.isFlag(flag),
+                                            [this, flag](bool on) { filterFlags_.set_flag(flag, on); }, xt(r.toolTip));
+        a->setData(int(flag));
+    }
+    menu.addSeparator();
+    menu.createAction(xt("Set to favorite filter"), [this]() { filterFlags_.set_flags(cfg().filterBits); });
+    const QPoint at = buttonFilter_ && buttonFilter_->isVisible()
+                          ? buttonFilter_->mapToGlobal(QPoint(0, buttonFilter_->height() + 10))
+                          : mapToGlobal(QPoint(10, 10));
+    menu.exec(at);
+}
+
+void WinFinder::on_settings_menu() {
+    tav::XMenu menu(this, true);
+    menu.createCheckAction(xt("Mouse Over Info"), cfg().flagTreeMouseOverInfo, [](bool on) { cfg().flagTreeMouseOverInfo = on; });
+    menu.createCheckAction(xt("Status Bar"), cfg().flagStatusBar, [this](bool on) {
+        cfg().flagStatusBar = on;
+        statusBar()->setVisible(on);
+    });
+    menu.addSeparator();
+    menu.createAction(xt("About Talvo Finder"), [this]() { on_about(); }, QIcon(QStringLiteral(":/tf/icons/find3.svg")));
+    menu.exec(QCursor::pos());
+}
+
+} // namespace tavFinder

@@ -1,0 +1,81 @@
+#include "src/gui/WindowBase.h"
+
+#include "base/log/Logger.h"
+#include "base/thread/XThread.h"
+#include "gui/tools/XTools.h"
+#include "gui/widgets/XMenu.h"
+#include "gui/window/XBrowserWindow.h"
+#include "src/gui/WinTray.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QFile>
+
+namespace tavFinder {
+
+using tav::log;
+
+WindowBase::WindowBase(QWidget* parent) : tav::XMainWindow(parent) {
+    setDeleteOnClose(true);
+    eventVisible().add([this](bool visible) { updateTrayAction(visible); });
+}
+
+WindowBase::~WindowBase() {
+    log(32, "WindowBase::~WindowBase");
+    if (actionTray_) delete actionTray_.data();
+}
+
+QIcon WindowBase::icon(const QString& name) { return tav::XTools::getIcon(name); }
+
+QString WindowBase::helpPageOfLanguage() {
+    const QString page = tav::fill(":/tf/html/index.$.html", tav::XTools::lang());
+    return QFile::exists(page) ? page : QStringLiteral(":/tf/html/index.en.html");
+}
+
+void WindowBase::on_about() { tav::XBrowserWindow::showHelp(helpPageOfLanguage(), tav::xt("About Talvo Finder"), 0); }
+void WindowBase::on_help() { tav::XBrowserWindow::showHelp(helpPageOfLanguage(), tav::xt("About Talvo Finder"), 1); }
+
+void WindowBase::setupTray() {
+    log(32, "WindowBase::setupTray");
+    if (actionTray_) {
+        log(4, "WindowBase::setupTray, actionShow already exists");
+        return;
+    }
+    WinTray* tray = WinTray::get();
+    actionTray_ = tray->menu()->addAction(QString());
+    connect(actionTray_.data(), &QAction::triggered, this, [this]() {
+        if (isVisible()) {
+            hide();
+        } else {
+            show();
+            raise();
+            activateWindow();
+        }
+    });
+    connect(tray, &QSystemTrayIcon::activated, this, [](QSystemTrayIcon::ActivationReason) {
+        log(32, "WindowBase::setupTray, trigger");
+    });
+    updateTrayAction(isVisible());
+    if (!tray->isVisible()) tray->show();
+}
+
+void WindowBase::updateTrayAction(bool visible) {
+    if (!actionTray_) return;
+    QPointer<WindowBase> self(this);
+    tav::run_in_gui_thread([self, visible]() {
+        if (!self || !self->actionTray_ || !WinTray::exists()) return;
+        WinTray* tray = WinTray::get();
+        self->actionTray_->setText(tav::fill("$ $", self->windowName(), self->getCurrentFile().absoluteFilePath()));
+        self->actionTray_->setIcon(visible ? tray->iconHide() : tray->iconShow());
+    });
+}
+
+void WindowBase::closeEvent(QCloseEvent* e) {
+    if (WinTray::exists() && actionTray_) {
+        WinTray::get()->menu()->removeAction(actionTray_);
+        delete actionTray_.data();
+    }
+    tav::XMainWindow::closeEvent(e);
+}
+
+} // namespace tavFinder
