@@ -10,7 +10,7 @@ const bool kPending = [] {
         "apps.run", "xtree.writeReadTree2", "apps.edit", "prog", "dia.config", "dia.showFirstMessage",
         "dia.editHist", "dirInfo", "result_full_Window", "filterProxy", "qtreeViewDirs", "result_scan_Window",
         "testThumbs", "winLang", "winProperties", "winView", "stat", "dialogs.selectFile.pluginTest",
-        "dia.selFile", "misc.dir_preview_simple", "misc.showShelp", "preview.ascii", "preview.dir",
+        "dia.selFile", "misc.dir_preview_simple", "preview.ascii", "preview.dir",
         "preview.hex", "preview.stats", "find",
     };
     for (const char* n : names) tav::registerPendingCommand(QString::fromLatin1(n), QString());

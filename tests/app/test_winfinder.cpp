@@ -1,0 +1,396 @@
+// The main window with real widgets: saved state across close and reopen,
+// navigation history, key bindings, tray entry, tree root and colours.
+#include "common/TestEnv.h"
+
+#include "base/node/XNode.h"
+#include "gui/kernel/KernelGUI.h"
+#include "gui/panel/XPanelStacked.h"
+#include "gui/panel/XSplitter.h"
+#include "gui/tools/XTools.h"
+#include "gui/widgets/XBox.h"
+#include "gui/widgets/XBrowser.h"
+#include "gui/widgets/XComboBox.h"
+#include "gui/widgets/XMenu.h"
+#include "gui/widgets/XTreeViewFiles.h"
+#include "gui/window/XBrowserWindow.h"
+#include "src/gui/History.h"
+#include "src/gui/NavigationBar.h"
+#include "src/gui/WinFinder.h"
+#include "src/gui/WinTray.h"
+#include "src/gui/config/ConfigTavFinder.h"
+
+#include <QAction>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPointer>
+#include <QStatusBar>
+#include <QToolButton>
+#include <QtTest>
+
+using tavFinder::History;
+using tavFinder::WinFinder;
+using tavFinder::WinTray;
+
+class TestWinFinder : public QObject {
+    Q_OBJECT
+    tftest::TestEnv env;
+    tav::KernelGUI kernel{QStringLiteral("talvoEngine"), QStringLiteral("app"), QStringList(), true};
+    tftest::TestDir tree;
+
+    tav::XNode* windowNode() {
+        return kernel.getCreateNodeApplication()->getCreateNode(QStringLiteral("GUI"))->getCreateNode(QStringLiteral("Window"));
+    }
+    WinFinder* open(const QString& select, bool activate = true) {
+        auto* w = new WinFinder(true);
+        w->init(&kernel, windowNode());
+        w->setupTray();
+        w->setUp(select);
+        w->setGeometry(40, 40, 1000, 600);
+        w->show();
+        if (activate) {
+            w->activateWindow();
+            if (!QTest::qWaitForWindowActive(w)) qWarning("window not active");
+        }
+        return w;
+    }
+    static void closeNow(QPointer<WinFinder> w) {
+        if (w) w->close();
+        QTRY_VERIFY(w.isNull());
+    }
+    QString abs(const QString& rel) const { return QFileInfo(tree.abs(rel)).absoluteFilePath(); }
+
+private slots:
+    void initTestCase();
+    void stateSurvivesCloseAndReopen();
+    void historyRecordsVisits();
+    void historyThroughTheWindow();
+    void parentStopsBelowRoot();
+    void keysReachTheirActions();
+    void hideAndShowThroughTheTray();
+    void thumbnailSizeSteps();
+    void rootFolderAndTreeColours();
+};
+
+void TestWinFinder::initTestCase() {
+    // These tests close and reopen windows; the program must not end meanwhile.
+    WinTray::setWatchdogEnabled(false);
+    tree.file(QStringLiteral("a/b/c/deep.txt"), "deep");
+    tree.file(QStringLiteral("a/one.txt"), "one");
+    tree.dir(QStringLiteral("d"));
+    tree.dir(QStringLiteral("e"));
+    tree.file(QStringLiteral(".hidden"), "h");
+}
+
+void TestWinFinder::stateSurvivesCloseAndReopen() {
+    tavFinder::cfg().flagTreeDateSize = false;
+    QPointer<WinFinder> w = open(abs(QStringLiteral("a")));
+    QVERIFY(w->treeView() && w->splitter());
+    // Settings a user makes during a run.
+    w->splitter()->setSizes({230, 770});
+    QTRY_COMPARE(w->splitter()->sizes().at(0), 230);
+    w->treeView()->sortByColumn(3, Qt::DescendingOrder);
+    w->filterFlags().set_flags(WinFinder::FILTER_PATTERN | WinFinder::FILTER_TIME | WinFinder::FILTER_HIDDEN);
+    QVERIFY(w->treeView()->isHiddenFiles());
+    QVERIFY(w->comboPattern()->isVisible() && w->rowTime()->isVisible() && !w->rowSize()->isVisible());
+    closeNow(w);
+
+    QVERIFY(windowNode()->isBool(QStringLiteral("flagHiddenFiles"), false));
+    QPointer<WinFinder> v = open(abs(QStringLiteral("a")));
+    QTRY_COMPARE(v->splitter()->sizes().at(0), 230);
+    QCOMPARE(v->treeView()->header()->sortIndicatorSection(), 3);
+    QCOMPARE(v->treeView()->header()->sortIndicatorOrder(), Qt::DescendingOrder);
+    QCOMPARE(v->filterFlags().flags(), uint32_t(WinFinder::FILTER_PATTERN | WinFinder::FILTER_TIME | WinFinder::FILTER_HIDDEN));
+    QVERIFY(v->treeView()->isHiddenFiles());
+    QVERIFY(v->comboPattern()->isVisible() && v->rowTime()->isVisible() && !v->comboNotPattern()->isVisible());
+
+    // The configuration decides the detail columns over the saved node.
+    v->treeView()->showHeaderDetails(true);
+    closeNow(v);
+    QVERIFY(windowNode()->query(QStringLiteral("XTreeView"))->isBool(QStringLiteral("header"), false));
+    QPointer<WinFinder> u = open(QString(), false);
+    QVERIFY(!u->treeView()->isHeaderDetails());
+    // A second set-up changes nothing.
+    tftest::LogCapture logs;
+    tav::XTreeViewFiles* t = u->treeView();
+    u->setUp(abs(QStringLiteral("d")));
+    QCOMPARE(u->treeView(), t);
+    QVERIFY(logs.contains(QStringLiteral("WinFinder::setUp, treeView")));
+    u->filterFlags().reset_flags();
+    closeNow(u);
+}
+
+void TestWinFinder::historyRecordsVisits() {
+    tftest::LogCapture logs;
+    History h;
+    int notified = 0;
+    h.listeners().add([&]() { ++notified; });
+    QCOMPARE(h.stateToString(), QStringLiteral("NOT_INITIALIZED"));
+    QVERIFY(!h.hasPrev() && !h.hasNext());
+    QVERIFY(h.get_next().filePath().isEmpty());   // empty list: nothing to move to
+
+    const QFileInfo a(abs(QStringLiteral("a"))), b(abs(QStringLiteral("a/b"))), c(abs(QStringLiteral("a/b/c"))),
+        d(abs(QStringLiteral("d"))), e(abs(QStringLiteral("e")));
+    h.addFile(a);
+    QCOMPARE(h.stateToString(), QStringLiteral("NOT_ENABLED"));
+    h.addFile(b);
+    h.addFile(c);
+    QCOMPARE(h.stateToString(), QStringLiteral("PREV"));
+    QCOMPARE(h.get_prev().absoluteFilePath(), b.absoluteFilePath());
+    QCOMPARE(h.stateToString(), QStringLiteral("PREV | NEXT"));
+    QCOMPARE(h.get_prev().absoluteFilePath(), a.absoluteFilePath());
+    QCOMPARE(h.stateToString(), QStringLiteral("NEXT"));
+    QVERIFY(h.get_prev().filePath().isEmpty());
+    QVERIFY(logs.contains(QStringLiteral("History::get_prev, index == 0")));
+    // Back twice, then a new visit: the two forward entries are gone.
+    h.addFile(d);
+    QCOMPARE(h.count(), 2u);
+    QCOMPARE(h.files()[1].absoluteFilePath(), d.absoluteFilePath());
+    QCOMPARE(h.getIndex(), 1u);
+    QVERIFY(!h.hasNext());
+    QVERIFY(h.get_next().filePath().isEmpty());
+    QVERIFY(logs.contains(QStringLiteral("History::get_next, index == history.arFiles.size()-1")));
+    // The same folder twice is recorded twice.
+    h.addFile(e);
+    h.addFile(e);
+    QCOMPARE(h.count(), 4u);
+    // A vanished file is not recorded.
+    h.addFile(QFileInfo(abs(QStringLiteral("gone"))));
+    QCOMPARE(h.count(), 4u);
+    QVERIFY(logs.contains(QStringLiteral("History::addFile, <<<") + abs(QStringLiteral("gone")) + QStringLiteral(">>> does not exist")));
+    // setIndex keeps to the list and leaves the state alone.
+    h.setIndex(9);
+    QCOMPARE(h.getIndex(), 3u);
+    h.setIndex(0);
+    QCOMPARE(h.getIndex(), 0u);
+    QCOMPARE(h.stateToString(), QStringLiteral("PREV"));
+    const int before = notified;
+    h.reset();
+    QCOMPARE(notified, before + 1);   // a reset always tells
+    QCOMPARE(h.count(), 0u);
+    QCOMPARE(History::stateToString(8), QStringLiteral("unknown"));
+}
+
+void TestWinFinder::historyThroughTheWindow() {
+    QPointer<WinFinder> w = open(QString());
+    tav::XTreeViewFiles* t = w->treeView();
+    auto* bar = w->naviBar();
+    QVERIFY(t->selectFile(abs(QStringLiteral("a")), false));
+    QVERIFY(t->selectFile(abs(QStringLiteral("a/b")), false));
+    QVERIFY(t->selectFile(abs(QStringLiteral("d")), false));
+    History& h = w->history();
+    const uint32_t n = h.count();
+    QVERIFY(bar->buttonBack()->isEnabled());
+    QVERIFY(!bar->buttonForward()->isEnabled());
+    QTest::keyClick(w, Qt::Key_Left, Qt::AltModifier);
+    QCOMPARE(t->selectedFile().absoluteFilePath(), abs(QStringLiteral("a/b")));
+    QCOMPARE(h.count(), n);   // moving back records nothing
+    QVERIFY(bar->buttonForward()->isEnabled());
+    QTest::keyClick(w, Qt::Key_Right, Qt::AltModifier);
+    QCOMPARE(t->selectedFile().absoluteFilePath(), abs(QStringLiteral("d")));
+    QCOMPARE(h.count(), n);
+    // The next selection by the user is recorded again.
+    QVERIFY(t->selectFile(abs(QStringLiteral("e")), false));
+    QCOMPARE(h.count(), n + 1);
+    QCOMPARE(bar->editPath()->text(), abs(QStringLiteral("e")));
+    QCOMPARE(w->windowTitle(), QStringLiteral("TF ") + abs(QStringLiteral("e")));
+    QCOMPARE(w->trayAction()->text(), QStringLiteral("TF ") + abs(QStringLiteral("e")));
+
+    // A history entry chosen from the menu is selected without a new record.
+    w->on_history_select(0);
+    QCOMPARE(h.getIndex(), 0u);
+    QCOMPARE(h.count(), n + 1);
+    QVERIFY(!bar->buttonBack()->isEnabled());
+
+    // "Clear History" leaves exactly the current selection.
+    w->on_clear_history();
+    QCOMPARE(h.count(), 1u);
+    QCOMPARE(h.stateToString(), QStringLiteral("NOT_ENABLED"));
+    QCOMPARE(h.files()[0].absoluteFilePath(), t->selectedFile().absoluteFilePath());
+    QVERIFY(!bar->buttonBack()->isEnabled() && !bar->buttonForward()->isEnabled());
+
+    // The status bar shows the selected file.
+    tftest::LogCapture logs;
+    w->setup_status_bar();
+    QVERIFY(logs.contains(QStringLiteral("WinFinder_status_bar::setup_status_bar, already set !")));
+    QVERIFY(t->selectFile(abs(QStringLiteral("a/one.txt")), false));
+    QTRY_COMPARE(w->statusLabel()->text(), abs(QStringLiteral("a/one.txt")) + QStringLiteral("  ( 3 bytes )"));
+    closeNow(w);
+}
+
+void TestWinFinder::parentStopsBelowRoot() {
+    QPointer<WinFinder> w = open(QString());
+    tav::XTreeViewFiles* t = w->treeView();
+    tftest::LogCapture logs;
+    QVERIFY(t->selectFile(abs(QStringLiteral("a/b/c")), false));
+    QTest::keyClick(w, Qt::Key_Up, Qt::AltModifier);
+    QVERIFY(logs.contains(QStringLiteral("WinFinder::setup_hotkeys - UP")));
+    QCOMPARE(t->selectedFile().absoluteFilePath(), abs(QStringLiteral("a/b")));
+    w->naviBar()->buttonParent()->click();
+    QCOMPARE(t->selectedFile().absoluteFilePath(), abs(QStringLiteral("a")));
+    // A folder directly below the root stays selected.
+    const QString top = QStringLiteral("/") + QDir::cleanPath(tree.path()).section(QLatin1Char('/'), 1, 1);
+    QVERIFY(t->selectFile(top, false));
+    QTest::keyClick(w, Qt::Key_Up, Qt::AltModifier);
+    QCOMPARE(t->selectedFile().absoluteFilePath(), top);
+    QVERIFY(t->selectFile(QStringLiteral("/"), false));
+    QTest::keyClick(w, Qt::Key_Up, Qt::AltModifier);
+    QCOMPARE(t->selectedFile().absoluteFilePath(), QStringLiteral("/"));
+    closeNow(w);
+}
+
+void TestWinFinder::keysReachTheirActions() {
+    QPointer<WinFinder> w = open(abs(QStringLiteral("a")));
+    tftest::LogCapture logs;
+    auto& flags = w->filterFlags();
+    flags.reset_flags();
+    const std::vector<std::pair<Qt::Key, uint32_t>> toggles{
+        {Qt::Key_P, WinFinder::FILTER_PATTERN}, {Qt::Key_N, WinFinder::FILTER_NOT_PATTERN}, {Qt::Key_T, WinFinder::FILTER_TIME},
+        {Qt::Key_S, WinFinder::FILTER_SIZE}, {Qt::Key_C, WinFinder::FILTER_CONTENT}};
+    uint32_t expected = 0;
+    for (auto [key, bit] : toggles) {
+        QTest::keyClick(w, key, Qt::AltModifier);
+        expected |= bit;
+        QCOMPARE(flags.flags(), expected);
+    }
+    QVERIFY(w->comboPattern()->isVisible() && w->comboNotPattern()->isVisible() && w->rowTime()->isVisible() &&
+            w->rowSize()->isVisible() && w->rowContent()->isVisible());
+    QCOMPARE(QApplication::focusWidget(), static_cast<QWidget*>(w->comboContent()));   // the last set bit holds the focus
+    QTest::keyClick(w, Qt::Key_T, Qt::AltModifier);
+    QCOMPARE(flags.flags(), expected & ~uint32_t(WinFinder::FILTER_TIME));
+    QVERIFY(!w->rowTime()->isVisible());
+    QTest::keyClick(w, Qt::Key_0, Qt::AltModifier);
+    QCOMPARE(flags.flags(), 0u);
+    QVERIFY(!w->comboPattern()->isVisible() && !w->rowContent()->isVisible());
+
+    w->treeView()->setFocus();
+    for (auto [key, mod, line] : std::vector<std::tuple<Qt::Key, Qt::KeyboardModifiers, QString>>{
+             {Qt::Key_R, Qt::AltModifier, "WinFinder::on_navi_root"},
+             {Qt::Key_F5, Qt::NoModifier, "WinFinder::on_refresh"},
+             {Qt::Key_Down, Qt::AltModifier, "WinFinder::setup_hotkeys - DOWN"},
+             {Qt::Key_Return, Qt::NoModifier, "*** WinFinder::on_find"},
+             {Qt::Key_B, Qt::AltModifier, "WinFinder::on_bookmarks"},
+             {Qt::Key_F2, Qt::NoModifier, "WinFinder::on_rename"},
+             {Qt::Key_Escape, Qt::NoModifier, "WinFinder::on_escape_key"}}) {
+        logs.clear();
+        QTest::keyClick(w, key, mod);
+        QVERIFY2(logs.contains(line), qPrintable(line));
+    }
+    // Alt+R selected the root.
+    QCOMPARE(w->treeView()->selectedFile().absoluteFilePath(), QStringLiteral("/"));
+
+    // Return in the path field opens the typed path instead of searching.
+    w->naviBar()->editPath()->setFocus();
+    w->naviBar()->editPath()->setText(abs(QStringLiteral("a/b/c")));
+    logs.clear();
+    QTest::keyClick(w->naviBar()->editPath(), Qt::Key_Return);
+    QVERIFY(logs.contains(QStringLiteral("WinFinder::setup_hotkeys - FOCUS ON EDIT PATH")));
+    QVERIFY(!logs.contains(QStringLiteral("WinFinder::on_find")));
+    QCOMPARE(w->treeView()->selectedFile().absoluteFilePath(), abs(QStringLiteral("a/b/c")));
+
+    // Ctrl+Q asks first when configured; "no" keeps everything open.
+    tavFinder::cfg().flagConfirmQuit = true;
+    tav::XBox::setScriptedAnswer(0);
+    logs.clear();
+    QTest::keyClick(w, Qt::Key_Q, Qt::ControlModifier);
+    QVERIFY(logs.contains(QStringLiteral("WinFinder::quit_application - CANCEL")));
+    QVERIFY(w->isVisible());
+    tav::XBox::setScriptedAnswer(-1);
+    tavFinder::cfg().flagConfirmQuit = false;
+
+    // Ctrl+N opens a second window at the selection; F3 the hints page.
+    const size_t windows = tav::XTools::getAbstractWindows(true, true).size();
+    QTest::keyClick(w, Qt::Key_N, Qt::ControlModifier);
+    QCOMPARE(tav::XTools::getAbstractWindows(true, true).size(), windows + 1);
+    QPointer<WinFinder> second = qobject_cast<WinFinder*>(tav::XTools::getAbstractWindows(true, true).back()->widget());
+    QVERIFY(second);
+    QTRY_COMPARE(second->treeView()->selectedFile().absoluteFilePath(), abs(QStringLiteral("a/b/c")));
+    closeNow(second);
+    w->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(w));
+    QTest::keyClick(w, Qt::Key_F3);
+    auto* help = qobject_cast<tav::XBrowserWindow*>(tav::XTools::getAbstractWindows(true, true).back()->widget());
+    QVERIFY(help);
+    QCOMPARE(help->browser()->source().toString(), QStringLiteral("qrc:/tf/html/FirstMessage.html"));
+    QVERIFY(!help->browser()->toPlainText().isEmpty());
+    QPointer<tav::XBrowserWindow> helpGuard(help);
+    help->close();
+    QTRY_VERIFY(helpGuard.isNull());
+    closeNow(w);
+}
+
+void TestWinFinder::hideAndShowThroughTheTray() {
+    tav::KernelGUI::setTavStyleNewStandard();
+    QPointer<WinFinder> w = open(abs(QStringLiteral("d")));
+    QVERIFY(WinTray::exists());
+    WinTray* tray = WinTray::get();
+    QAction* action = w->trayAction();
+    QVERIFY(action);
+    QVERIFY(tray->menu()->actions().contains(action));
+    QTRY_COMPARE(action->icon().cacheKey(), tray->iconHide().cacheKey());
+
+    QTest::keyClick(w, Qt::Key_H, Qt::AltModifier);
+    QVERIFY(!w->isVisible());
+    QTRY_COMPARE(action->icon().cacheKey(), tray->iconShow().cacheKey());
+    action->trigger();
+    QVERIFY(w->isVisible());
+    QTRY_COMPARE(action->icon().cacheKey(), tray->iconHide().cacheKey());
+    QCOMPARE(action->text(), QStringLiteral("WinFinder ") + abs(QStringLiteral("d")));
+
+    // A second tray set-up keeps the one entry and says so.
+    tftest::LogCapture logs;
+    const int entries = tray->menu()->actions().size();
+    w->setupTray();
+    QCOMPARE(tray->menu()->actions().size(), entries);
+    QCOMPARE(logs.linesAtLevel(4), QStringList{QStringLiteral("WindowBase::setupTray, actionShow already exists")});
+    // Closing the window takes its entry out of the menu.
+    closeNow(w);
+    QCOMPARE(tray->menu()->actions().size(), entries - 1);
+}
+
+void TestWinFinder::thumbnailSizeSteps() {
+    QCOMPARE(WinFinder::thumb_size_step(100, true), 128u);
+    QCOMPARE(WinFinder::thumb_size_step(100, false), 90u);
+    QCOMPARE(WinFinder::thumb_size_step(256, true), 256u);
+    QCOMPARE(WinFinder::thumb_size_step(64, false), 64u);
+    QCOMPARE(WinFinder::thumb_size_step(128, true), 160u);
+    QCOMPARE(WinFinder::thumb_size_step(128, false), 90u);
+    QCOMPARE(WinFinder::thumb_size_step(300, false), 256u);
+    QCOMPARE(WinFinder::thumb_size_step(10, true), 64u);
+}
+
+void TestWinFinder::rootFolderAndTreeColours() {
+    auto& c = tavFinder::cfg();
+    c.flagUseRootFolder = true;
+    c.sRootFolder = QStringLiteral("/");   // one character: ignored
+    QPointer<WinFinder> w = open(QString(), false);
+    QVERIFY(w->treeView()->isAtRoot());
+    QCOMPARE(w->colorTree(), QColor(Qt::white));
+    closeNow(w);
+
+    tftest::LogCapture logs;
+    c.sRootFolder = tree.path() + QStringLiteral("/a/../a");
+    w = open(QString(), false);
+    QVERIFY(!w->treeView()->isAtRoot());
+    QCOMPARE(w->treeView()->rootPath(), abs(QStringLiteral("a")));
+    QCOMPARE(c.sRootFolder, abs(QStringLiteral("a")));
+    QCOMPARE(w->colorTree(), QColor(QStringLiteral("#f3e7e3")));
+    QVERIFY(w->treeView()->styleSheet().contains(QStringLiteral("#f3e7e3")));
+    QVERIFY(logs.contains(QStringLiteral("WinFinder::on_root_changed, is_root:false")));
+    closeNow(w);
+    c.flagUseRootFolder = false;
+    c.sRootFolder.clear();
+
+    tav::KernelGUI::setTavStyleNewDark();
+    w = open(QString(), false);
+    QCOMPARE(w->colorTree(), QColor(QStringLiteral("#1d2125")));
+    QVERIFY(w->treeView()->setRoot(abs(QStringLiteral("d"))));
+    QCOMPARE(w->colorTree(), QColor(QStringLiteral("#212245")));
+    QCOMPARE(c.sRootFolder, abs(QStringLiteral("d")));
+    closeNow(w);
+    tav::KernelGUI::setTavStyleNewStandard();
+    c.sRootFolder.clear();
+}
+
+QTEST_MAIN(TestWinFinder)
+#include "test_winfinder.moc"
