@@ -117,10 +117,10 @@ LIB_ICONS = {
 }
 
 
-def render(items, theme):
+def render(items, theme, size=16):
     colours = {"ink": INK[theme], "blue": BLUE[theme], "red": RED[theme], "green": GREEN[theme], "amber": AMBER[theme], "white": "#ffffff"}
     body = "\n  ".join(i.format(**colours) for i in items)
-    return ('<svg xmlns="http://www.w3.org/2000/svg" width="16" height="16" viewBox="0 0 16 16" '
+    return (f'<svg xmlns="http://www.w3.org/2000/svg" width="{size}" height="{size}" viewBox="0 0 16 16" '
             'fill="none" stroke-width="1.5" stroke-linecap="round" stroke-linejoin="round">\n  ' + body + "\n</svg>\n")
 
 
@@ -150,6 +150,8 @@ def main():
         write(os.path.join(ROOT, "res/icons/dark", name + ".svg"), render(items, "dark"))
     for name, items in LIB_ICONS.items():
         write(os.path.join(ROOT, "libs/gui/res/icons", name + ".svg"), render(items, "light"))
+    # The program's mark at page size (pictures in pages are drawn at the file's own size).
+    write(os.path.join(ROOT, "res/image/logo.svg"), render(ICONS["find2"], "light", 48))
     for lang in IMAGE_TEXT:
         write(os.path.join(ROOT, f"res/image/tf-{lang}.svg"), image(lang, "light"))
         write(os.path.join(ROOT, f"res/image/dark/tf-{lang}.svg"), image(lang, "dark"))

@@ -88,6 +88,9 @@ void WinFinder::setup_panel_find() {
     comboNotPattern_->setInsertPolicy(QComboBox::NoInsert);
     comboNotPattern_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     comboNotPattern_->setStyleSheet(tav::fill("QComboBox { background-color: $; }", dark ? "#57461A" : "#F3E2C6"));
+    // The inputs take the width; the spacer only pushes the buttons right when they are hidden.
+    row->boxLayout()->setStretchFactor(comboPattern_, 3);
+    row->boxLayout()->setStretchFactor(comboNotPattern_, 2);
 
     tav::XPanel* time = row->createPanel(tav::XPanel::HORIZONTAL, QStringLiteral("rowTime"));
     rowTime_ = time;

@@ -208,6 +208,17 @@ void TestWinFinder::historyThroughTheWindow() {
     QCOMPARE(h.stateToString(), QStringLiteral("NOT_ENABLED"));
     QCOMPARE(h.files()[0].absoluteFilePath(), t->selectedFile().absoluteFilePath());
     QVERIFY(!bar->buttonBack()->isEnabled() && !bar->buttonForward()->isEnabled());
+    // Disabled buttons look disabled in both styles: their icons are faded.
+    auto ink = [](const QIcon& icon, QIcon::Mode mode) {
+        const QImage img = icon.pixmap(16, 16, mode).toImage();
+        int sum = 0;
+        for (int y = 0; y < img.height(); ++y)
+            for (int x = 0; x < img.width(); ++x) sum += qAlpha(img.pixel(x, y));
+        return sum;
+    };
+    const QIcon back = bar->buttonBack()->icon();
+    QVERIFY(ink(back, QIcon::Normal) > 0);
+    QVERIFY(ink(back, QIcon::Disabled) * 2 < ink(back, QIcon::Normal));
 
     // The status bar shows the selected file.
     tftest::LogCapture logs;

@@ -18,6 +18,7 @@
 #include <QFontDatabase>
 #include <QLineEdit>
 #include <QMimeData>
+#include <QPainter>
 #include <QPointer>
 #include <QTimer>
 #include <QUrl>
@@ -36,8 +37,28 @@ QString XTools::get_icon_path(const QString& name) {
 
 QIcon XTools::getIcon(const QString& name) {
     const QString path = get_icon_path(name);
-    if (!QFile::exists(path)) log(4, "XTools::getIcon, <<<$>>> 404", path);
-    return QIcon(path);
+    if (!QFile::exists(path)) {
+        log(4, "XTools::getIcon, <<<$>>> 404", path);
+        return QIcon();
+    }
+    QIcon svg(path);
+    if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance())) return svg;
+    // The style greys disabled icons, which leaves light icons of the dark
+    // style looking enabled; fade them instead. The SVG engine keeps one added
+    // pixmap per mode only, so the icon is made of pixmaps of several sizes.
+    QIcon icon;
+    for (int size : {16, 24, 32, 48, 64}) {
+        const QPixmap pm = svg.pixmap(size, size);
+        QPixmap faded(pm.size());
+        faded.fill(Qt::transparent);
+        QPainter p(&faded);
+        p.setOpacity(0.3);
+        p.drawPixmap(0, 0, pm);
+        p.end();
+        icon.addPixmap(pm, QIcon::Normal);
+        icon.addPixmap(faded, QIcon::Disabled);
+    }
+    return icon;
 }
 
 QFont XTools::getMonoFont(int pointSize) {
