@@ -70,6 +70,7 @@ private slots:
     void hideAndShowThroughTheTray();
     void thumbnailSizeSteps();
     void rootFolderAndTreeColours();
+    void windowTextsFollowTheLanguage();
 };
 
 void TestWinFinder::initTestCase() {
@@ -401,6 +402,24 @@ void TestWinFinder::rootFolderAndTreeColours() {
     closeNow(w);
     tav::KernelGUI::setTavStyleNewStandard();
     c.sRootFolder.clear();
+}
+
+void TestWinFinder::windowTextsFollowTheLanguage() {
+    tav::XTools::set_lang_path(QStringLiteral(":/tf/lang/lang.xml"));
+    QVERIFY(tav::XTools::lang_ini(true));
+    tav::XTools::set_lang(QStringLiteral("de"));
+    QPointer<WinFinder> w = open(QString(), false);
+    // Multi-line texts of the catalogue match with their line breaks.
+    QCOMPARE(w->naviBar()->buttonBack()->toolTip(),
+             QStringLiteral("Ein Verzeichnis zurück  [ Alt + Pfeil links ]\nRechtsklick für das Kontextmenü !"));
+    QCOMPARE(w->naviBar()->buttonRefresh()->toolTip(), QStringLiteral("Aktualisieren [ F5 ]"));
+    QCOMPARE(w->comboPattern()->toolTip(), QStringLiteral("Filter: Dateimuster"));
+    closeNow(w);
+    tav::XTools::set_lang(QStringLiteral("ru"));
+    QCOMPARE(tav::xt("Reset Talvo Finder Configuration\nConfirm to bring Talvo Finder\nto initial state and restart program"),
+             QStringLiteral("Сбросить конфигурацию Talvo Finder\nПодтвердите, чтобы вернуть Talvo Finder\nв начальное состояние и перезапустить"));
+    QCOMPARE(tav::xt("A text nobody translated"), QStringLiteral("A text nobody translated"));
+    tav::XTools::set_lang(QStringLiteral("en"));
 }
 
 QTEST_MAIN(TestWinFinder)
