@@ -374,6 +374,7 @@ private slots:
         tftest::LogCapture cap;
         QVERIFY(!loadsFile(liar));
         QVERIFY(cap.contains(QStringLiteral("claims 2147483632 unpacked bytes")));
+        QVERIFY(XTree().load_from_compressed_bytes(sampleTree().to_compressed_bytes(basic()), basic()));
         QVERIFY(loadsFile(good));
     }
 

@@ -25,7 +25,6 @@ struct WriteDepth {
 
 // Largest ratio zlib reaches; an unpacked size beyond it cannot be genuine.
 constexpr qint64 kMaxZlibRatio = 1032;
-constexpr int kHeaderSize = 16;
 constexpr int kCompressedHeaderSize = 12;
 }
 
@@ -314,11 +313,11 @@ XTree XTree::load(const XMem& mem, const XTypeSupporter& types) {
     return t;
 }
 
-bool XTree::save_as_compressed_file(const QFileInfo& file, const XTypeSupporter& types) const {
+QByteArray XTree::to_compressed_bytes(const XTypeSupporter& types) const {
     const XMem mem = createMem(types);
     if (!mem.isOK()) {
-        log(4, "XTree::save_as_compressed_file, <<<$>>> - $", file, mem.errorText());
-        return false;
+        log(4, "XTree::to_compressed_bytes, $", mem.errorText());
+        return QByteArray();
     }
     const QByteArray packed = qCompress(mem.bytes(), 6);
     QByteArray out;
@@ -327,7 +326,50 @@ bool XTree::save_as_compressed_file(const QFileInfo& file, const XTypeSupporter&
         xstream::prepare(h);
         h << kMagicCompressed << kFormatVersion << quint16(0) << xstream::crc32(packed.constData(), packed.size());
     }
-    out += packed;
+    return out + packed;
+}
+
+bool XTree::load_from_compressed_bytes(const QByteArray& b, const XTypeSupporter& types) {
+    if (b.size() < kCompressedHeaderSize + 4) {
+        log(4, "XTree::load_from_compressed_bytes, $ bytes are too short", b.size());
+        return false;
+    }
+    const auto* p = reinterpret_cast<const uchar*>(b.constData());
+    const quint32 magic = qFromBigEndian<quint32>(p);
+    const quint16 version = qFromBigEndian<quint16>(p + 4);
+    const quint16 reserved = qFromBigEndian<quint16>(p + 6);
+    if (magic != kMagicCompressed || version == 0 || version > kFormatVersion || reserved != 0) {
+        log(4, "XTree::load_from_compressed_bytes, not a compressed value tree of version $", kFormatVersion);
+        return false;
+    }
+    const qint64 packedSize = b.size() - kCompressedHeaderSize;
+    if (xstream::crc32(b.constData() + kCompressedHeaderSize, packedSize) != qFromBigEndian<quint32>(p + 8)) {
+        log(4, "XTree::load_from_compressed_bytes, damaged (checksum)");
+        return false;
+    }
+    // qUncompress allocates the size it is told; check it before believing it.
+    const qint64 unpackedSize = qFromBigEndian<quint32>(p + kCompressedHeaderSize);
+    if (unpackedSize == 0 || unpackedSize > XMem::kMaxSize || unpackedSize > (packedSize - 4) * kMaxZlibRatio + 64) {
+        log(4, "XTree::load_from_compressed_bytes, claims $ unpacked bytes", unpackedSize);
+        return false;
+    }
+    const QByteArray raw = qUncompress(p + kCompressedHeaderSize, int(packedSize));
+    if (raw.size() != unpackedSize) {
+        log(4, "XTree::load_from_compressed_bytes, does not unpack");
+        return false;
+    }
+    XTree tmp;
+    if (!load(XMem(raw), types, tmp)) return false;
+    XTree::operator=(std::move(tmp));
+    return true;
+}
+
+bool XTree::save_as_compressed_file(const QFileInfo& file, const XTypeSupporter& types) const {
+    const QByteArray out = to_compressed_bytes(types);
+    if (out.isEmpty()) {
+        log(4, "XTree::save_as_compressed_file, <<<$>>> not written", file);
+        return false;
+    }
     QString err;
     if (!writeFileAtomic(file.absoluteFilePath(), out, &err)) {
         log(4, "XTree::save_as_compressed_file, <<<$>>> - $", file, err);
@@ -339,41 +381,10 @@ bool XTree::save_as_compressed_file(const QFileInfo& file, const XTypeSupporter&
 bool XTree::load_from_compressed_file(const QFileInfo& file, const XTypeSupporter& types) {
     XMem packed;
     if (!packed.loadMem(file.absoluteFilePath())) return false;
-    const QByteArray& b = packed.bytes();
-    if (b.size() < kCompressedHeaderSize + 4) {
-        log(4, "XTree::load_from_compressed_file, <<<$>>> is too short", file);
-        return false;
-    }
-    const auto* p = reinterpret_cast<const uchar*>(b.constData());
-    const quint32 magic = qFromBigEndian<quint32>(p);
-    const quint16 version = qFromBigEndian<quint16>(p + 4);
-    const quint16 reserved = qFromBigEndian<quint16>(p + 6);
-    if (magic != kMagicCompressed || version == 0 || version > kFormatVersion || reserved != 0) {
-        log(4, "XTree::load_from_compressed_file, <<<$>>> is not a compressed value tree of version $", file, kFormatVersion);
-        return false;
-    }
-    const qint64 packedSize = b.size() - kCompressedHeaderSize;
-    if (xstream::crc32(b.constData() + kCompressedHeaderSize, packedSize) != qFromBigEndian<quint32>(p + 8)) {
-        log(4, "XTree::load_from_compressed_file, <<<$>>> is damaged (checksum)", file);
-        return false;
-    }
-    // qUncompress allocates the size it is told; check it before believing it.
-    const qint64 unpackedSize = qFromBigEndian<quint32>(p + kCompressedHeaderSize);
-    if (unpackedSize == 0 || unpackedSize > XMem::kMaxSize || unpackedSize > (packedSize - 4) * kMaxZlibRatio + 64) {
-        log(4, "XTree::load_from_compressed_file, <<<$>>> claims $ unpacked bytes", file, unpackedSize);
-        return false;
-    }
-    const QByteArray raw = qUncompress(p + kCompressedHeaderSize, int(packedSize));
-    if (raw.size() != unpackedSize) {
-        log(4, "XTree::load_from_compressed_file, <<<$>>> does not unpack", file);
-        return false;
-    }
-    XTree tmp;
-    if (!load(XMem(raw), types, tmp)) {
+    if (!load_from_compressed_bytes(packed.bytes(), types)) {
         log(4, "XTree::load_from_compressed_file, <<<$>>> does not load", file);
         return false;
     }
-    XTree::operator=(std::move(tmp));
     return true;
 }
 

@@ -147,6 +147,11 @@ public:
     static XTree load(const XMem& mem, const XTypeSupporter& types);
     static bool load(const XMem& mem, const XTypeSupporter& types, XTree& out);
 
+    // The compressed form in memory; empty when the tree cannot be written.
+    QByteArray to_compressed_bytes(const XTypeSupporter& types) const;
+    // False (tree unchanged) when the bytes do not unpack and load.
+    bool load_from_compressed_bytes(const QByteArray& bytes, const XTypeSupporter& types);
+
     // Compressed file, written whole and atomically.
     bool save_as_compressed_file(const QFileInfo& file, const XTypeSupporter& types) const;
     // False (tree unchanged) when the file is missing, unreadable or does not load.
