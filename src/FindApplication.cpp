@@ -10,8 +10,10 @@
 #include "gui/kernel/XRuntime.h"
 #include "gui/tools/XTools.h"
 #include "gui/tools/XSearchMachines.h"
+#include "src/gui/Bookmarks.h"
 #include "src/gui/WinFinder.h"
 #include "src/gui/WinTray.h"
+#include "src/gui/apps/XAppManager.h"
 #include "src/gui/config/ConfigTavFinder.h"
 
 #include <QCoreApplication>
@@ -101,7 +103,14 @@ int FindApplication::tavFind(tav::KernelGUI& kernel) {
     tav::setEnv(QStringLiteral("NOCONSOLE"), QStringLiteral("X"));
     // 9
     tav::XNode* nWin = nApp->getCreateNode(QStringLiteral("GUI"))->getCreateNode(QStringLiteral("Window"));
-    // 10: user data (bookmarks, applications)
+    // 10
+    Bookmarks::load(Bookmarks::get_tree());
+    XAppManager::init_file();
+    if (!XAppManager::load()) {
+        log(32, "FindApplication::tavFind, XAppManager::load() == false");
+        XAppManager::set_defaults();
+        log(32, "FindApplication::tavFind, XAppManager::load() == false, after defaults");
+    }
     // 11
     eventProgramError().add([](const QString& text) {
         log(4, "FindApplication, program error: $", text);
@@ -126,6 +135,7 @@ int FindApplication::tavFind(tav::KernelGUI& kernel) {
     });
     kernel.addSaveListener([nApp]() {
         cfg().toNode(nApp->getCreateNode(QStringLiteral("Config")));
+        Bookmarks::save(Bookmarks::get_tree());
         WinTray::destroy();
     });
     // 14

@@ -10,6 +10,22 @@ XVal::~XVal() = default;
 XVal::XVal(XVal&&) noexcept = default;
 XVal& XVal::operator=(XVal&&) noexcept = default;
 
+#define TAV_SET_PAYLOAD(T)                          \
+    void XVal::setPayload(T v) {                    \
+        type_ = QLatin1String(XTypeOf<T>::name);    \
+        v_ = std::move(v);                          \
+    }
+TAV_SET_PAYLOAD(QString)
+TAV_SET_PAYLOAD(bool)
+TAV_SET_PAYLOAD(qint32)
+TAV_SET_PAYLOAD(quint32)
+TAV_SET_PAYLOAD(qint64)
+TAV_SET_PAYLOAD(quint64)
+TAV_SET_PAYLOAD(double)
+TAV_SET_PAYLOAD(QByteArray)
+TAV_SET_PAYLOAD(QStringList)
+#undef TAV_SET_PAYLOAD
+
 XVal XVal::ofTree(std::unique_ptr<XTree> tree, const QString& type) {
     XVal x;
     if (!tree) return x;

@@ -26,8 +26,7 @@ public:
     template <typename T>
     static XVal of(T v) {
         XVal x;
-        x.type_ = QLatin1String(XTypeOf<T>::name);
-        x.v_ = std::move(v);
+        x.setPayload(std::move(v));
         return x;
     }
     // 'type' is the tree's stored type name: XTree::str_XTree or a record type.
@@ -48,6 +47,17 @@ public:
     XTreeArray* array() const;  // an array, else null
 
 private:
+    // Out of line: assigning the variant needs the complete tree types.
+    void setPayload(QString v);
+    void setPayload(bool v);
+    void setPayload(qint32 v);
+    void setPayload(quint32 v);
+    void setPayload(qint64 v);
+    void setPayload(quint64 v);
+    void setPayload(double v);
+    void setPayload(QByteArray v);
+    void setPayload(QStringList v);
+
     QString type_;
     std::variant<std::monostate, QString, bool, qint32, quint32, qint64, quint64, double, QByteArray, QStringList,
                  std::unique_ptr<XTree>, std::unique_ptr<XTreeArray>>
