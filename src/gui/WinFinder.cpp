@@ -45,6 +45,8 @@ WinFinder::WinFinder(bool) : contextMain_(std::make_unique<ContextPreviews>(QStr
 WinFinder::~WinFinder() {
     log(32, "WinFinder::~WinFinder");
     timer_.stop();
+    // A window deleted without closing must not leave listeners on the kernel.
+    remove_modifier_listeners();
     // The contexts point into widgets that go with this window.
     contexts_.clear();
 }
@@ -202,12 +204,17 @@ void WinFinder::setup_window_appear_first_time(int64_t mc) {
     update_tree_color();
 }
 
-void WinFinder::on_close_save_state() {
-    tav::KernelGUI* k = kernel_ ? kernel_ : tav::KernelGUI::instanceGui();
+void WinFinder::remove_modifier_listeners() {
+    // The kernel may already be gone when the last windows are deleted.
+    tav::KernelGUI* k = tav::KernelGUI::instanceGui();
     for (int i = 0; i < 2; ++i) {
         if (k && idModifier_[i] >= 0) k->removeModifierListener(i, idModifier_[i]);
         idModifier_[i] = -1;
     }
+}
+
+void WinFinder::on_close_save_state() {
+    remove_modifier_listeners();
     tav::XNode* nWin = nodeWin();
     if (!X_ASSERT_MSG(nWin, "nWin == NULL") || !treeView_) return;
     splitter_->stateToNode(nWin, QStringLiteral("splitter"));

@@ -150,6 +150,7 @@ protected:
     void on_close_save_state();
     void setup_window_appear_first_time(int64_t microseconds);
     void forceViewHovered();
+    void remove_modifier_listeners();
 
 private:
     tav::KernelGUI* kernel_ = nullptr;

@@ -71,6 +71,7 @@ private slots:
     void thumbnailSizeSteps();
     void rootFolderAndTreeColours();
     void windowTextsFollowTheLanguage();
+    void hoverPreviewOnlyInLaterWindows();
 };
 
 void TestWinFinder::initTestCase() {
@@ -420,6 +421,47 @@ void TestWinFinder::windowTextsFollowTheLanguage() {
              QStringLiteral("Сбросить конфигурацию Talvo Finder\nПодтвердите, чтобы вернуть Talvo Finder\nв начальное состояние и перезапустить"));
     QCOMPARE(tav::xt("A text nobody translated"), QStringLiteral("A text nobody translated"));
     tav::XTools::set_lang(QStringLiteral("en"));
+}
+
+void TestWinFinder::hoverPreviewOnlyInLaterWindows() {
+    tftest::LogCapture logs;
+    QPointer<WinFinder> first = open(abs(QStringLiteral("a")));
+    QVERIFY(first->modifierListenerId(0) >= 0 && first->modifierListenerId(1) >= 0);
+    // What the application does after the first window's set-up.
+    kernel.replaceModifierListener(0, []() {});
+    QPointer<WinFinder> second = open(abs(QStringLiteral("a")));
+    auto hoverAndPressCtrl = [&](WinFinder* w, const QString& rel) {
+        tav::XTreeViewFiles* t = w->treeView();
+        QTRY_VERIFY(t->indexOfPath(abs(rel)).isValid());
+        t->scrollTo(t->indexOfPath(abs(rel)));
+        const QRect r = t->visualRect(t->indexOfPath(abs(rel)));
+        // A real pointer move (the test's cursor moves do not reach offscreen windows).
+        QMouseEvent move(QEvent::MouseMove, r.center(), Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+        QApplication::sendEvent(t->viewport(), &move);
+        QTRY_COMPARE(t->hoveredFile().absoluteFilePath(), abs(rel));
+        logs.clear();
+        QTest::keyPress(w, Qt::Key_Control, Qt::ControlModifier);
+        QTest::keyRelease(w, Qt::Key_Control, Qt::NoModifier);
+    };
+    const QString prefix = QStringLiteral("WinFinder::setUp_shift_control, TREE-LEFT, fi:");
+    hoverAndPressCtrl(second, QStringLiteral("a/one.txt"));
+    QVERIFY(logs.contains(prefix + abs(QStringLiteral("a/one.txt"))));
+    // A hovered folder is shown as if the user had selected it.
+    hoverAndPressCtrl(second, QStringLiteral("a/b"));
+    QCOMPARE(second->getCurrentFile().absoluteFilePath(), abs(QStringLiteral("a/b")));
+    first->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(first));
+    hoverAndPressCtrl(first, QStringLiteral("a/b/c"));
+    QVERIFY(!logs.contains(prefix + abs(QStringLiteral("a/b/c"))));
+    QCOMPARE(first->getCurrentFile().absoluteFilePath(), abs(QStringLiteral("a")));
+    // Closing takes the listeners off the kernel.
+    const int listeners = kernel.eventModifier(0).size();
+    closeNow(second);
+    QCOMPARE(kernel.eventModifier(0).size(), listeners - 1);
+    QCOMPARE(kernel.eventModifier(1).size(), 1);
+    kernel.eventModifier(0).clear();
+    kernel.eventModifier(1).clear();
+    closeNow(first);
 }
 
 QTEST_MAIN(TestWinFinder)

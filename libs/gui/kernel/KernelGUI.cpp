@@ -49,8 +49,20 @@ public:
         case QEvent::KeyRelease: {
             auto* ke = static_cast<QKeyEvent*>(e);
             // A key event reaches several objects on its way; count it once.
-            if (ke == last_) break;
+            // Events are often built at the same address one after the other,
+            // so the address alone does not tell; it is forgotten once the
+            // event loop turns, and type and key must match as well.
+            if (ke == last_ && e->type() == lastType_ && ke->key() == lastKey_) break;
             last_ = ke;
+            lastType_ = e->type();
+            lastKey_ = ke->key();
+            if (!resetQueued_) {
+                resetQueued_ = true;
+                QMetaObject::invokeMethod(this, [this]() {
+                    last_ = nullptr;
+                    resetQueued_ = false;
+                }, Qt::QueuedConnection);
+            }
             // The event's own modifiers may or may not include the key that
             // changed; count it in on press and out on release.
             uint32_t mods = uint32_t(ke->modifiers());
@@ -75,6 +87,9 @@ public:
 private:
     KernelGUI* kernel_;
     const QEvent* last_ = nullptr;
+    QEvent::Type lastType_ = QEvent::None;
+    int lastKey_ = 0;
+    bool resetQueued_ = false;
 };
 
 QPalette darkPalette() {
