@@ -1,6 +1,11 @@
 # tf_add_test(name SOURCES a.cpp b.cpp LIBS lib1 lib2)
 # Registers one Qt Test executable with CTest; every test runs on the offscreen
 # platform with its own configuration and cache folders (see tests/common).
+# A runtime folder for the test processes: Qt warns when a GUI application starts
+# without one, before a test's own TestEnv points it somewhere private.
+file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/test-runtime)
+file(CHMOD ${CMAKE_BINARY_DIR}/test-runtime DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
+
 function(tf_add_test name)
   cmake_parse_arguments(T "" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
   add_executable(${name} ${T_SOURCES})
@@ -10,5 +15,5 @@ function(tf_add_test name)
     set(T_TIMEOUT 300)
   endif()
   set_tests_properties(${name} PROPERTIES TIMEOUT ${T_TIMEOUT}
-    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;TF_TEST_SOURCE_DIR=${PROJECT_SOURCE_DIR};TF_TEST_BINARY_DIR=${PROJECT_BINARY_DIR}")
+    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;XDG_RUNTIME_DIR=${CMAKE_BINARY_DIR}/test-runtime;TF_TEST_SOURCE_DIR=${PROJECT_SOURCE_DIR};TF_TEST_BINARY_DIR=${PROJECT_BINARY_DIR}")
 endfunction()
