@@ -1,0 +1,389 @@
+// The text view: line index against a plain scan, what rows show for awkward
+// bytes, positions both ways, painted marks, pointer and keyboard behaviour.
+#include "common/TestEnv.h"
+
+#include "gui/viewText/LineIndex.h"
+#include "gui/viewText/TextUnits.h"
+#include "gui/viewText/XTextView.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QMenu>
+#include <QRandomGenerator>
+#include <QtTest>
+
+using namespace tav;
+using namespace tav::viewText;
+using tav::find::XRam;
+
+namespace {
+
+// Line starts by the obvious method.
+std::vector<int64_t> naiveLineStarts(const QByteArray& b) {
+    std::vector<int64_t> s{0};
+    for (int i = 0; i < b.size(); ++i)
+        if (b[i] == '\n' && i + 1 < b.size()) s.push_back(i + 1);
+    return s;
+}
+
+QByteArray randomText(quint32 seed, int lines) {
+    QRandomGenerator g(seed);
+    QByteArray out;
+    for (int i = 0; i < lines; ++i) {
+        const int kind = g.bounded(20);
+        int len = kind == 0 ? 0 : (kind == 1 ? 20000 + g.bounded(30000) : g.bounded(120));
+        for (int k = 0; k < len; ++k) out += char('a' + g.bounded(26));
+        out += (kind == 2) ? "\r\n" : "\n";
+    }
+    if (g.bounded(2)) out.chop(1);   // with and without a final newline
+    return out;
+}
+
+QFont testFont() {
+    QFont f(QStringLiteral("DejaVu Sans Mono"));
+    f.setStyleHint(QFont::TypeWriter);
+    f.setPixelSize(14);
+    return f;
+}
+
+} // namespace
+
+class TestTextView : public QObject {
+    Q_OBJECT
+    tftest::TestEnv env;
+
+    std::unique_ptr<XTextView> makeView(const QByteArray& bytes, QSize size = QSize(600, 300)) {
+        auto v = std::make_unique<XTextView>();
+        v->setFont(testFont());
+        v->resize(size);
+        v->set_line_info_pos(LINE_INFO_OFF);
+        v->setBytes(bytes, QStringLiteral("test.txt"));
+        v->show();
+        return v;
+    }
+
+private slots:
+    void lineIndexAgreesWithPlainScan() {
+        for (quint32 seed : {1u, 2u, 3u, 4u}) {
+            const QByteArray text = randomText(seed, 600);
+            auto src = TextSource::fromBytes(text, QStringLiteral("x"));
+            LineIndex idx(src);
+            idx.start();
+            QVERIFY(idx.isDone());
+            const auto starts = naiveLineStarts(text);
+            QCOMPARE(idx.lineCount(), int64_t(starts.size()));
+            for (size_t i = 0; i < starts.size(); ++i) {
+                QCOMPARE(idx.lineStartOfNumber(int64_t(i)), starts[i]);
+                QCOMPARE(idx.lineNumberOf(starts[i]), int64_t(i));
+                QCOMPARE(idx.nextLineStart(starts[i]), i + 1 < starts.size() ? starts[i + 1] : int64_t(text.size()));
+                if (i > 0) QCOMPARE(idx.prevLineStart(starts[i]), starts[i - 1]);
+            }
+            // Every byte maps to the line that holds it.
+            size_t line = 0;
+            for (int64_t pos = 0; pos < text.size(); pos += 7) {
+                while (line + 1 < starts.size() && starts[line + 1] <= pos) ++line;
+                QCOMPARE(idx.lineStartContaining(pos), starts[line]);
+            }
+        }
+        // Empty text: one empty line; a text of one newline: one empty line too.
+        for (const QByteArray& t : {QByteArray(), QByteArray("\n")}) {
+            LineIndex idx(TextSource::fromBytes(t, QStringLiteral("x")));
+            idx.start();
+            QCOMPARE(idx.lineCount(), int64_t(1));
+            QCOMPARE(idx.lineContentEnd(0), int64_t(0));
+        }
+    }
+
+    void backgroundIndexOfLargeFile() {
+        tftest::TestDir dir;
+        QByteArray text;
+        text.reserve(9 * 1024 * 1024);
+        int n = 0;
+        while (text.size() < 8 * 1024 * 1024) text += QByteArray::number(n++) + " some text on this line\n";
+        text += "the very last line";
+        const QString path = dir.file(QStringLiteral("big.log"), text);
+        XTextView v;
+        v.setFont(testFont());
+        v.resize(500, 200);
+        v.show();
+        QVERIFY(v.openFile(path));
+        // The first screen needs no index.
+        QCOMPARE(v.visibleRowTexts().value(0), QStringLiteral("0 some text on this line"));
+        bool indexed = v.lineIndex()->isDone();
+        v.eventIndexed().add([&indexed]() { indexed = true; });
+        QTRY_VERIFY_WITH_TIMEOUT(indexed, 20000);
+        QCOMPARE(v.lineCount(), int64_t(n + 1));
+        v.scrollToEnd();
+        QCOMPARE(v.visibleRowTexts().last(), QStringLiteral("the very last line"));
+        QCOMPARE(v.firstVisibleLine() + v.fullyVisibleRows(), int64_t(n + 1));
+        v.scrollToLine(123456);
+        QCOMPARE(v.visibleRowTexts().value(0), QStringLiteral("123456 some text on this line"));
+    }
+
+    void rowsShowCrlfInvalidBytesTabsAndControls() {
+        const QByteArray text = QByteArray("alpha\r\nbe\tta\r\n") + "\xff\xfe ok \xe2\x82\r\n" + "a\x01z\xc3\xa9\r\n" +
+                                "\xe6\x97\xa5\xe6\x9c\xac|\n" + "end";
+        auto v = makeView(text);
+        const QStringList rows = v->visibleRowTexts();
+        QCOMPARE(rows.size(), 6);
+        QCOMPARE(rows[0], QStringLiteral("alpha"));
+        QCOMPARE(rows[1], QStringLiteral("be  ta"));
+        // Each invalid byte is one replacement cell; a truncated sequence at the end too.
+        QCOMPARE(rows[2], QStringLiteral("\uFFFD\uFFFD ok \uFFFD\uFFFD"));
+        QCOMPARE(rows[3], QString::fromUtf8("a\u2401z\xc3\xa9"));
+        QCOMPARE(rows[4], QString::fromUtf8("\xe6\x97\xa5\xe6\x9c\xac|"));
+        QCOMPARE(rows[5], QStringLiteral("end"));
+        // Wide characters take two columns: '|' sits at column 4.
+        const int64_t bar = text.indexOf('|');
+        QCOMPARE(v->positionOfByte(bar).column, int64_t(4));
+        v->set_tab_width(8);
+        QCOMPARE(v->visibleRowTexts()[1], QStringLiteral("be      ta"));
+    }
+
+    void bytePositionsAndLineColumnsMapBothWays() {
+        const QByteArray text = QByteArray("ab\tc\r\n") + "\xc3\xa4\xe2\x82\xac x\n" + "\n" + "\x80q\n" + "tail";
+        auto v = makeView(text);
+        struct Case {
+            int64_t byte, line, col;
+        } cases[] = {
+            {0, 0, 0}, {2, 0, 2}, {3, 0, 4},    // the tab ends at column 4
+            {4, 0, 5}, {6, 1, 0}, {8, 1, 1},    // "ä" is two bytes, one column
+            {11, 1, 2}, {12, 1, 3}, {14, 2, 0}, // the empty line
+            {15, 3, 0}, {16, 3, 1}, {18, 4, 0}, {22, 4, 4},
+        };
+        for (const Case& c : cases) {
+            const auto tp = v->positionOfByte(c.byte);
+            QCOMPARE(tp.line, c.line);
+            QCOMPARE(tp.column, c.col);
+            QCOMPARE(v->byteOfPosition(c.line, c.col), c.byte);
+        }
+        // A byte inside a character maps to that character's column; a column inside
+        // a tab to the tab; a column past the end to the end of the line.
+        QCOMPARE(v->positionOfByte(7).column, int64_t(0));
+        QCOMPARE(v->byteOfPosition(0, 3), int64_t(2));
+        QCOMPARE(v->byteOfPosition(1, 99), int64_t(13));
+        QCOMPARE(v->byteOfPosition(9, 0), int64_t(-1));
+    }
+
+    void veryLongLinesWrapAndScroll() {
+        QByteArray longLine;
+        for (int i = 0; i < 30000; ++i) longLine += QByteArray::number(i % 10);
+        longLine += "\xc3\xa9";   // 'é' at column 30000
+        const QByteArray text = "first\n" + longLine + "\nlast\n";
+        auto v = makeView(text, QSize(400, 200));
+        QStringList rows = v->visibleRowTexts();
+        QCOMPARE(rows[0], QStringLiteral("first"));
+        QVERIFY(rows[1].startsWith(QStringLiteral("0123456789")));
+        QCOMPARE(rows[2], QStringLiteral("last"));
+        // Horizontal scrolling shows a window of the long line.
+        const int64_t e = text.indexOf("\xc3\xa9");
+        QCOMPARE(v->positionOfByte(e).column, int64_t(30000));
+        v->scrollToByte(e, true);
+        QVERIFY(v->horizontalScrollColumn() > 29000);
+        QVERIFY(v->visibleRowTexts()[0].isEmpty());   // "first" is shorter than the scroll offset
+        // Wrapped: the long line fills rows of equal width, and the end is reachable.
+        v->set_wrap(true);
+        rows = v->visibleRowTexts();
+        QCOMPARE(rows[0], QStringLiteral("first"));
+        const int w = rows[1].size();
+        QVERIFY(w > 10);
+        QCOMPARE(rows[2].size(), w);
+        QCOMPARE(rows[1], QString::fromLatin1(longLine.left(w)));
+        QCOMPARE(rows[2], QString::fromLatin1(longLine.mid(w, w)));
+        v->scrollToEnd();
+        rows = v->visibleRowTexts();
+        QCOMPARE(rows.last(), QStringLiteral("last"));
+        QVERIFY(rows[rows.size() - 2].endsWith(QString::fromUtf8("\xc3\xa9")));
+        // Scrolling into the middle of the long line shows the row that holds the byte.
+        v->scrollToByte(15000, false);
+        QVERIFY(v->topSubRow() > 0);
+        QCOMPARE(v->topLineStart(), int64_t(6));
+        const int64_t rowStartDigit = (15000 - 6) / w * w;
+        QCOMPARE(v->visibleRowTexts()[0].left(3), QString::fromLatin1(longLine.mid(int(rowStartDigit), 3)));
+        // Automatic wrap wraps a file with long lines even with wrap off.
+        v->set_wrap(false);
+        QVERIFY(!v->isWrapping());
+        v->set_auto_wrap(true);
+        QVERIFY(v->isWrapping());
+        auto shortView = makeView("short\nlines\n");
+        shortView->set_auto_wrap(true);
+        QVERIFY(!shortView->isWrapping());
+    }
+
+    void marksOfLayersArePainted() {
+        // Marks lie on blanks so no glyph covers the pixels looked at.
+        const QByteArray text = "aaaa        bbbb        cccc\nline two          x\n";
+        auto v = makeView(text);
+        v->set_ruler(false);
+        find::XRamLayer* l = v->layers().add_layer(1000, 1);
+        l->set_color_background(qRgb(0, 200, 0));
+        l->add_mark(XRam(5, 6));     // blanks after "aaaa"
+        l->add_mark(XRam(17, 6));    // blanks after "bbbb"
+        find::XRamLayer* other = v->layers().add_layer(1001, 1);
+        other->set_color_background(qRgb(250, 250, 0));
+        other->add_mark(XRam(38, 6));   // blanks on line two
+        v->layers().setEnabled(1001, false);
+        v->set_active_layer(l);
+        l->set_active_mark_index(1);
+        v->re_paint();
+        const QImage img = v->viewport()->grab().toImage();
+        auto centre = [&](int64_t byte) { return v->cellRect(byte).center(); };
+        QCOMPARE(QColor(img.pixel(centre(7))), QColor(0, 200, 0));
+        QCOMPARE(QColor(img.pixel(centre(19))), QColor(0, 200, 0));   // inside the active mark
+        QVERIFY(QColor(img.pixel(centre(13))) != QColor(0, 200, 0));  // between the marks
+        // The active mark has a frame at its left edge; the other mark has none.
+        const QRect a = v->cellRect(17), b = v->cellRect(5);
+        QCOMPARE(QColor(img.pixel(a.left() + 1, a.center().y())), QColor(255, 110, 0));
+        QCOMPARE(QColor(img.pixel(b.left() + 1, b.center().y())), QColor(0, 200, 0));
+        // A disabled layer is not painted; enabled, it is.
+        QVERIFY(QColor(img.pixel(centre(40))) != QColor(250, 250, 0));
+        v->layers().setEnabled(1001, true);
+        v->re_paint();
+        QCOMPARE(QColor(v->viewport()->grab().toImage().pixel(centre(40))), QColor(250, 250, 0));
+        // Opening another file drops the marks but keeps the layers and their colours.
+        v->setBytes("fresh text", QStringLiteral("y"));
+        QVERIFY(v->layers().contains_layer(1000));
+        QCOMPARE(v->layers().layer_by_ID(1000)->size(), 0);
+        QCOMPARE(v->layers().layer_by_ID(1000)->color_background(), qRgb(0, 200, 0));
+    }
+
+    void aMillionMarksPaintOnlyWhatIsVisible() {
+        QByteArray text;
+        for (int i = 0; i < 200000; ++i) text += "word word word word word\n";
+        auto v = makeView(text);
+        find::XRamLayer* l = v->layers().add_layer(1000, 1);
+        l->reserve(1000000);
+        for (int64_t i = 0; i < 1000000; ++i) l->append_sorted(XRam(i * 5, 4));
+        v->set_active_layer(l);
+        l->set_active_mark_index(999999);
+        v->scrollToRam(*l->active_mark());
+        const QStringList rows = v->visibleRowTexts();
+        QVERIFY(rows.contains(QStringLiteral("word word word word word")));
+        QVERIFY(v->cellRect(999999 * 5).isValid());
+        QCOMPARE(v->textFromMarkRam(*l->active_mark()), QStringLiteral("word"));
+    }
+
+    void pointerMarksAndClicks() {
+        const QByteArray text = "Hello brave world. Next one!\nsecond line here\n\nnew paragraph\n";
+        auto v = makeView(text);
+        v->mouseOverLayer().add_mark(XRam(-1, 0, XRam::CATEGORY_WORD));
+        v->mouseOverLayer().add_mark(XRam(-1, 0, XRam::CATEGORY_PARAGRAPH));
+        MouseOverMark last;
+        int events = 0;
+        v->eventMouseOver().add([&](const MouseOverMark& m) {
+            last = m;
+            ++events;
+        });
+        QTest::mouseMove(v->viewport(), v->cellRect(8).center());   // inside "brave"
+        QTRY_VERIFY(events > 0);
+        QCOMPARE(last.word, XRam(6, 5, XRam::CATEGORY_WORD));
+        QCOMPARE(last.character, XRam(8, 1, XRam::CATEGORY_CHAR));
+        QCOMPARE(last.line, XRam(0, 28, XRam::CATEGORY_LINE));
+        QCOMPARE(last.sentence, XRam(0, 18, XRam::CATEGORY_SENTENCE));
+        QCOMPARE(last.paragraph, XRam(0, 45, XRam::CATEGORY_PARAGRAPH));
+        // The view's own mouse-over marks follow the pointer.
+        QCOMPARE(*v->mouseOverLayer().mark_by_category(XRam::CATEGORY_WORD), XRam(6, 5, XRam::CATEGORY_WORD));
+        QCOMPARE(unitSentence(*v->lineIndex(), 22), XRam(19, 9, XRam::CATEGORY_SENTENCE));
+        QVERIFY(!unitParagraph(*v->lineIndex(), 46).isValid());   // the blank line
+
+        // A click on a mark of another layer makes that layer and mark active.
+        find::XRamLayer* l0 = v->layers().add_layer(1000, 1);
+        find::XRamLayer* l1 = v->layers().add_layer(1001, 1);
+        l0->add_mark(XRam(0, 5));
+        l1->add_mark(XRam(6, 5));
+        l1->add_mark(XRam(12, 5));
+        v->set_active_layer(l0);
+        QList<int> layerEvents;
+        XActiveMark am;
+        v->eventLayerChanged().add([&](int id) { layerEvents << id; });
+        v->eventActiveMark().add([&](const XActiveMark& m) { am = m; });
+        QTest::mouseClick(v->viewport(), Qt::LeftButton, {}, v->cellRect(13).center());
+        QCOMPARE(layerEvents, QList<int>{1001});
+        QCOMPARE(am.layerId, 1001);
+        QCOMPARE(am.index, 1);
+        QCOMPARE(v->activeLayer(), l1);
+        // n / N move the active mark of the active layer.
+        v->setFocus();
+        QTest::keyClick(v.get(), Qt::Key_N, Qt::ShiftModifier);
+        QCOMPARE(l1->active_mark_index(), 0);
+        QCOMPARE(am.index, 0);
+        // A layer that was removed is no longer the active one.
+        v->layers().remove_layer(1001);
+        QCOMPARE(v->activeLayer(), nullptr);
+    }
+
+    void selectionKeyboardAndMenu() {
+        const QByteArray text = "first line\nsecond\n\tthird line\nlast";
+        auto v = makeView(text);
+        v->setFocus();
+        QStringList selections;
+        v->eventSelectionChanged().add([&](const QString& s) { selections << s; });
+        QTest::mousePress(v->viewport(), Qt::LeftButton, {}, v->cellRect(0).topLeft() + QPoint(1, 2));
+        QTest::mouseMove(v->viewport(), v->cellRect(5).topLeft() + QPoint(1, 2));
+        QTest::mouseRelease(v->viewport(), Qt::LeftButton, {}, v->cellRect(5).topLeft() + QPoint(1, 2));
+        QCOMPARE(v->selectedText(), QStringLiteral("first"));
+        QCOMPARE(selections, QStringList{QStringLiteral("first")});
+        v->copy();
+        QCOMPARE(QApplication::clipboard()->text(), QStringLiteral("first"));
+        // Double click selects the word.
+        QTest::mouseDClick(v->viewport(), Qt::LeftButton, {}, v->cellRect(13).center());
+        QCOMPARE(v->selectedText(), QStringLiteral("second"));
+
+        // Down keeps the column; the tab counts as four columns.
+        v->setCaretPos(3);
+        QTest::keyClick(v.get(), Qt::Key_Down);
+        QCOMPARE(v->caretPos(), int64_t(14));
+        QTest::keyClick(v.get(), Qt::Key_Down);
+        QCOMPARE(v->positionOfByte(v->caretPos()).line, int64_t(2));
+        QCOMPARE(v->caretPos(), int64_t(18));   // first cell at or after column 3 is the tab
+        QTest::keyClick(v.get(), Qt::Key_End, Qt::ShiftModifier);
+        QCOMPARE(v->selectedText(), QStringLiteral("\tthird line"));
+        QTest::keyClick(v.get(), Qt::Key_End, Qt::ControlModifier);
+        QCOMPARE(v->caretPos(), int64_t(text.size()));
+        QTest::keyClick(v.get(), Qt::Key_Left);
+        QTest::keyClick(v.get(), Qt::Key_Home);
+        QCOMPARE(v->caretPos(), int64_t(text.indexOf("last")));
+        QTest::keyClick(v.get(), Qt::Key_Left);
+        QCOMPARE(v->caretPos(), int64_t(text.indexOf("\nlast")));   // end of the line before
+        QTest::keyClick(v.get(), Qt::Key_A, Qt::ControlModifier);
+        QCOMPARE(v->selectionEnd() - v->selectionStart(), int64_t(text.size()));
+
+        // Return activates; the menu runs the extra builders with the selection.
+        int activated = 0;
+        v->eventActivated().add([&]() { ++activated; });
+        QTest::keyClick(v.get(), Qt::Key_Return);
+        QCOMPARE(activated, 1);
+        v->setSelection(0, 5);
+        QString seen;
+        v->add_extra_context_menu([&](QMenu& m, const QString& sel) {
+            seen = sel;
+            m.addAction(QStringLiteral("extra"));
+        });
+        QMenu menu;
+        v->buildContextMenu(menu);
+        QCOMPARE(seen, QStringLiteral("first"));
+        QCOMPARE(menu.actions().last()->text(), QStringLiteral("extra"));
+        QVERIFY(menu.actions().first()->isEnabled());   // Copy, with a selection
+    }
+
+    void unreadableInputsFailCleanly() {
+        XTextView v;
+        QVERIFY(!v.openFile(QStringLiteral("/nonexistent/file.txt")));
+        QVERIFY(!v.hasContent());
+        QVERIFY(!v.errorString().isEmpty());
+        QVERIFY(!v.openFile(QDir::tempPath()));   // a directory
+        tftest::TestDir dir;
+        const QString empty = dir.file(QStringLiteral("empty.txt"));
+        QVERIFY(v.openFile(empty));
+        v.resize(300, 100);
+        QCOMPARE(v.visibleRowTexts(), QStringList{QString()});
+        v.scrollToEnd();
+        v.scrollRows(5);
+        QCOMPARE(v.positionOfByte(0).line, int64_t(0));
+        v.closeFile();
+        QVERIFY(!v.hasContent());
+    }
+};
+
+QTEST_MAIN(TestTextView)
+#include "test_textview.moc"
