@@ -10,6 +10,7 @@
 #include <QClipboard>
 #include <QMenu>
 #include <QRandomGenerator>
+#include <QScrollBar>
 #include <QtTest>
 
 using namespace tav;
@@ -364,6 +365,129 @@ private slots:
         QCOMPARE(seen, QStringLiteral("first"));
         QCOMPARE(menu.actions().last()->text(), QStringLiteral("extra"));
         QVERIFY(menu.actions().first()->isEnabled());   // Copy, with a selection
+    }
+
+    void utf8DecodingKeepsEveryInvalidByte() {
+        struct Case {
+            QByteArray bytes;
+            int len;
+            bool valid;
+            char32_t cp;
+        } cases[] = {
+            {"A", 1, true, 'A'},
+            {"\xc3\xa9", 2, true, 0xE9},
+            {"\xe2\x82\xac", 3, true, 0x20AC},
+            {"\xf0\x9f\x98\x80", 4, true, 0x1F600},
+            {"\xc0\xaf", 1, false, 0xC0},          // overlong '/'
+            {"\xe0\x80\xaf", 1, false, 0xE0},      // overlong, three bytes
+            {"\xed\xa0\x80", 1, false, 0xED},      // a surrogate
+            {"\xf4\x90\x80\x80", 1, false, 0xF4}, // above U+10FFFF
+            {"\xe2\x82", 1, false, 0xE2},          // cut short
+            {"\x80", 1, false, 0x80},              // a lone continuation byte
+            {"\xff", 1, false, 0xFF},
+        };
+        for (const Case& c : cases) {
+            const auto* p = reinterpret_cast<const unsigned char*>(c.bytes.constData());
+            char32_t cp;
+            bool valid;
+            QCOMPARE(decodeUtf8(p, p + c.bytes.size(), &cp, &valid), c.len);
+            QCOMPARE(valid, c.valid);
+            QCOMPARE(uint(cp), uint(c.cp));
+        }
+        QCOMPARE(codePointWidth(0x65E5), 2);   // CJK
+        QCOMPARE(codePointWidth(0x0301), 0);   // combining acute
+        QCOMPARE(codePointWidth('a'), 1);
+    }
+
+    void columnsOfLongLinesAgreeWithAPlainWalk() {
+        // A line of 200 KB with tabs, multi-byte, wide and invalid characters.
+        QRandomGenerator g(7);
+        const char* pieces[] = {"a", "bc", "\t", "\xc3\xa9", "\xe6\x97\xa5", "\xff", "\xcc\x81", " "};
+        QByteArray line;
+        while (line.size() < 200000) line += pieces[g.bounded(8)];
+        auto src = TextSource::fromBytes(line, QStringLiteral("x"));
+        // Plain walk: column of every cell start.
+        std::vector<int64_t> colOfByte(size_t(line.size()) + 1, -1);
+        std::vector<Cell> cells;
+        int64_t b = 0, col = 0;
+        while (b < line.size()) {
+            const Cell c = cellAt(*src, b, line.size(), col, 4);
+            for (int k = 0; k < c.len; ++k) colOfByte[size_t(b + k)] = col;
+            cells.push_back(c);
+            b += c.len;
+            col += c.width;
+        }
+        colOfByte[size_t(line.size())] = col;
+        ColumnMapper m(4);
+        int64_t total, lastCol;
+        // Queries deep in the line first, then earlier ones: checkpoints are made on
+        // the way and later walks start from them.
+        for (int64_t pos : {int64_t(150000), int64_t(199999), int64_t(17), int64_t(100001), int64_t(65536), int64_t(3)})
+            QCOMPARE(m.colAtByte(*src, 0, line.size(), pos), colOfByte[size_t(pos)]);
+        for (int i = 0; i < 300; ++i) {
+            size_t k = size_t(g.bounded(int(cells.size())));
+            while (k > 0 && cells[k - 1].col == cells[k].col) --k;   // the first cell at that column
+            const int64_t c = cells[k].col;
+            int64_t cellCol;
+            QCOMPARE(m.byteAtOrAfterCol(*src, 0, line.size(), c, &cellCol), cells[k].byte);
+            QCOMPARE(cellCol, c);
+            // The cell that covers the column is the first one there with a width.
+            while (cells[k].width == 0) ++k;
+            QCOMPARE(m.byteAtCol(*src, 0, line.size(), c), cells[k].byte);
+            if (cells[k].width > 1) QCOMPARE(m.byteAtCol(*src, 0, line.size(), c + 1), cells[k].byte);
+        }
+        m.extent(*src, 0, line.size(), &total, &lastCol);
+        QCOMPARE(total, col);
+        QCOMPARE(lastCol, cells.back().col);
+    }
+
+    void scrollBarFollowsLinesThenBytes() {
+        QByteArray text;
+        for (int i = 0; i < 1000; ++i) text += "line " + QByteArray::number(i) + "\n";
+        auto v = makeView(text, QSize(400, 200));
+        QScrollBar* bar = v->verticalScrollBar();
+        // Indexed and not wrapped: the bar counts lines.
+        QCOMPARE(bar->maximum(), 1000 - v->fullyVisibleRows());
+        bar->setValue(500);
+        QCOMPARE(v->firstVisibleLine(), int64_t(500));
+        QCOMPARE(v->visibleRowTexts().value(0), QStringLiteral("line 500"));
+        v->scrollRows(-3);
+        QCOMPARE(bar->value(), 497);
+        // Wrapped: the bar follows bytes; its end shows the last line at the bottom.
+        v->set_wrap(true);
+        bar->setValue(bar->maximum());
+        QCOMPARE(v->visibleRowTexts().value(v->fullyVisibleRows() - 1), QStringLiteral("line 999"));
+        bar->setValue(bar->maximum() / 2);
+        const int64_t mid = v->firstVisibleLine();
+        QVERIFY(mid > 450 && mid < 550);
+        // Scrolling never goes past the last screen.
+        v->scrollRows(100000);
+        QCOMPARE(v->firstVisibleLine(), int64_t(1000 - v->fullyVisibleRows()));
+    }
+
+    void wrappedRowsAndKeys() {
+        const QByteArray text = QByteArray(95, 'x') + "\nshort\n";
+        auto v = makeView(text, QSize(300, 200));
+        v->set_ruler(false);
+        v->set_wrap(true);
+        const QStringList rows = v->visibleRowTexts();
+        const int w = rows[0].size();
+        QVERIFY(w > 5 && w < 95);
+        const int wrapped = (95 + w - 1) / w;
+        QCOMPARE(rows[wrapped], QStringLiteral("short"));
+        QCOMPARE(rows[wrapped - 1].size(), 95 - (wrapped - 1) * w);
+        v->setFocus();
+        v->setCaretPos(2);
+        QTest::keyClick(v.get(), Qt::Key_Down);   // to the next row of the same line
+        QCOMPARE(v->caretPos(), int64_t(w + 2));
+        QTest::keyClick(v.get(), Qt::Key_Home);   // start of that row
+        QCOMPARE(v->caretPos(), int64_t(w));
+        for (int i = 0; i < wrapped; ++i) QTest::keyClick(v.get(), Qt::Key_Down);
+        QCOMPARE(v->positionOfByte(v->caretPos()).line, int64_t(1));
+        // The line information sits at the chosen corner and does not hide the text's top row when off.
+        v->set_line_info_pos(LINE_INFO_BOTTOM_RIGHT);
+        const QImage img = v->viewport()->grab().toImage();
+        QVERIFY(QColor(img.pixel(img.width() - 20, img.height() - 10)) != v->backgroundColor());
     }
 
     void unreadableInputsFailCleanly() {

@@ -607,10 +607,16 @@ int64_t XTextView::byteAtPoint(const QPoint& pt, bool boundary) const {
     std::vector<Cell> cells;
     decodeRow(*r, cells);
     const double colF = (pt.x() - textX()) / cw_ + double(r->colStart);
-    for (const Cell& c : cells) {
-        const double w = std::max<int>(1, c.width);
+    for (size_t i = 0; i < cells.size(); ++i) {
+        const Cell& c = cells[i];
+        if (c.width == 0) continue;   // a combining mark belongs to the character before it
+        const double w = c.width;
         if (colF < double(c.col) + w) {
-            if (boundary && colF >= double(c.col) + w / 2) return c.end();
+            if (boundary && colF >= double(c.col) + w / 2) {
+                size_t k = i + 1;
+                while (k < cells.size() && cells[k].width == 0) ++k;
+                return k < cells.size() ? cells[k].byte : (r->lastOfLine ? r->le : r->byteEnd);
+            }
             return c.byte;
         }
     }
