@@ -5,6 +5,8 @@
 #include "gui/viewText/LineIndex.h"
 #include "gui/viewText/TextUnits.h"
 #include "gui/viewText/XTextView.h"
+#include "gui/tools/XSearchMachines.h"
+#include "gui/widgets/XMenu.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -356,15 +358,27 @@ private slots:
         QCOMPARE(activated, 1);
         v->setSelection(0, 5);
         QString seen;
-        v->add_extra_context_menu([&](QMenu& m, const QString& sel) {
+        v->add_extra_context_menu([&](XMenu& m, const QString& sel) {
             seen = sel;
             m.addAction(QStringLiteral("extra"));
         });
-        QMenu menu;
+        tftest::TestDir dir;
+        tav::XSearchMachines::set_resource_file(
+            dir.file(QStringLiteral("machines.txt"), "# list\nOne, https://one.example/?q=$\n-\nTwo, https://two.example/$\n"));
+        v->add_extra_context_menu_web_search(QStringLiteral("Web Search"));
+        XMenu menu;
         v->buildContextMenu(menu);
         QCOMPARE(seen, QStringLiteral("first"));
         QCOMPARE(menu.actions().last()->text(), QStringLiteral("extra"));
         QVERIFY(menu.actions().first()->isEnabled());   // Copy, with a selection
+        QMenu* web = nullptr;
+        for (QAction* a : menu.actions())
+            if (a->menu() && a->text() == QStringLiteral("Web Search")) web = a->menu();
+        QVERIFY(web && web->isEnabled());
+        QStringList titles;
+        for (QAction* a : web->actions())
+            if (!a->isSeparator()) titles << a->text();
+        QCOMPARE(titles, (QStringList{QStringLiteral("One"), QStringLiteral("Two")}));
     }
 
     void utf8DecodingKeepsEveryInvalidByte() {

@@ -6,9 +6,9 @@
 #include <QDateTime>
 #include <functional>
 
-class QMenu;
-
 namespace tav {
+
+class XMenu;
 
 namespace find {
 class XRamLayer;
@@ -19,7 +19,7 @@ class XTextView;
 
 class PreviewAscii : public Preview {
 public:
-    using MenuBuilder = std::function<void(QMenu&, const QString&)>;
+    using MenuBuilder = std::function<void(XMenu&, const QString&)>;
 
     PreviewAscii();
     ~PreviewAscii() override;

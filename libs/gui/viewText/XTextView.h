@@ -18,7 +18,9 @@
 #include <memory>
 #include <vector>
 
-class QMenu;
+namespace tav {
+class XMenu;
+}
 
 namespace tav {
 namespace viewText {
@@ -26,7 +28,7 @@ namespace viewText {
 class XTextView : public QAbstractScrollArea {
     Q_OBJECT
 public:
-    using MenuBuilder = std::function<void(QMenu&, const QString&)>;
+    using MenuBuilder = std::function<void(XMenu&, const QString&)>;
 
     explicit XTextView(QWidget* parent = nullptr);
     ~XTextView() override;
@@ -126,10 +128,12 @@ public:
     // ---- context menu ------------------------------------------------------------------
     // Builders run every time the menu opens, with the menu and the selected text.
     void add_extra_context_menu(MenuBuilder builder);
+    // A submenu with this title listing the web-search machines; an entry searches the
+    // web for the selection.
     void add_extra_context_menu_web_search(const QString& title);
     QString webSearchTitle() const { return webSearchTitle_; }
-    // Fills a menu as the context menu does (the view's own entries, then the builders).
-    void buildContextMenu(QMenu& menu);
+    // Fills a menu as the context menu does: the view's own entries, the web search, the builders.
+    void buildContextMenu(XMenu& menu);
 
     // ---- events ----------------------------------------------------------------------
     XEventListener<std::function<void(const MouseOverMark&)>>& eventMouseOver() { return evMouseOver_; }

@@ -3,8 +3,10 @@
 
 #include "base/log/Logger.h"
 #include "base/util/Format.h"
+#include "gui/tools/XSearchMachines.h"
 #include "gui/tools/XTools.h"
 #include "gui/viewText/TextUnits.h"
+#include "gui/widgets/XMenu.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -373,20 +375,29 @@ void XTextView::add_extra_context_menu(MenuBuilder builder) {
 
 void XTextView::add_extra_context_menu_web_search(const QString& title) { webSearchTitle_ = title; }
 
-void XTextView::buildContextMenu(QMenu& menu) {
-    QAction* aCopy = menu.addAction(xt("Copy"), this, [this]() { copy(); });
+void XTextView::buildContextMenu(XMenu& menu) {
+    QAction* aCopy = menu.createAction(xt("Copy"), [this]() { copy(); });
     aCopy->setShortcut(QKeySequence::Copy);
     aCopy->setEnabled(hasSelection());
-    QAction* aAll = menu.addAction(xt("Select All"), this, [this]() { selectAll(); });
+    QAction* aAll = menu.createAction(xt("Select All"), [this]() { selectAll(); });
     aAll->setShortcut(QKeySequence::SelectAll);
     aAll->setEnabled(bool(src_));
     const QString sel = selectedText(64 * 1024);
+    if (!webSearchTitle_.isEmpty()) {
+        menu.addSeparator();
+        XMenu* web = menu.createSubMenu(webSearchTitle_);
+        // The list is read each time, so an edited list applies at once.
+        for (const XSearchMachine& m : XSearchMachines::get_search_machines(false)) {
+            if (m.isSeparator()) web->addSeparator();
+            else web->createAction(m.title, [m, sel]() { m.trigger_search_machine(sel.trimmed()); });
+        }
+        web->setEnabled(!sel.trimmed().isEmpty());
+    }
     for (const MenuBuilder& b : menuBuilders_) b(menu, sel);
 }
 
 void XTextView::contextMenuEvent(QContextMenuEvent* e) {
-    QMenu menu(this);
-    menu.setToolTipsVisible(true);
+    XMenu menu(this, true);
     buildContextMenu(menu);
     menu.exec(e->globalPos());
 }
