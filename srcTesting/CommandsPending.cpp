@@ -8,10 +8,10 @@ namespace {
 const bool kPending = [] {
     const char* names[] = {
         "apps.run", "xtree.writeReadTree2", "apps.edit", "prog", "dia.config", "dia.showFirstMessage",
-        "dia.editHist", "dirInfo", "result_full_Window", "filterProxy", "qtreeViewDirs", "result_scan_Window",
+        "dia.editHist", "result_full_Window", "filterProxy", "qtreeViewDirs", "result_scan_Window",
         "testThumbs", "winLang", "winProperties", "winView", "stat", "dialogs.selectFile.pluginTest",
         "dia.selFile", "misc.dir_preview_simple", "preview.ascii", "preview.dir",
-        "preview.hex", "preview.stats", "find",
+        "preview.hex", "preview.stats",
     };
     for (const char* n : names) tav::registerPendingCommand(QString::fromLatin1(n), QString());
     return true;

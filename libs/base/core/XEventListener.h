@@ -5,6 +5,7 @@
 #include <QMutexLocker>
 #include <atomic>
 #include <functional>
+#include <mutex>
 #include <utility>
 #include <vector>
 
@@ -18,30 +19,39 @@ public:
     XEventListener() = default;
     XEventListener(const XEventListener&) = delete;
     XEventListener& operator=(const XEventListener&) = delete;
+    // Takes over the listeners of another list (which is left empty), e.g. when
+    // an object holding a list is moved into a container.
+    XEventListener(XEventListener&& o) noexcept {
+        std::lock_guard<std::mutex> lock(o.mutex_);
+        items_ = std::move(o.items_);
+        o.items_.clear();
+        nextId_ = o.nextId_;
+        enabled_ = o.enabled_.load();
+    }
 
     int add(F f) {
-        QMutexLocker lock(&mutex_);
+        std::lock_guard<std::mutex> lock(mutex_);
         const int id = nextId_++;
         items_.push_back({id, std::move(f)});
         return id;
     }
     // Replaces every listener by this one.
     int replace(F f) {
-        QMutexLocker lock(&mutex_);
+        std::lock_guard<std::mutex> lock(mutex_);
         items_.clear();
         const int id = nextId_++;
         items_.push_back({id, std::move(f)});
         return id;
     }
     bool remove(int id) {
-        QMutexLocker lock(&mutex_);
+        std::lock_guard<std::mutex> lock(mutex_);
         for (auto it = items_.begin(); it != items_.end(); ++it) {
             if (it->first == id) { items_.erase(it); return true; }
         }
         return false;
     }
-    void clear() { QMutexLocker lock(&mutex_); items_.clear(); }
-    int size() const { QMutexLocker lock(&mutex_); return int(items_.size()); }
+    void clear() { std::lock_guard<std::mutex> lock(mutex_); items_.clear(); }
+    int size() const { std::lock_guard<std::mutex> lock(mutex_); return int(items_.size()); }
     bool isEmpty() const { return size() == 0; }
 
     void setEnabled(bool on) { enabled_ = on; }
@@ -54,7 +64,7 @@ public:
         if (!enabled_) return;
         std::vector<std::pair<int, F>> copy;
         {
-            QMutexLocker lock(&mutex_);
+            std::lock_guard<std::mutex> lock(mutex_);
             copy = items_;
         }
         for (auto& it : copy) {
@@ -65,14 +75,14 @@ public:
     template <typename... A>
     void fireLocked(A&&... args) const {
         if (!enabled_) return;
-        QMutexLocker lock(&mutex_);
+        std::lock_guard<std::mutex> lock(mutex_);
         for (auto& it : items_) {
             if (it.second) it.second(args...);
         }
     }
 
 private:
-    mutable QMutex mutex_;
+    mutable std::mutex mutex_;   // std::mutex: its locking is visible to the thread sanitizer
     std::vector<std::pair<int, F>> items_;
     int nextId_ = 1;
     std::atomic<bool> enabled_{true};

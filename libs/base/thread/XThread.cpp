@@ -3,11 +3,30 @@
 #include "base/log/Logger.h"
 
 #include <QCoreApplication>
-#include <QDeadlineTimer>
 #include <QMetaObject>
 #include <QThread>
 #include <QThreadPool>
 #include <QTimer>
+
+#include <chrono>
+
+#if defined(__SANITIZE_THREAD__)
+#define TF_TSAN 1
+#elif defined(__has_feature)
+#if __has_feature(thread_sanitizer)
+#define TF_TSAN 1
+#endif
+#endif
+#ifdef TF_TSAN
+#include <sanitizer/tsan_interface.h>
+// The pool and the event queue hand work over through Qt's own (uninstrumented)
+// locks; these annotations tell the sanitizer about that hand-over.
+#define TF_HAPPENS_BEFORE(p) __tsan_release(p)
+#define TF_HAPPENS_AFTER(p) __tsan_acquire(p)
+#else
+#define TF_HAPPENS_BEFORE(p) ((void)(p))
+#define TF_HAPPENS_AFTER(p) ((void)(p))
+#endif
 
 namespace tav {
 
@@ -17,11 +36,17 @@ void run_in_gui_thread(std::function<void()> f, int delayMs) {
         if (f) f();
         return;
     }
+    auto holder = std::make_shared<std::function<void()>>(std::move(f));
+    TF_HAPPENS_BEFORE(holder.get());
+    auto call = [holder]() {
+        TF_HAPPENS_AFTER(holder.get());
+        if (*holder) (*holder)();
+    };
     if (delayMs <= 0) {
-        QMetaObject::invokeMethod(app, std::move(f), Qt::QueuedConnection);
+        QMetaObject::invokeMethod(app, std::move(call), Qt::QueuedConnection);
     } else {
         QMetaObject::invokeMethod(
-            app, [f = std::move(f), delayMs]() { QTimer::singleShot(delayMs, QCoreApplication::instance(), f); },
+            app, [call = std::move(call), delayMs]() { QTimer::singleShot(delayMs, QCoreApplication::instance(), call); },
             Qt::QueuedConnection);
     }
 }
@@ -35,6 +60,9 @@ bool isGuiThread() {
 
 // ---- AbstractThread -------------------------------------------------------------
 AbstractThread::AbstractThread() = default;
+AbstractThread::AbstractThread(AbstractThread&& o) noexcept : state_(o.state_) {
+    if (o.isActive()) log(4, "AbstractThread::move - source is active");
+}
 AbstractThread::~AbstractThread() {
     // Safety net: a thread object must not go while its body runs.
     setRunning(false);
@@ -42,28 +70,31 @@ AbstractThread::~AbstractThread() {
 }
 
 void AbstractThread::markStarted() {
-    QMutexLocker l(&doneMutex_);
+    std::lock_guard<std::mutex> l(doneMutex_);
     active_ = true;
     setRunning(true);
 }
 
 void AbstractThread::markDone() {
-    QMutexLocker l(&doneMutex_);
+    std::lock_guard<std::mutex> l(doneMutex_);
     active_ = false;
-    doneCond_.wakeAll();
+    doneCond_.notify_all();
 }
 
 bool AbstractThread::waitDone(int ms) {
-    QMutexLocker l(&doneMutex_);
-    QDeadlineTimer deadline(ms < 0 ? QDeadlineTimer::Forever : QDeadlineTimer(ms));
-    while (active_) {
-        if (!doneCond_.wait(&doneMutex_, deadline)) return !active_;
+    std::unique_lock<std::mutex> l(doneMutex_);
+    if (ms < 0) {
+        doneCond_.wait(l, [this] { return !active_; });
+        return true;
     }
-    return true;
+    return doneCond_.wait_for(l, std::chrono::milliseconds(ms), [this] { return !active_; });
 }
 
 // ---- XLightweightThread ----------------------------------------------------------
 XLightweightThread::XLightweightThread() : alive_(std::make_shared<int>(0)) {}
+XLightweightThread::XLightweightThread(XLightweightThread&& o) noexcept
+    : AbstractThread(std::move(o)), listeners_(std::move(o.listeners_)), listenerOnGui_(o.listenerOnGui_.load()),
+      alive_(std::make_shared<int>(0)) {}
 XLightweightThread::~XLightweightThread() { stopAndWait(); }
 
 void XLightweightThread::stopAndWait() {
@@ -88,6 +119,7 @@ void XLightweightThread::run() {
 
 // ---- XThreadPool ------------------------------------------------------------------
 namespace {
+char gPoolDone;   // address used to annotate "every task happened before wait_for_all returned"
 QThreadPool& pool() {
     // Grows as needed: a controller that waits for its workers must never starve them.
     static QThreadPool* p = [] {
@@ -102,17 +134,34 @@ QThreadPool& pool() {
 
 void XThreadPool::start_global(AbstractThread* t, bool autoDelete) {
     if (!X_ASSERT_MSG(t, "thread == NULL")) return;
+    // The end of the previous run (listeners, markDone) may still be under way.
+    t->waitDone(-1);
     t->markStarted();
+    TF_HAPPENS_BEFORE(t);
     pool().start([t, autoDelete]() {
+        TF_HAPPENS_AFTER(t);
         t->run();
+        TF_HAPPENS_BEFORE(&gPoolDone);
         t->markDone();
         if (autoDelete) delete t;
     });
 }
 
-void XThreadPool::start_global(std::function<void()> f) { pool().start(std::move(f)); }
+void XThreadPool::start_global(std::function<void()> f) {
+    auto holder = std::make_shared<std::function<void()>>(std::move(f));
+    TF_HAPPENS_BEFORE(holder.get());
+    pool().start([holder]() {
+        TF_HAPPENS_AFTER(holder.get());
+        if (*holder) (*holder)();
+        TF_HAPPENS_BEFORE(&gPoolDone);
+    });
+}
 
-bool XThreadPool::wait_for_all(int ms) { return pool().waitForDone(ms); }
+bool XThreadPool::wait_for_all(int ms) {
+    const bool done = pool().waitForDone(ms);
+    TF_HAPPENS_AFTER(&gPoolDone);
+    return done;
+}
 
 int XThreadPool::activeThreadCount() { return pool().activeThreadCount(); }
 

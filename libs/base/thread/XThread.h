@@ -8,8 +8,10 @@
 #include <QMutex>
 #include <QWaitCondition>
 #include <atomic>
+#include <condition_variable>
 #include <functional>
 #include <memory>
+#include <mutex>
 
 namespace tav {
 
@@ -32,6 +34,9 @@ public:
     virtual ~AbstractThread();
     AbstractThread(const AbstractThread&) = delete;
     AbstractThread& operator=(const AbstractThread&) = delete;
+    // Moving is allowed only while the source is not active (e.g. to keep worker
+    // objects by value in a vector); the state bits are taken over.
+    AbstractThread(AbstractThread&& o) noexcept;
 
     AtomicBits& state() { return state_; }
     const AtomicBits& state() const { return state_; }
@@ -55,14 +60,16 @@ public:
 private:
     AtomicBits state_;
     std::atomic<bool> active_{false};
-    QMutex doneMutex_;
-    QWaitCondition doneCond_;
+    std::mutex doneMutex_;
+    std::condition_variable doneCond_;
 };
 
 class XLightweightThread : public AbstractThread {
 public:
     XLightweightThread();
     ~XLightweightThread() override;
+    // Only while the source is not active; its listeners move along.
+    XLightweightThread(XLightweightThread&& o) noexcept;
 
     virtual void runCustom() = 0;
     void run() final;
@@ -89,6 +96,7 @@ class XThreadPool {
 public:
     // Starts the thread on the global pool; it is marked running first, so
     // isRunning() holds as soon as this returns. 'autoDelete' deletes it afterwards.
+    // A thread object whose previous run is still winding down is waited for first.
     static void start_global(AbstractThread* t, bool autoDelete = false);
     // Runs a plain function on the global pool.
     static void start_global(std::function<void()> f);

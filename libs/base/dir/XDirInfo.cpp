@@ -1,0 +1,314 @@
+#include "base/dir/XDirInfo.h"
+
+#include "base/log/Logger.h"
+#include "base/thread/XThread.h"
+#include "base/util/Format.h"
+
+#include <QDir>
+#include <QFile>
+#include <algorithm>
+#include <condition_variable>
+#include <mutex>
+#include <cerrno>
+#include <cstring>
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace tav {
+
+namespace {
+struct LinuxDirent64 {
+    uint64_t d_ino;
+    int64_t d_off;
+    unsigned short d_reclen;
+    unsigned char d_type;
+    char d_name[1];
+};
+
+int64_t mtimeMs(const struct stat& st) { return int64_t(st.st_mtim.tv_sec) * 1000 + st.st_mtim.tv_nsec / 1000000; }
+
+std::string joinPath(const std::string& dir, const char* name, size_t len) {
+    std::string p;
+    p.reserve(dir.size() + 1 + len);
+    p = dir;
+    if (p.empty() || p.back() != '/') p += '/';
+    p.append(name, len);
+    return p;
+}
+}
+
+XDirInfo::XDirInfo() = default;
+XDirInfo::~XDirInfo() = default;
+
+XDirInfo::XDirInfo(const XDirInfo& o) { *this = o; }
+
+XDirInfo& XDirInfo::operator=(const XDirInfo& o) {
+    if (this == &o) return *this;
+    sPath = o.sPath;
+    flagHiddenFiles = o.flagHiddenFiles;
+    flagStatFiles = o.flagStatFiles;
+    flagStop = o.flagStop.load();
+    countDirs = o.countDirs.load();
+    countFiles = o.countFiles.load();
+    countBytes = o.countBytes.load();
+    folders_ = o.folders_;
+    files_ = o.files_;
+    names_ = o.names_;
+    retired_.reset();
+    infos_ = o.infos_ ? std::make_shared<std::vector<QFileInfo>>(*o.infos_) : nullptr;
+    // The copy's list points into the copy's own file informations.
+    ar_filtered_files.clear();
+    ar_filtered_files.reserve(o.ar_filtered_files.size());
+    for (QFileInfo* p : o.ar_filtered_files) {
+        if (o.infos_ && infos_ && p >= o.infos_->data() && p < o.infos_->data() + o.infos_->size())
+            ar_filtered_files.push_back(infos_->data() + (p - o.infos_->data()));
+        else
+            ar_filtered_files.push_back(p);
+    }
+    return *this;
+}
+
+void XDirInfo::clear() {
+    folders_.clear();
+    files_.clear();
+    names_.clear();
+    countDirs = 0;
+    countFiles = 0;
+    countBytes = 0;
+}
+
+namespace {
+// One walker's share of a scan; merged into the XDirInfo when all are done.
+struct WalkPart {
+    std::vector<std::string> folders;
+    struct File {
+        uint32_t folder;   // index into 'folders' of this part
+        uint32_t nameOff, nameLen;
+        bool hasStat;
+        uint64_t size;
+        int64_t mtimeMs;
+    };
+    std::vector<File> files;
+    std::string names;
+    bool rootFailed = false;
+};
+
+// Folders still to read, shared by the walkers.
+struct WalkQueue {
+    std::mutex m;
+    std::condition_variable cv;
+    std::vector<std::string> todo;
+    int busy = 0;
+    bool done = false;
+};
+}
+
+bool XDirInfo::scan_dir(const QString& path, const XFileFilter* filter) {
+    flagStop = false;
+    clear();
+    sPath = path;
+    const XFileFilter::Prepared prepared = filter ? filter->prepare() : XFileFilter::Prepared();
+    const bool needStat = flagStatFiles || prepared.needsStat();
+    const bool hidden = flagHiddenFiles;
+
+    const std::string root = QFile::encodeName(QDir::cleanPath(QDir(path).absolutePath())).toStdString();
+    {
+        struct stat st;
+        if (::stat(root.c_str(), &st) != 0 || !S_ISDIR(st.st_mode)) {
+            log(32, "XDirInfo::scan_dir, cannot read <<<$>>>", path);
+            return false;
+        }
+    }
+    countDirs = 1;
+
+    WalkQueue q;
+    q.todo.push_back(root);
+    const unsigned nWalkers = std::max(1u, std::min(4u, count_hardware_threads(2)));
+    std::vector<WalkPart> parts(nWalkers);
+
+    auto walker = [&](WalkPart& part) {
+        std::vector<char> buf(1 << 15);
+        std::vector<std::string> found;
+        std::unique_lock<std::mutex> lock(q.m);
+        for (;;) {
+            q.cv.wait(lock, [&] { return !q.todo.empty() || q.busy == 0 || flagStop.load(std::memory_order_relaxed); });
+            if (q.todo.empty() || flagStop.load(std::memory_order_relaxed)) {
+                if (q.busy == 0 || flagStop.load(std::memory_order_relaxed)) {
+                    q.done = true;
+                    q.cv.notify_all();
+                    return;
+                }
+                continue;
+            }
+            std::string dir = std::move(q.todo.back());
+            q.todo.pop_back();
+            ++q.busy;
+            lock.unlock();
+
+            const bool isRoot = dir == root;
+            // The given folder may be reached through a link; below it links are never followed.
+            const int fd = ::open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | (isRoot ? 0 : O_NOFOLLOW));
+            if (fd < 0) {
+                log(32, "XDirInfo::scan_dir, cannot read <<<$>>> ($)", QFile::decodeName(dir.c_str()),
+                    QString::fromLocal8Bit(std::strerror(errno)));
+                if (dir == root) part.rootFailed = true;
+            } else {
+                const uint32_t idx = uint32_t(part.folders.size());
+                part.folders.push_back(dir);
+                found.clear();
+                for (;;) {
+                    const long n = ::syscall(SYS_getdents64, fd, buf.data(), buf.size());
+                    if (n <= 0) {
+                        if (n < 0)
+                            log(32, "XDirInfo::scan_dir, cannot read <<<$>>> ($)", QFile::decodeName(dir.c_str()),
+                                QString::fromLocal8Bit(std::strerror(errno)));
+                        break;
+                    }
+                    for (long off = 0; off < n;) {
+                        const auto* d = reinterpret_cast<const LinuxDirent64*>(buf.data() + off);
+                        off += d->d_reclen;
+                        const char* name = d->d_name;
+                        if (name[0] == '.') {
+                            if (name[1] == 0 || (name[1] == '.' && name[2] == 0)) continue;
+                            if (!hidden) continue;
+                        }
+                        const size_t len = std::strlen(name);
+                        unsigned char type = d->d_type;
+                        struct stat st;
+                        bool haveStat = false;
+                        if (type == DT_UNKNOWN) {
+                            if (::fstatat(fd, name, &st, AT_SYMLINK_NOFOLLOW) != 0) continue;
+                            haveStat = true;
+                            type = S_ISDIR(st.st_mode) ? DT_DIR : S_ISREG(st.st_mode) ? DT_REG : DT_LNK;
+                        }
+                        if (type == DT_DIR) {
+                            if (prepared.isExcludedFolder(name, len)) continue;
+                            found.push_back(joinPath(dir, name, len));
+                        } else if (type == DT_REG) {
+                            WalkPart::File r{idx, uint32_t(part.names.size()), uint32_t(len), false, 0, 0};
+                            if (needStat && !haveStat) haveStat = ::fstatat(fd, name, &st, AT_SYMLINK_NOFOLLOW) == 0;
+                            if (haveStat) {
+                                if (!S_ISREG(st.st_mode)) continue;   // replaced since the folder was read
+                                r.hasStat = true;
+                                r.size = uint64_t(st.st_size);
+                                r.mtimeMs = mtimeMs(st);
+                                countBytes.fetch_add(r.size, std::memory_order_relaxed);
+                            }
+                            part.names.append(name, len);
+                            part.files.push_back(r);
+                            countFiles.fetch_add(1, std::memory_order_relaxed);
+                        }
+                        // Links, FIFOs, sockets and devices are left alone.
+                    }
+                    if (flagStop.load(std::memory_order_relaxed)) break;
+                }
+                ::close(fd);
+            }
+            lock.lock();
+            if (!found.empty()) {
+                countDirs.fetch_add(uint32_t(found.size()), std::memory_order_relaxed);
+                for (std::string& f : found) q.todo.push_back(std::move(f));
+                q.cv.notify_all();
+            }
+            --q.busy;
+            if (q.busy == 0 && q.todo.empty()) q.cv.notify_all();
+        }
+    };
+
+    // Walkers beyond the first run on the pool; this thread is the first.
+    std::mutex doneM;
+    std::condition_variable doneCv;
+    unsigned helpersLeft = nWalkers - 1;
+    for (unsigned k = 1; k < nWalkers; ++k) {
+        XThreadPool::start_global([&, k]() {
+            walker(parts[k]);
+            std::lock_guard<std::mutex> l(doneM);
+            if (--helpersLeft == 0) doneCv.notify_all();
+        });
+    }
+    walker(parts[0]);
+    {
+        std::unique_lock<std::mutex> l(doneM);
+        doneCv.wait(l, [&] { return helpersLeft == 0; });
+    }
+
+    bool rootFailed = false;
+    for (WalkPart& part : parts) {
+        rootFailed = rootFailed || part.rootFailed;
+        const uint32_t folderBase = uint32_t(folders_.size());
+        const uint32_t nameBase = uint32_t(names_.size());
+        for (std::string& f : part.folders) folders_.push_back(std::move(f));
+        names_ += part.names;
+        files_.reserve(files_.size() + part.files.size());
+        for (const WalkPart::File& f : part.files)
+            files_.push_back({folderBase + f.folder, nameBase + f.nameOff, f.nameLen, f.hasStat, f.size, f.mtimeMs});
+    }
+    return !rootFailed && !flagStop.load();
+}
+
+XFindStats XDirInfo::setup_filtered_files(const XFileFilter& filter, bool sortByPath) {
+    const XFileFilter::Prepared prepared = filter.prepare();
+    struct Hit {
+        std::string path;
+        uint64_t size;
+        bool known;
+    };
+    std::vector<Hit> hits;
+    hits.reserve(files_.size());
+    for (FileRec& r : files_) {
+        const char* name = names_.data() + r.nameOff;
+        if (!prepared.matchFileName(name, r.nameLen)) continue;
+        std::string full = joinPath(folders_[r.folder], name, r.nameLen);
+        if (prepared.needsStat()) {
+            if (!r.hasStat) {
+                struct stat st;
+                if (::lstat(full.c_str(), &st) != 0 || !S_ISREG(st.st_mode)) continue;
+                r.hasStat = true;
+                r.size = uint64_t(st.st_size);
+                r.mtimeMs = mtimeMs(st);
+            }
+            if (!prepared.matchStat(r.size, r.mtimeMs)) continue;
+        }
+        hits.push_back({std::move(full), r.size, r.hasStat});
+    }
+    if (sortByPath) std::sort(hits.begin(), hits.end(), [](const Hit& a, const Hit& b) { return a.path < b.path; });
+
+    auto infos = std::make_shared<std::vector<QFileInfo>>();
+    infos->reserve(hits.size());
+    XFindStats stats;
+    uint64_t bytes = 0;
+    for (const Hit& h : hits) {
+        infos->emplace_back(QFile::decodeName(QByteArray::fromRawData(h.path.data(), int(h.path.size()))));
+        if (h.known) bytes += h.size;
+    }
+    // The previous list may still be in use by a search that is ending; keep it one round longer.
+    retired_ = std::move(infos_);
+    infos_ = std::move(infos);
+    ar_filtered_files.clear();
+    ar_filtered_files.reserve(infos_->size());
+    for (QFileInfo& fi : *infos_) ar_filtered_files.push_back(&fi);
+
+    stats.countFiles = countFiles.load();
+    stats.countMatch = uint64_t(ar_filtered_files.size());
+    stats.countHits = uint64_t(ar_filtered_files.size());
+    stats.countBytes = bytes;
+    return stats;
+}
+
+QString XDirInfo::toString() const {
+    return fill("path:<<<$>>>, dirs:$, files:$, bytes:$, filtered:$", sPath, countDirs.load(), countFiles.load(),
+                countBytes.load(), int(ar_filtered_files.size()));
+}
+
+std::vector<QFileInfo> XDirInfo::get_flat_directory_info(const QString& dir, bool hiddenFiles) {
+    QDir d(dir);
+    QDir::Filters f = QDir::AllEntries | QDir::NoDotAndDotDot | QDir::System;
+    if (hiddenFiles) f |= QDir::Hidden;
+    const QFileInfoList list = d.entryInfoList(f, QDir::DirsFirst | QDir::Name | QDir::IgnoreCase);
+    return std::vector<QFileInfo>(list.begin(), list.end());
+}
+
+} // namespace tav

@@ -1,0 +1,254 @@
+// Turning the user's text into compiled symbols: parsing the simple language,
+// checking regular expressions, and compiling for PCRE2 and Hyperscan.
+#include "base/find/XContentSymbols.h"
+#include "base/log/Logger.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+
+namespace tav {
+namespace find {
+
+namespace {
+
+bool compilePcre(const std::string& pattern, uint32_t options, XPcre& out, QString& error) {
+    int code = 0;
+    PCRE2_SIZE offset = 0;
+    out.code = pcre2_compile(reinterpret_cast<PCRE2_SPTR>(pattern.data()), pattern.size(), options, &code, &offset, nullptr);
+    if (!out.code) {
+        PCRE2_UCHAR buf[256];
+        pcre2_get_error_message(code, buf, sizeof buf);
+        error = fill("$ (at offset $)", QString::fromUtf8(reinterpret_cast<const char*>(buf)), quint64(offset));
+        return false;
+    }
+    out.jit = pcre2_jit_compile(out.code, PCRE2_JIT_COMPLETE) == 0;
+    return true;
+}
+
+uint32_t captureCount(const XPcre& p) {
+    uint32_t n = 0;
+    if (p.code) pcre2_pattern_info(p.code, PCRE2_INFO_CAPTURECOUNT, &n);
+    return n;
+}
+
+bool parseTerms(const QString& text, std::vector<XTerm>& terms, QString& error) {
+    if (text.count(QLatin1Char('"')) % 2) {
+        error = QStringLiteral("unbalanced quote");
+        return false;
+    }
+    const int n = text.size();
+    int i = 0;
+    while (i < n) {
+        while (i < n && text[i].isSpace()) ++i;
+        if (i >= n) break;
+        bool negative = false;
+        if (text[i] == QLatin1Char('-') && i + 1 < n && !text[i + 1].isSpace()) {
+            negative = true;
+            ++i;
+        }
+        QString t;
+        if (text[i] == QLatin1Char('"')) {
+            const int j = text.indexOf(QLatin1Char('"'), i + 1);
+            t = text.mid(i + 1, j - i - 1);
+            i = j + 1;
+        } else {
+            int j = i;
+            while (j < n && !text[j].isSpace()) ++j;
+            t = text.mid(i, j - i);
+            i = j;
+        }
+        if (t.isEmpty()) continue;
+        const QString folded = t.toCaseFolded();
+        bool dup = false;
+        for (const XTerm& x : terms)
+            if (x.negative == negative && x.text.toCaseFolded() == folded) dup = true;
+        if (dup) continue;
+        XTerm term;
+        term.text = t;
+        term.negative = negative;
+        term.literal = caseless_literal(t);
+        terms.push_back(std::move(term));
+    }
+    // Positive terms first, longer ones before shorter ones (they win at a shared start).
+    std::stable_sort(terms.begin(), terms.end(), [](const XTerm& a, const XTerm& b) {
+        if (a.negative != b.negative) return !a.negative;
+        return a.text.toUcs4().size() > b.text.toUcs4().size();
+    });
+    if (terms.empty() || terms.front().negative) {
+        error = QStringLiteral("nothing to find (no positive term)");
+        return false;
+    }
+    return true;
+}
+
+// Conservative: true unless the pattern surely reads the same byte by byte as
+// decoded as UTF-8 (only ASCII literals, positive ASCII classes and escapes).
+bool isUtf8Sensitive(const QByteArray& p) {
+    static const char* safeEscapes = "wdsbBAzZGtnrfeaQE";
+    bool inClass = false;
+    for (int i = 0; i < p.size(); ++i) {
+        const unsigned char c = static_cast<unsigned char>(p[i]);
+        if (c >= 0x80) return true;
+        if (c == '\\') {
+            if (i + 1 >= p.size()) return true;
+            const char e = p[i + 1];
+            if (std::isalnum(static_cast<unsigned char>(e)) && !std::strchr(safeEscapes, e)) return true;
+            ++i;
+            continue;
+        }
+        if (inClass) {
+            if (c == ']') inClass = false;
+            if (c == '[' && i + 2 < p.size() && p[i + 1] == ':' && p[i + 2] == '^') return true;   // [:^alpha:]
+            continue;
+        }
+        if (c == '[') {
+            if (i + 1 < p.size() && p[i + 1] == '^') return true;
+            inClass = true;
+            if (i + 1 < p.size() && p[i + 1] == ']') ++i;   // "[]...]": the first ']' is a member
+            continue;
+        }
+        if (c == '.') return true;
+        if (c == '(' && i + 1 < p.size()) {
+            if (p[i + 1] == '*') return true;   // (*UTF), (*UCP) ...
+            if (p[i + 1] == '?') {
+                for (int k = i + 2; k < p.size() && p[k] != ':' && p[k] != ')'; ++k)
+                    if (p[k] == 'i') return true;
+            }
+        }
+    }
+    return false;
+}
+
+// True when a match may depend on where its subject ends (a unit's end is not
+// the end of the text around it).
+bool isEndSensitive(const QByteArray& p) {
+    bool inClass = false;
+    for (int i = 0; i < p.size(); ++i) {
+        const char c = p[i];
+        if (c == '\\') {
+            if (i + 1 < p.size() && std::strchr("zZG", p[i + 1])) return true;
+            ++i;
+            continue;
+        }
+        if (inClass) {
+            if (c == ']') inClass = false;
+            continue;
+        }
+        if (c == '[') {
+            inClass = true;
+            if (i + 1 < p.size() && p[i + 1] == '^') ++i;
+            if (i + 1 < p.size() && p[i + 1] == ']') ++i;
+            continue;
+        }
+        if (c == '$') return true;
+        if (c == '(' && i + 2 < p.size() && p[i + 1] == '?' && (p[i + 2] == '=' || p[i + 2] == '!' || p[i + 2] == '('))
+            return true;
+        if (c == '(' && i + 1 < p.size() && p[i + 1] == '*') return true;
+    }
+    return false;
+}
+
+#ifdef TF_HAVE_HYPERSCAN
+hs_database_t* hsCompile(const QByteArray& pattern, unsigned flags) {
+    hs_database_t* db = nullptr;
+    hs_compile_error_t* err = nullptr;
+    if (hs_compile(pattern.constData(), flags, HS_MODE_BLOCK, nullptr, &db, &err) != HS_SUCCESS) {
+        if (err) hs_free_compile_error(err);
+        return nullptr;
+    }
+    return db;
+}
+
+void compileHyperscanRegex(const QByteArray& pattern, XContentSymbols& sym) {
+    if (pattern.contains('\0')) return;
+    sym.hsUtf8 = sym.utf8Sensitive;
+    const unsigned base = HS_FLAG_MULTILINE | (sym.hsUtf8 ? HS_FLAG_UTF8 : 0u);
+    if ((sym.hs = hsCompile(pattern, base | HS_FLAG_SOM_LEFTMOST))) {
+        sym.hsSom = true;
+        return;
+    }
+    if ((sym.hs = hsCompile(pattern, base))) return;
+    // Back-references, look-around ...: a pattern that matches at least everything.
+    sym.hs = hsCompile(pattern, base | HS_FLAG_PREFILTER);
+}
+
+void compileHyperscanTerms(XContentSymbols& sym) {
+    std::vector<const char*> exprs;
+    std::vector<unsigned> flags, ids;
+    for (size_t i = 0; i < sym.terms.size(); ++i) {
+        exprs.push_back(sym.terms[i].literal.expression.c_str());
+        flags.push_back(sym.terms[i].literal.fixedLength ? 0u : unsigned(HS_FLAG_SOM_LEFTMOST));
+        ids.push_back(unsigned(i));
+    }
+    hs_compile_error_t* err = nullptr;
+    if (hs_compile_multi(exprs.data(), flags.data(), ids.data(), unsigned(exprs.size()), HS_MODE_BLOCK, nullptr, &sym.hs,
+                         &err) != HS_SUCCESS) {
+        if (err) {
+            log(4, "XContentFilter::createSymbols, hyperscan: $", QString::fromUtf8(err->message));
+            hs_free_compile_error(err);
+        }
+        sym.hs = nullptr;
+    }
+}
+#endif
+}
+
+bool compile_symbols(const QString& text, bool regEx, bool allowHyperscan, XContentSymbols& sym, QString& error) {
+    sym.regEx = regEx;
+    if (regEx) {
+        if (text.isEmpty()) {
+            error = QStringLiteral("empty expression");
+            return false;
+        }
+        const QByteArray pattern = text.toUtf8();
+        if (!compilePcre(pattern.toStdString(), PCRE2_UTF | PCRE2_MATCH_INVALID_UTF | PCRE2_MULTILINE, sym.regex, error))
+            return false;
+        sym.captures = captureCount(sym.regex);
+        sym.utf8Sensitive = isUtf8Sensitive(pattern);
+        sym.endSensitive = isEndSensitive(pattern);
+#ifdef TF_HAVE_HYPERSCAN
+        if (allowHyperscan) compileHyperscanRegex(pattern, sym);
+#else
+        Q_UNUSED(allowHyperscan);
+#endif
+        return true;
+    }
+
+    if (!parseTerms(text, sym.terms, error)) return false;
+    sym.nPositive = size_t(std::count_if(sym.terms.begin(), sym.terms.end(), [](const XTerm& t) { return !t.negative; }));
+    std::string alt = "(?:";
+    for (size_t i = 0; i < sym.nPositive; ++i) {
+        if (i) alt += '|';
+        alt += '(' + sym.terms[i].literal.expression + ')';
+    }
+    alt += ')';
+    if (!compilePcre(alt, 0, sym.alternation, error)) return false;
+    for (const XTerm& t : sym.terms) {
+        auto p = std::make_unique<XPcre>();
+        if (!compilePcre(t.literal.expression, 0, *p, error)) return false;
+        sym.single.push_back(std::move(p));
+    }
+    sym.captures = uint32_t(sym.nPositive);
+#ifdef TF_HAVE_HYPERSCAN
+    if (allowHyperscan) compileHyperscanTerms(sym);
+#else
+    Q_UNUSED(allowHyperscan);
+#endif
+    return true;
+}
+
+bool prepare_scratch(const XContentSymbols& sym, XContentScratch& sc) {
+    sc.md = pcre2_match_data_create(sym.captures + 1, nullptr);
+    sc.mctx = pcre2_match_context_create(nullptr);
+    sc.jitStack = pcre2_jit_stack_create(32 * 1024, 8 * 1024 * 1024, nullptr);
+    if (!sc.md || !sc.mctx) return false;
+    if (sc.jitStack) pcre2_jit_stack_assign(sc.mctx, nullptr, sc.jitStack);
+#ifdef TF_HAVE_HYPERSCAN
+    if (sym.hs && hs_alloc_scratch(sym.hs, &sc.hsScratch) != HS_SUCCESS) return false;
+#endif
+    return true;
+}
+
+} // namespace find
+} // namespace tav

@@ -1,0 +1,130 @@
+#include "base/find/XContentFilter.h"
+
+#include "base/find/XContentSymbols.h"
+#include "base/io/XLineReaderDA.h"
+#include "base/log/Logger.h"
+
+namespace tav {
+namespace find {
+
+XContentFilter::XContentFilter() = default;
+XContentFilter::~XContentFilter() = default;
+
+XContentFilter::XContentFilter(const XContentFilter& o)
+    : sText_(o.sText_), flagRegEx_(o.flagRegEx_), scope_(o.scope_), sError_(o.sError_), symbols_(o.symbols_),
+      seekPos_(o.seekPos_) {}
+
+XContentFilter& XContentFilter::operator=(const XContentFilter& o) {
+    if (this == &o) return *this;
+    sText_ = o.sText_;
+    flagRegEx_ = o.flagRegEx_;
+    scope_ = o.scope_;
+    sError_ = o.sError_;
+    if (symbols_ != o.symbols_) scratch_.reset();   // scratch belongs to the symbols it was made for
+    symbols_ = o.symbols_;
+    seekPos_ = o.seekPos_;
+    return *this;
+}
+
+XContentFilter::XContentFilter(XContentFilter&& o) noexcept = default;
+XContentFilter& XContentFilter::operator=(XContentFilter&& o) noexcept = default;
+
+bool XContentFilter::hasHyperscan() {
+#ifdef TF_HAVE_HYPERSCAN
+    return true;
+#else
+    return false;
+#endif
+}
+
+bool XContentFilter::createSymbols(const QString& text, bool regularExpression, Engine engine) {
+    sText_ = text;
+    flagRegEx_ = regularExpression;
+    sError_.clear();
+    symbols_.reset();
+    scratch_.reset();
+    seekPos_ = 0;
+    auto sym = std::make_shared<XContentSymbols>();
+    if (!compile_symbols(text, regularExpression, engine == ENGINE_AUTO, *sym, sError_)) {
+        log(8, "XContentFilter::createSymbols, '$' - $", text, sError_);
+        return false;
+    }
+    symbols_ = std::move(sym);
+    return true;
+}
+
+QString XContentFilter::engineName() const {
+    if (!symbols_) return QString();
+    return symbols_->useHyperscan() ? QStringLiteral("hyperscan") : QStringLiteral("pcre2");
+}
+
+QString XContentFilter::scope_to_string(uint32_t scope) {
+    switch (scope) {
+    case SCOPE_PARAGRAPH: return QStringLiteral("Paragraph");
+    case SCOPE_SENTENCE: return QStringLiteral("Sentence");
+    default: return QStringLiteral("File");
+    }
+}
+
+QString XContentFilter::toString(bool verbose) const {
+    if (!verbose) return fill("'$' ($$)", sText_, scope_as_string(), flagRegEx_ ? QStringLiteral(", regEx") : QString());
+    QStringList terms;
+    if (symbols_)
+        for (const XTerm& t : symbols_->terms) terms << (t.negative ? QStringLiteral("-") : QStringLiteral("+")) + t.text;
+    return fill("XContentFilter{text:'$', regEx:$, scope:$, valid:$, engine:$, terms:[$]}", sText_, flagRegEx_,
+                scope_as_string(), isValid(), engineName(), terms.join(QLatin1Char(' ')));
+}
+
+XContentScratch& XContentFilter::scratch() {
+    if (!scratch_) {
+        scratch_ = std::make_unique<XContentScratch>();
+        if (!prepare_scratch(*symbols_, *scratch_)) log(4, "XContentFilter::find, out of memory for the search");
+    }
+    return *scratch_;
+}
+
+XRamLayer XContentFilter::limit(std::vector<XRam>& marks, uint32_t maxMarks, bool binary) {
+    XRamLayer layer;
+    layer.setBinary(binary);
+    size_t first = 0;
+    if (seekPos_ > 0)
+        first = size_t(std::lower_bound(marks.begin(), marks.end(), seekPos_,
+                                         [](const XRam& r, int64_t v) { return r.pos() < v; }) -
+                       marks.begin());
+    size_t last = marks.size();
+    if (maxMarks > 0 && last - first > maxMarks) last = first + maxMarks;
+    layer.reserve(last - first);
+    for (size_t i = first; i < last; ++i) layer.append_sorted(marks[i]);
+    if (maxMarks > 0 && last > first) seekPos_ = marks[last - 1].end();
+    return layer;
+}
+
+XRamLayer XContentFilter::find(uint32_t maxMarks, XLineReaderDA& reader) {
+    std::vector<XRam> marks;
+    if (!symbols_ || !reader.isOpen()) return limit(marks, maxMarks, reader.isBinary());
+    XContentScratch& sc = scratch();
+    XContentSearch search(*symbols_, sc, scope_);
+    const auto cut = scope_ == SCOPE_FILE ? XLineReaderDA::CUT_LINE : XLineReaderDA::CUT_PARAGRAPH;
+    XLineReaderDA::Window w;
+    if (reader.firstWindow(cut, w)) {
+        for (;;) {
+            search.window(w.data, w.size, w.offset, marks);
+            if (w.last || !reader.nextWindow(cut, w)) break;
+        }
+    }
+    search.finish(marks);
+    return limit(marks, maxMarks, reader.isBinary());
+}
+
+XRamLayer XContentFilter::find(uint32_t maxMarks, const QByteArray& text) {
+    std::vector<XRam> marks;
+    if (!symbols_) return limit(marks, maxMarks, false);
+    XContentSearch search(*symbols_, scratch(), scope_);
+    search.window(text.constData(), size_t(text.size()), 0, marks);
+    search.finish(marks);
+    const bool binary = text.left(0x10000).contains('\0');
+    return limit(marks, maxMarks, binary);
+}
+
+} // namespace find
+} // namespace tav

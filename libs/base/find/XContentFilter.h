@@ -1,0 +1,89 @@
+#pragma once
+// The content part of a search: a simple expression or a regular expression,
+// a scope (file, paragraph, sentence) and the compiled symbols.
+//
+// Simple expression: terms split at blanks, "a phrase" in double quotes, -term
+// excludes; case is ignored (Unicode simple case folding). A unit matches when
+// it holds every positive term and no excluded one; its marks are the
+// occurrences of the positive terms (leftmost first; where two start at the
+// same byte the longer term wins; marks never overlap).
+// Regular expression: Perl syntax on UTF-8 text, ^ and $ at line ends, matched
+// inside each unit; invalid bytes never stop a search.
+//
+// The search scans bytes and derives units around the hits. Where Hyperscan is
+// built in it finds the candidate places; PCRE2 defines the marks, so both give
+// the same result. A filter is cheap to copy (the compiled symbols are shared);
+// each thread must use its own copy, as a filter keeps per-search state.
+#include "base/find/XRamLayer.h"
+
+#include <QByteArray>
+#include <QString>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace tav {
+
+class XLineReaderDA;
+
+namespace find {
+
+struct XContentSymbols;
+struct XContentScratch;
+
+class XContentFilter {
+public:
+    enum Scope : uint32_t { SCOPE_FILE = 0, SCOPE_PARAGRAPH = 1, SCOPE_SENTENCE = 2 };
+    // Which engine finds the places: the fastest available, or PCRE2 alone.
+    enum Engine { ENGINE_AUTO = 0, ENGINE_PCRE2 = 1 };
+
+    XContentFilter();
+    ~XContentFilter();
+    XContentFilter(const XContentFilter& o);
+    XContentFilter& operator=(const XContentFilter& o);
+    XContentFilter(XContentFilter&& o) noexcept;
+    XContentFilter& operator=(XContentFilter&& o) noexcept;
+
+    // Compiles the text; false (with errorText()) when it cannot be used. The
+    // text is kept either way; a failed compile leaves the filter without symbols.
+    bool createSymbols(const QString& text, bool regularExpression, Engine engine = ENGINE_AUTO);
+    bool isValid() const { return bool(symbols_); }
+    const QString& text() const { return sText_; }
+    bool isRegEx() const { return flagRegEx_; }
+    QString errorText() const { return sError_; }
+    // "hyperscan" or "pcre2" (what finds the places), empty without symbols.
+    QString engineName() const;
+    static bool hasHyperscan();
+
+    uint32_t scope() const { return scope_; }
+    void setScope(uint32_t scope) { scope_ = scope <= SCOPE_SENTENCE ? scope : SCOPE_FILE; }
+    static QString scope_to_string(uint32_t scope);
+    QString scope_as_string() const { return scope_to_string(scope_); }
+
+    // Short form ("'text' (Paragraph)") or every detail for the log.
+    QString toString(bool verbose) const;
+
+    // Resets the search position to the start of the file.
+    void seekHome() { seekPos_ = 0; }
+    // The next 'maxMarks' marks of the open file after the search position
+    // (0: all of them); the position moves behind the last mark returned.
+    // The layer is flagged binary when the reader saw a NUL in its probe.
+    XRamLayer find(uint32_t maxMarks, XLineReaderDA& reader);
+    // The same for a text in memory.
+    XRamLayer find(uint32_t maxMarks, const QByteArray& text);
+
+private:
+    XContentScratch& scratch();
+    XRamLayer limit(std::vector<XRam>& marks, uint32_t maxMarks, bool binary);
+
+    QString sText_;
+    bool flagRegEx_ = false;
+    uint32_t scope_ = SCOPE_FILE;
+    QString sError_;
+    std::shared_ptr<const XContentSymbols> symbols_;
+    std::unique_ptr<XContentScratch> scratch_;
+    int64_t seekPos_ = 0;
+};
+
+} // namespace find
+} // namespace tav

@@ -1,0 +1,306 @@
+// Searching one window of bytes: units are derived around the places the
+// engines report; the marks follow PCRE2's leftmost-first, non-overlapping rule.
+#include "base/find/XByteScan.h"
+#include "base/find/XContentSymbols.h"
+#include "base/find/XUnits.h"
+#include "base/log/Logger.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace tav {
+namespace find {
+
+namespace {
+constexpr size_t kNone = std::numeric_limits<size_t>::max();
+// More reports than this in one window: the candidate list is not worth keeping.
+constexpr size_t kMaxReports = size_t(1) << 20;
+
+size_t utf8Step(const char* d, size_t n, size_t p) {
+    const unsigned char c = static_cast<unsigned char>(d[p]);
+    size_t len = c < 0xC0 ? 1 : c < 0xE0 ? 2 : c < 0xF0 ? 3 : 4;
+    return std::min(len, n - p);
+}
+
+#ifdef TF_HAVE_HYPERSCAN
+int onTerm(unsigned id, unsigned long long from, unsigned long long to, unsigned, void* ctx) {
+    auto* occ = static_cast<std::vector<XOcc>*>(ctx);
+    occ->push_back({int64_t(from), int64_t(to), id});
+    return 0;
+}
+
+struct ReportCtx {
+    XContentScratch* sc;
+    bool som;
+};
+int onReport(unsigned, unsigned long long from, unsigned long long to, unsigned, void* ctx) {
+    auto* r = static_cast<ReportCtx*>(ctx);
+    if (r->sc->reports.size() >= kMaxReports) {
+        r->sc->saturated = true;
+        return 1;   // stop scanning: PCRE2 takes the whole window
+    }
+    r->sc->reports.push_back({r->som ? int64_t(from) : -1, int64_t(to)});
+    return 0;
+}
+#endif
+}
+
+XContentSearch::XContentSearch(const XContentSymbols& sym, XContentScratch& sc, uint32_t scope)
+    : sym_(sym), sc_(sc), scope_(scope) {
+    presentFile_.assign(sym.terms.size(), 0);
+}
+
+int XContentSearch::match(const XPcre& code, const char* d, size_t len, size_t start, size_t& ms, size_t& me, int& group) {
+    if (start > len) return 0;
+    const auto* subject = reinterpret_cast<PCRE2_SPTR>(d);
+    const int rc = code.jit ? pcre2_jit_match(code.code, subject, len, start, 0, sc_.md, sc_.mctx)
+                            : pcre2_match(code.code, subject, len, start, 0, sc_.md, sc_.mctx);
+    if (rc == PCRE2_ERROR_NOMATCH) return 0;
+    if (rc < 0) {
+        if (!sc_.errorLogged) {
+            PCRE2_UCHAR buf[256];
+            pcre2_get_error_message(rc, buf, sizeof buf);
+            log(4, "XContentFilter::find, search stopped: $", QString::fromUtf8(reinterpret_cast<const char*>(buf)));
+            sc_.errorLogged = true;
+        }
+        return rc;
+    }
+    const PCRE2_SIZE* ov = pcre2_get_ovector_pointer(sc_.md);
+    ms = ov[0];
+    me = ov[1];
+    group = -1;
+    for (int k = 1; k < rc; ++k) {
+        if (ov[2 * k] != PCRE2_UNSET) {
+            group = k - 1;
+            break;
+        }
+    }
+    return 1;
+}
+
+bool XContentSearch::unitMatches(const std::vector<char>& present) const {
+    for (size_t i = 0; i < sym_.terms.size(); ++i) {
+        if (i < sym_.nPositive && !present[i]) return false;
+        if (i >= sym_.nPositive && present[i]) return false;
+    }
+    return true;
+}
+
+void XContentSearch::window(const char* d, size_t n, uint64_t base, std::vector<XRam>& out) {
+    if (n == 0) return;
+    if (sym_.regEx) regex(d, n, base, out);
+    else if (sym_.useHyperscan()) simpleHyperscan(d, n, base, out);
+    else simplePcre(d, n, base, out);
+}
+
+void XContentSearch::finish(std::vector<XRam>& out) {
+    if (sym_.regEx || scope_ != XUnits::FILE) return;
+    if (unitMatches(presentFile_)) out.insert(out.end(), pendingFile_.begin(), pendingFile_.end());
+    pendingFile_.clear();
+}
+
+// ---- simple expression, Hyperscan: every occurrence of every term, then per unit
+// the greedy choice (sorted by start, then priority) that PCRE2's alternation makes.
+void XContentSearch::simpleHyperscan(const char* d, size_t n, uint64_t base, std::vector<XRam>& out) {
+#ifdef TF_HAVE_HYPERSCAN
+    std::vector<XOcc>& occ = sc_.occ;
+    occ.clear();
+    hs_scan(sym_.hs, d, unsigned(n), 0, sc_.hsScratch, onTerm, &occ);
+    if (occ.empty()) return;
+    for (XOcc& o : occ)
+        if (sym_.terms[o.id].literal.fixedLength) o.s = o.e - int64_t(sym_.terms[o.id].literal.byteLength);
+    std::sort(occ.begin(), occ.end(), [](const XOcc& a, const XOcc& b) { return a.s < b.s || (a.s == b.s && a.id < b.id); });
+
+    if (scope_ == XUnits::FILE) {
+        int64_t lastEnd = 0;
+        for (const XOcc& o : occ) {
+            presentFile_[o.id] = 1;
+            if (o.id < sym_.nPositive && o.s >= lastEnd) {
+                pendingFile_.emplace_back(int64_t(base) + o.s, o.e - o.s, XRam::CATEGORY_HIT);
+                lastEnd = o.e;
+            }
+        }
+        return;
+    }
+    XUnits units(d, n, scope_);
+    std::vector<char> present(sym_.terms.size());
+    std::vector<XRam> marks;
+    size_t i = 0;
+    while (i < occ.size()) {
+        XUnits::Unit u;
+        bool inside = false;
+        if (!units.unitAt(size_t(occ[i].s), u, inside)) break;
+        if (!inside) {
+            while (i < occ.size() && occ[i].s < int64_t(u.begin)) ++i;
+            continue;
+        }
+        std::fill(present.begin(), present.end(), 0);
+        marks.clear();
+        int64_t lastEnd = int64_t(u.begin);
+        for (; i < occ.size() && occ[i].s < int64_t(u.end); ++i) {
+            const XOcc& o = occ[i];
+            if (o.e > int64_t(u.end)) continue;   // reaches into the next unit
+            present[o.id] = 1;
+            if (o.id < sym_.nPositive && o.s >= lastEnd) {
+                marks.emplace_back(int64_t(base) + o.s, o.e - o.s, XRam::CATEGORY_HIT);
+                lastEnd = o.e;
+            }
+        }
+        if (unitMatches(present)) out.insert(out.end(), marks.begin(), marks.end());
+    }
+#else
+    simplePcre(d, n, base, out);
+#endif
+}
+
+// ---- simple expression, PCRE2: the alternation of the positive terms gives the
+// marks; terms it did not report are looked for one by one.
+void XContentSearch::simplePcre(const char* d, size_t n, uint64_t base, std::vector<XRam>& out) {
+    size_t ms = 0, me = 0;
+    int g = -1;
+    if (scope_ == XUnits::FILE) {
+        size_t pos = 0;
+        while (match(sym_.alternation, d, n, pos, ms, me, g) > 0) {
+            if (g >= 0) presentFile_[size_t(g)] = 1;
+            pendingFile_.emplace_back(int64_t(base + ms), int64_t(me - ms), XRam::CATEGORY_HIT);
+            pos = me > ms ? me : ms + 1;
+        }
+        for (size_t t = 0; t < sym_.terms.size(); ++t)
+            if (!presentFile_[t] && match(*sym_.single[t], d, n, 0, ms, me, g) > 0) presentFile_[t] = 1;
+        return;
+    }
+    XUnits units(d, n, scope_);
+    std::vector<char> present(sym_.terms.size());
+    std::vector<XRam> marks;
+    size_t pos = 0;
+    while (pos < n) {
+        if (match(sym_.alternation, d, n, pos, ms, me, g) <= 0) break;
+        XUnits::Unit u;
+        bool inside = false;
+        if (!units.unitAt(ms, u, inside)) break;
+        if (!inside) {
+            pos = u.begin;
+            continue;
+        }
+        std::fill(present.begin(), present.end(), 0);
+        marks.clear();
+        size_t p = u.begin;
+        while (match(sym_.alternation, d, u.end, p, ms, me, g) > 0) {
+            if (g >= 0) present[size_t(g)] = 1;
+            marks.emplace_back(int64_t(base + ms), int64_t(me - ms), XRam::CATEGORY_HIT);
+            p = me > ms ? me : ms + 1;
+        }
+        for (size_t t = 0; t < sym_.terms.size(); ++t)
+            if (!present[t] && match(*sym_.single[t], d, u.end, u.begin, ms, me, g) > 0) present[t] = 1;
+        if (unitMatches(present)) out.insert(out.end(), marks.begin(), marks.end());
+        pos = u.end;
+    }
+}
+
+// Hyperscan over the window: true when the report list can steer PCRE2 (empty
+// list: nothing in this window). False: no usable gate, PCRE2 looks everywhere.
+bool XContentSearch::gateScan(const char* d, size_t n) {
+#ifdef TF_HAVE_HYPERSCAN
+    if (!sym_.hs) return false;
+    if (sym_.endSensitive && scope_ != XUnits::FILE) return false;
+    if (sym_.hsUtf8 && !bytescan::is_valid_utf8(d, n)) return false;
+    sc_.reports.clear();
+    sc_.saturated = false;
+    ReportCtx ctx{&sc_, sym_.hsSom};
+    hs_scan(sym_.hs, d, unsigned(n), 0, sc_.hsScratch, onReport, &ctx);
+    if (sc_.saturated) return false;
+    std::vector<XReport>& r = sc_.reports;
+    std::stable_sort(r.begin(), r.end(), [](const XReport& a, const XReport& b) { return a.e < b.e; });
+    // sufMin[i]: the leftmost start among reports i.. (a lower bound for any match ending there).
+    sc_.sufMin.resize(r.size());
+    int64_t m = std::numeric_limits<int64_t>::max();
+    for (size_t i = r.size(); i-- > 0;) {
+        m = std::min(m, r[i].s < 0 ? int64_t(0) : r[i].s);
+        sc_.sufMin[i] = m;
+    }
+    return true;
+#else
+    Q_UNUSED(d);
+    Q_UNUSED(n);
+    return false;
+#endif
+}
+
+// ---- regular expression: PCRE2 decides; Hyperscan's reports only say where
+// PCRE2 may start (every match ends at a reported end, and starts no earlier
+// than the leftmost start reported for the ends after the current position).
+void XContentSearch::regex(const char* d, size_t n, uint64_t base, std::vector<XRam>& out) {
+    const bool gate = gateScan(d, n);
+    const std::vector<XReport>& r = sc_.reports;
+    size_t ri = 0;
+    #ifdef TF_HAVE_HYPERSCAN
+    const bool som = gate && sym_.hsSom;
+#else
+    const bool som = false;
+#endif
+    // First report ending after pos; kNone when there is none.
+    auto firstAfter = [&](size_t pos) -> size_t {
+        while (ri < r.size() && r[ri].e <= int64_t(pos)) ++ri;
+        return ri < r.size() ? ri : kNone;
+    };
+    size_t ms = 0, me = 0;
+    int g = -1;
+
+    if (scope_ == XUnits::FILE) {
+        size_t pos = 0;
+        while (pos <= n) {
+            size_t start = pos;
+            if (gate) {
+                const size_t k = firstAfter(pos);
+                if (k == kNone) break;
+                if (som) start = std::max(pos, size_t(sc_.sufMin[k]));
+            }
+            if (match(sym_.regex, d, n, start, ms, me, g) <= 0) break;
+            if (me > ms) {
+                out.emplace_back(int64_t(base + ms), int64_t(me - ms), XRam::CATEGORY_HIT);
+                pos = me;
+            } else {
+                if (ms >= n) break;
+                pos = ms + utf8Step(d, n, ms);
+            }
+        }
+        return;
+    }
+
+    XUnits units(d, n, scope_);
+    size_t pos = 0;
+    while (pos < n) {
+        size_t c = pos;
+        if (gate) {
+            const size_t k = firstAfter(pos);
+            if (k == kNone) break;
+            c = std::max(pos, size_t(r[k].e - 1));
+            if (som) c = std::max(c, size_t(sc_.sufMin[k]));
+        } else if (!sym_.endSensitive) {
+            if (match(sym_.regex, d, n, pos, ms, me, g) <= 0) break;
+            c = ms;
+        }
+        XUnits::Unit u;
+        bool inside = false;
+        if (!units.unitAt(c, u, inside)) break;
+        if (!inside) {
+            pos = u.begin;
+            continue;
+        }
+        size_t p = u.begin;
+        while (p <= u.end) {
+            if (match(sym_.regex, d, u.end, p, ms, me, g) <= 0) break;
+            if (me > ms) {
+                out.emplace_back(int64_t(base + ms), int64_t(me - ms), XRam::CATEGORY_HIT);
+                p = me;
+            } else {
+                if (ms >= u.end) break;
+                p = ms + utf8Step(d, n, ms);
+            }
+        }
+        pos = u.end;
+    }
+}
+
+} // namespace find
+} // namespace tav

@@ -1,0 +1,169 @@
+// The headless command "find": scans a folder, filters the files and searches
+// their contents with the same engine as the main window, then prints the hits.
+//   find --dir DIR [--find TEXT] [--regex true] [--scope File|Paragraph|Sentence]
+//        [--pattern P] [--npattern P] [--textFiles true] [--hidden true]
+//        [--threads N] [--show files|count|hits]
+// Exit code: 0 something found, 1 nothing found, 2 bad input.
+#include "base/dir/XDirInfo.h"
+#include "base/find/XFilter.h"
+#include "base/kernel/CommandLine.h"
+#include "base/log/Logger.h"
+#include "base/text/TextFiles.h"
+#include "base/util/Format.h"
+#include "gui/kernel/KernelGUI.h"
+#include "gui/kernel/XRuntime.h"
+#include "src/find/TavFind.h"
+
+#include <QDir>
+#include <QEventLoop>
+#include <algorithm>
+#include <cstdio>
+
+namespace tavFinder {
+
+namespace {
+
+// main() changes into the program's folder; relative paths mean the caller's folder.
+const QString kStartDir = QDir::currentPath();
+
+const char* kUsage =
+    "usage: talvofinder find --dir DIR [--find TEXT] [--regex true] [--scope File|Paragraph|Sentence]\n"
+    "         [--pattern P] [--npattern P] [--textFiles true] [--hidden true] [--threads N]\n"
+    "         [--show files|count|hits]";
+
+int badInput(const QString& message) {
+    tav::Logger::printToCerr(QStringLiteral("find: ") + message);
+    tav::Logger::printToCerr(QString::fromLatin1(kUsage));
+    return 2;
+}
+
+void write(const QByteArray& bytes) {
+    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout);
+    std::fflush(stdout);
+}
+
+// "true"/"false" (and 1/0, yes/no); anything else is refused.
+bool readBool(const tav::CommandLine& cl, const QString& key, bool& value, QString& error) {
+    if (!cl.hasKey(key)) return true;
+    const QString v = cl.getString(key).trimmed().toLower();
+    if (v.isEmpty() || v == QLatin1String("true") || v == QLatin1String("1") || v == QLatin1String("yes")) value = true;
+    else if (v == QLatin1String("false") || v == QLatin1String("0") || v == QLatin1String("no")) value = false;
+    else {
+        error = tav::fill("--$ takes true or false, not '$'", key, cl.getString(key));
+        return false;
+    }
+    return true;
+}
+
+int commandFind(tav::KernelGUI& kernel) {
+    const int64_t timeStart = tav::getMicroseconds();
+    tav::CommandLine& cl = kernel.commandLine();
+    cl.addMustHaveKeys(QStringLiteral("dir"));
+    cl.addOptionalKeys(QStringLiteral("find,regex,scope,pattern,npattern,textFiles,hidden,threads,show,countLines"));
+    if (!cl.checkKeys()) return badInput(cl.lastError());
+
+    QString error;
+    bool regEx = false, textFiles = false, hidden = false, countLines = true;
+    if (!readBool(cl, QStringLiteral("regex"), regEx, error) || !readBool(cl, QStringLiteral("textFiles"), textFiles, error) ||
+        !readBool(cl, QStringLiteral("hidden"), hidden, error) || !readBool(cl, QStringLiteral("countLines"), countLines, error))
+        return badInput(error);
+
+    const QString dirArg = cl.getString(QStringLiteral("dir"));
+    const QFileInfo dirInfo(QDir(kStartDir), dirArg);
+    if (!dirInfo.isDir()) return badInput(tav::fill("folder <<<$>>> does not exist", dirArg));
+    const QString dir = QDir::cleanPath(dirInfo.absoluteFilePath());
+
+    uint32_t scope = tav::find::XContentFilter::SCOPE_FILE;
+    if (cl.hasKey(QStringLiteral("scope"))) {
+        const QString s = cl.getString(QStringLiteral("scope")).trimmed().toLower();
+        if (s == QLatin1String("file") || s == QLatin1String("0")) scope = tav::find::XContentFilter::SCOPE_FILE;
+        else if (s == QLatin1String("paragraph") || s == QLatin1String("1")) scope = tav::find::XContentFilter::SCOPE_PARAGRAPH;
+        else if (s == QLatin1String("sentence") || s == QLatin1String("2")) scope = tav::find::XContentFilter::SCOPE_SENTENCE;
+        else return badInput(tav::fill("--scope must be File, Paragraph or Sentence, not '$'", cl.getString(QStringLiteral("scope"))));
+    }
+    unsigned threads = std::min(64u, std::max(1u, tav::count_hardware_threads(2)));
+    if (cl.hasKey(QStringLiteral("threads"))) {
+        bool ok = false;
+        threads = cl.getString(QStringLiteral("threads")).toUInt(&ok);
+        if (!ok || threads < 1 || threads > 64) return badInput(QStringLiteral("--threads takes a number from 1 to 64"));
+    }
+    const QString show = cl.getString(QStringLiteral("show"), QStringLiteral("files")).trimmed().toLower();
+    if (show != QLatin1String("files") && show != QLatin1String("count") && show != QLatin1String("hits"))
+        return badInput(tav::fill("--show must be files, count or hits, not '$'", show));
+
+    tav::find::XFilter filter;
+    filter.fileFilter.setPattern(cl.getString(QStringLiteral("pattern")), false);
+    filter.fileFilter.setPattern(cl.getString(QStringLiteral("npattern")), true);
+    if (textFiles) {
+        for (const QString& e : tav::default_text_file_extensions()) filter.fileFilter.textFileExtensions.insert(e);
+    }
+    const bool content = cl.hasKey(QStringLiteral("find"));
+    if (content) {
+        const QString text = cl.getString(QStringLiteral("find"));
+        filter.contentFilter.setScope(scope);
+        if (!filter.contentFilter.createSymbols(text, regEx))
+            return badInput(tav::fill("cannot use '$': $", text, filter.contentFilter.errorText()));
+    }
+
+    tav::XDirInfo scan;
+    scan.flagHiddenFiles = hidden;
+    scan.scan_dir(dir, &filter.fileFilter);
+    tav::XFindStats stats = scan.setup_filtered_files(filter.fileFilter, true);
+
+    QByteArray out;
+    if (!content) {
+        if (show != QLatin1String("count")) {
+            for (QFileInfo* fi : scan.ar_filtered_files) out += QFile::encodeName(fi->absoluteFilePath()) + '\n';
+        }
+        out += tav::fill("files: total:$, files match:$", tav::format1000(stats.countFiles.load()),
+                         tav::format1000(stats.countMatch.load()))
+                   .toUtf8() +
+               '\n';
+        write(out);
+        return stats.countMatch.load() > 0 ? 0 : 1;
+    }
+
+    TavFind search;
+    search.maxThreads = threads;
+    search.scope = scope;
+    search.flagCountLines = countLines;
+    search.setContentFilter(filter.contentFilter);
+    search.prepareFiles(scan.ar_filtered_files);
+    QEventLoop loop;
+    search.addListener([&loop]() { loop.quit(); });
+    search.start_search();
+    loop.exec();
+
+    std::vector<FileResult>& results = search.getResults();
+    std::sort(results.begin(), results.end(), [](const FileResult& a, const FileResult& b) {
+        if (a.layer.size() != b.layer.size()) return a.layer.size() > b.layer.size();
+        return a.fileInfo.absoluteFilePath() < b.fileInfo.absoluteFilePath();
+    });
+    if (show == QLatin1String("files")) {
+        for (const FileResult& r : results)
+            out += QByteArray::number(r.layer.size()) + '\t' + QFile::encodeName(r.fileInfo.absoluteFilePath()) + '\n';
+    } else if (show == QLatin1String("hits")) {
+        for (const FileResult& r : results) {
+            const QByteArray path = QFile::encodeName(r.fileInfo.absoluteFilePath());
+            for (const tav::find::XRam& m : r.layer.marks())
+                out += path + '\t' + QByteArray::number(qint64(m.pos())) + '\t' + QByteArray::number(qint64(m.len())) + '\n';
+        }
+    }
+    out += tav::fill("files-total:$ => $, files-match:$, match-total:$ - $ sec",
+                     tav::format1000(uint64_t(search.countTextFiles())), tav::formatBytes(search.getBytesToRead()),
+                     tav::format1000(uint64_t(search.countResults())), tav::format1000(search.countHits()),
+                     tav::formatMicrosecond_as_Sec(tav::getMicroseconds() - timeStart))
+               .toUtf8() +
+           '\n';
+    if (show == QLatin1String("count")) {
+        const tav::XFindStats w = search.workerStats();
+        out += tav::fill("lines:$, bytes:$", w.countLines.load(), w.countBytes.load()).toUtf8() + '\n';
+    }
+    write(out);
+    return search.hasResults() ? 0 : 1;
+}
+
+const tav::TestGuiContextAdder kFind(&commandFind, QStringLiteral("find"), QString(), true);
+
+} // namespace
+} // namespace tavFinder

@@ -1,0 +1,20 @@
+#pragma once
+// One hit file of a content search: its layer of hits and its file information.
+#include "base/find/XRamLayer.h"
+
+#include <QFileInfo>
+#include <QString>
+
+namespace tavFinder {
+
+struct FileResult {
+    tav::find::XRamLayer layer;   // size() = number of hits
+    QFileInfo fileInfo;
+
+    FileResult() = default;
+    FileResult(tav::find::XRamLayer l, QFileInfo fi) : layer(std::move(l)), fileInfo(std::move(fi)) {}
+    // The hit count, or "not-valid" without hits.
+    QString toString() const { return layer.toString(); }
+};
+
+} // namespace tavFinder

@@ -1,0 +1,45 @@
+#include "src/find/FindThread.h"
+
+#include "base/log/Logger.h"
+#include "src/find/TavFind.h"
+#include "src/find/ThreadControllerFind.h"
+
+namespace tavFinder {
+
+FindThread::FindThread(FindThread&& o) noexcept
+    : tav::XLightweightThread(std::move(o)), pTavFind(o.pTavFind), pController(o.pController), stats(o.stats),
+      contentFilter(std::move(o.contentFilter)), index(o.index) {}
+
+FindThread::~FindThread() { stopAndWait(); }
+
+void FindThread::runCustom() {
+    if (!X_ASSERT_MSG(pTavFind, "tavFind == NULL")) return;
+    if (pController && pController->isFlag(tav::AbstractThread::RUNNING)) {
+        do {
+            QFileInfo* file = pTavFind->nextFile();
+            if (!file) break;
+            contentFilter.seekHome();
+            if (!file->isFile()) {
+                tav::log(32, "FindThread::runCustom, IS NOT A FILE <<<$>>>", *file);
+                continue;
+            }
+            tav::XFindStats::add(stats.countFiles, 1);
+            if (file->size() == 0) continue;   // counted, never opened
+            const QString path = file->absoluteFilePath();
+            if (!reader_.openFile(path, 0x10000, true)) {
+                tav::log(4, "FindThread::runCustom, problems with <<<$>>>", path);
+                continue;
+            }
+            // Searching first lets a big file's lines be counted while its windows pass by.
+            tav::find::XRamLayer layer = contentFilter.find(0, reader_);
+            contentFilter.seekHome();
+            tav::XFindStats::add(stats.countBytes, reader_.getMemorySize());
+            if (pTavFind->flagCountLines) tav::XFindStats::add(stats.countLines, reader_.countLines());
+            reader_.close();
+            if (layer) pController->addResult(FileResult(std::move(layer), *file));
+        } while (pController->isFlag(tav::AbstractThread::RUNNING));
+    }
+    pTavFind->countActive.fetch_sub(1);
+}
+
+} // namespace tavFinder

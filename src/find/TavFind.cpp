@@ -1,0 +1,173 @@
+#include "src/find/TavFind.h"
+
+#include "base/io/XLineReaderDA.h"
+#include "base/log/Logger.h"
+#include "base/thread/XThread.h"
+#include "base/util/Format.h"
+#include "src/find/ThreadControllerFind.h"
+
+#include <condition_variable>
+
+namespace tavFinder {
+
+namespace {
+// Sizes of the files, summed in 32 bits (wrapping). QFileInfo::size() stats a
+// file once and caches it, so the workers later read the cached values; big
+// lists are stat-ed on several pool threads, each file by exactly one of them.
+uint32_t sumSizes(const std::vector<QFileInfo*>& files) {
+    auto sumRange = [&files](size_t a, size_t b) {
+        uint32_t s = 0;
+        for (size_t i = a; i < b; ++i) {
+            const qint64 size = files[i] ? files[i]->size() : 0;
+            if (size > 0) s += uint32_t(size);
+        }
+        return s;
+    };
+    const size_t n = files.size();
+    const size_t parts = n < 2048 ? 1 : std::min<size_t>(tav::count_hardware_threads(2), 8);
+    if (parts <= 1) return sumRange(0, n);
+    std::mutex m;
+    std::condition_variable cv;
+    size_t pending = parts - 1;
+    uint32_t total = 0;
+    for (size_t k = 1; k < parts; ++k) {
+        const size_t a = n * k / parts, b = n * (k + 1) / parts;
+        tav::XThreadPool::start_global([&, a, b]() {
+            const uint32_t s = sumRange(a, b);
+            std::lock_guard<std::mutex> l(m);
+            total += s;
+            if (--pending == 0) cv.notify_one();
+        });
+    }
+    const uint32_t own = sumRange(0, n / parts);
+    std::unique_lock<std::mutex> l(m);
+    cv.wait(l, [&] { return pending == 0; });
+    return total + own;
+}
+}
+
+TavFind::TavFind() : pController(std::make_unique<ThreadControllerFind>()), alive_(std::make_shared<int>(0)) {}
+
+TavFind::~TavFind() {
+    // A posted completion call must not reach a destroyed object.
+    alive_.reset();
+    pController->setRunning(false);
+    pController->waitDone(-1);
+}
+
+void TavFind::prepareFiles(std::vector<QFileInfo*>& files) {
+    {
+        std::lock_guard<std::mutex> l(mutexIndex);
+        arTextFiles = std::move(files);
+        files.clear();
+    }
+    tav::log(32, "TavFind2::prepareFiles, arTextFiles:$", quint64(arTextFiles.size()));
+    bytesToRead = sumSizes(arTextFiles);
+    tav::log(32, "TavFind2::prepareFiles, bytesToRead:$", tav::format1000(bytesToRead.load()));
+}
+
+bool TavFind::isRunning() const { return pController->isFlag(tav::AbstractThread::RUNNING); }
+
+bool TavFind::waitDone(int ms) { return pController->waitDone(ms); }
+
+void TavFind::start_search() {
+    tav::log(32, "TavFind2::start_search, arTextFiles:$", quint64(arTextFiles.size()));
+    if (pController->isFlag(tav::AbstractThread::RUNNING)) {
+        // A start request during a search stops it; nothing new is started.
+        tav::log(32, "TavFind2::start_search - RUNNING");
+        pController->setRunning(false);
+        return;
+    }
+    tav::log(32, "TavFind2::start_search()");
+    // A stopped search may still be finishing its files; its workers are rebuilt below.
+    pController->waitDone(-1);
+    pController->ini(this);
+    tav::XThreadPool::start_global(pController.get(), false);
+    tav::log(32, "TavFind2::~start_search");
+}
+
+void TavFind::stop_search() {
+    if (pController->isFlag(tav::AbstractThread::RUNNING)) {
+        tav::log(32, "TavFind::stop_search - will stop now");
+        pController->setRunning(false);
+    } else {
+        tav::log(32, "TavFind::stop_search - not running");
+    }
+}
+
+QFileInfo* TavFind::nextFile() {
+    std::lock_guard<std::mutex> l(mutexIndex);
+    const uint32_t i = indexNext.load();
+    if (i < arTextFiles.size()) {
+        indexNext.fetch_add(1);
+        return arTextFiles[i];
+    }
+    return nullptr;
+}
+
+void TavFind::notifyDone() {
+    std::weak_ptr<int> alive = alive_;
+    tav::run_in_gui_thread(
+        [this, alive]() {
+            if (alive.expired()) return;
+            std::lock_guard<std::mutex> l(mutexListeners);
+            listeners.fire();
+        },
+        0);
+}
+
+FileResult TavFind::find(const QFileInfo& file, tav::find::XContentFilter& filter) {
+    filter.seekHome();
+    FileResult result;
+    if (!file.isFile()) tav::log(32, "TavFind::find, IS NOT A FILE <<<$>>>", file);
+    if (file.size() == 0) return result;
+    tav::XLineReaderDA reader;
+    if (!reader.openFile(file.absoluteFilePath(), 0x10000, true)) {
+        tav::log(4, "TavFind::find, problems with <<<$>>>", file.absoluteFilePath());
+        return result;
+    }
+    result.layer = filter.find(0, reader);
+    filter.seekHome();
+    if (result.layer) result.fileInfo = file;
+    return result;
+}
+
+FileResult TavFind::find(const QFileInfo& file, const tav::find::XContentFilter& filter) {
+    tav::find::XContentFilter own(filter);
+    return find(file, own);
+}
+
+std::vector<FileResult> TavFind::find(const std::vector<QFileInfo*>& files, const tav::find::XContentFilter& filter) {
+    tav::find::XContentFilter own(filter);
+    std::vector<FileResult> out;
+    for (QFileInfo* fi : files) {
+        if (!fi) continue;
+        FileResult r = find(*fi, own);
+        if (r.layer) out.push_back(std::move(r));
+    }
+    return out;
+}
+
+uint32_t TavFind::getBytesRead() const {
+    uint64_t sum = 0;
+    for (const FindThread& t : pController->arThreads) sum += t.stats.countBytes.load();
+    return uint32_t(sum);
+}
+
+tav::XFindStats TavFind::workerStats() const {
+    tav::XFindStats s;
+    for (const FindThread& t : pController->arThreads) s.add(t.stats);
+    return s;
+}
+
+const std::vector<FileResult>& TavFind::getResults() const { return pController->arResults; }
+std::vector<FileResult>& TavFind::getResults() { return pController->arResults; }
+size_t TavFind::countResults() const { return pController->arResults.size(); }
+
+uint32_t TavFind::countHits() const {
+    uint32_t n = 0;
+    for (const FileResult& r : pController->arResults) n += uint32_t(r.layer.size());
+    return n;
+}
+
+} // namespace tavFinder

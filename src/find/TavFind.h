@@ -1,0 +1,101 @@
+#pragma once
+// The search object of a main window: searches the contents of a list of files
+// with one controller thread and maxThreads workers and collects a FileResult
+// for every file with at least one hit. Also searches single files at once
+// (the text preview). The listeners run on the GUI thread when a search ends.
+#include "base/core/XEventListener.h"
+#include "base/find/XContentFilter.h"
+#include "base/find/XFindStats.h"
+#include "src/find/FileResult.h"
+
+#include <QFileInfo>
+#include <QString>
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+namespace tavFinder {
+
+class ThreadControllerFind;
+
+// What was asked for; the program leaves both texts empty.
+struct FindRequest {
+    QString sPath;
+    QString sPattern;
+    tav::find::XContentFilter contentFilter;
+};
+
+class TavFind {
+public:
+    using Listener = std::function<void()>;
+
+    TavFind();
+    // Stops a running search and waits for its threads.
+    ~TavFind();
+    TavFind(const TavFind&) = delete;
+    TavFind& operator=(const TavFind&) = delete;
+
+    uint32_t maxThreads = 8;     // workers of the next search (1 ... 64)
+    FindRequest request;
+    uint32_t scope = 1;          // for information; workers use their filter's scope
+    tav::XFindStats stats;       // left untouched by the search
+    // Lines are counted for every file searched; off only to measure what that costs.
+    bool flagCountLines = true;
+
+    tav::find::XContentFilter& contentFilter() { return request.contentFilter; }
+    void setContentFilter(const tav::find::XContentFilter& f) { request.contentFilter = f; }
+
+    // Takes over the list (the given vector is left empty) and sums the sizes.
+    void prepareFiles(std::vector<QFileInfo*>& files);
+    void prepareFiles(std::vector<QFileInfo*>&& files) { prepareFiles(files); }
+    // Starts the search; while one runs, this stops it instead.
+    void start_search();
+    // Asks a running search to stop (the files being searched are finished first).
+    void stop_search();
+    bool isRunning() const;
+    // Blocks until the controller has ended; ms < 0 without limit.
+    bool waitDone(int ms = -1);
+
+    // Synchronous search of one file with the given filter.
+    FileResult find(const QFileInfo& file, tav::find::XContentFilter& filter);
+    FileResult find(const QFileInfo& file, const tav::find::XContentFilter& filter);
+    // The results with hits, in input order.
+    std::vector<FileResult> find(const std::vector<QFileInfo*>& files, const tav::find::XContentFilter& filter);
+
+    // The next file to search (each file goes to exactly one worker), or null.
+    QFileInfo* nextFile();
+
+    // ---- read by the window --------------------------------------------------------
+    size_t countTextFiles() const { return arTextFiles.size(); }
+    uint32_t getBytesToRead() const { return bytesToRead.load(); }
+    uint32_t getBytesRead() const;       // sum of the workers' bytes (wraps like bytesToRead)
+    const std::vector<FileResult>& getResults() const;
+    std::vector<FileResult>& getResults();
+    bool hasResults() const { return countResults() > 0; }
+    size_t countResults() const;
+    uint32_t countHits() const;          // sum of the results' hits
+    // Totals of the workers of the last search.
+    tav::XFindStats workerStats() const;
+
+    int addListener(Listener l) { return listeners.add(std::move(l)); }
+    tav::XEventListener<Listener> listeners;
+    std::mutex mutexListeners;
+
+    std::unique_ptr<ThreadControllerFind> pController;
+    std::mutex mutexIndex;
+    std::atomic<uint32_t> indexNext{0};
+    std::atomic<uint32_t> countActive{0};
+    std::vector<QFileInfo*> arTextFiles;
+    std::atomic<uint32_t> bytesToRead{0};   // 32 bits on purpose: wraps beyond 4 GiB
+
+    // Called by the controller when all workers have ended (posts to the GUI thread).
+    void notifyDone();
+
+private:
+    std::shared_ptr<int> alive_;
+};
+
+} // namespace tavFinder

@@ -1,0 +1,48 @@
+#include "src/find/ThreadControllerFind.h"
+
+#include "base/log/Logger.h"
+#include "src/find/TavFind.h"
+
+namespace tavFinder {
+
+ThreadControllerFind::~ThreadControllerFind() { stopAndWait(); }
+
+void ThreadControllerFind::ini(TavFind* p) {
+    arThreads.clear();   // each worker waits for its body to end; the capacity stays
+    pTavFind = p;
+    {
+        std::lock_guard<std::mutex> l(mutexResults);
+        arResults.clear();
+    }
+    max_thread = p ? p->maxThreads : 0;
+    tav::log(32, "ThreadControllerFind::ini, max_thread:$", max_thread);
+    if (max_thread == 0) return;
+    arThreads.reserve(max_thread);
+    for (uint32_t i = 0; i < max_thread; ++i) arThreads.emplace_back();
+    for (uint32_t i = 0; i < max_thread; ++i) {
+        FindThread& t = arThreads[i];
+        t.pTavFind = p;
+        t.pController = this;
+        t.contentFilter = p->request.contentFilter;
+        t.index = i;
+    }
+}
+
+void ThreadControllerFind::addResult(FileResult&& r) {
+    std::lock_guard<std::mutex> l(mutexResults);
+    arResults.push_back(std::move(r));
+}
+
+void ThreadControllerFind::runCustom() {
+    tav::log(32, "ThreadControllerFind::runCustom");
+    tav::log(32, "ThreadControllerFind::runCustom, arThreads.size():$", quint64(arThreads.size()));
+    if (!X_ASSERT_MSG(pTavFind, "tavFind == NULL")) return;
+    pTavFind->indexNext = 0;
+    pTavFind->countActive = uint32_t(arThreads.size());
+    for (FindThread& t : arThreads) tav::XThreadPool::start_global(&t, false);
+    while (pTavFind->countActive.load() != 0) tav::xSleep(10);
+    tav::log(32, "ThreadControllerFind::~runCustom, file hits:$", quint64(arResults.size()));
+    pTavFind->notifyDone();
+}
+
+} // namespace tavFinder
