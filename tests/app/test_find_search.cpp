@@ -1,0 +1,241 @@
+#include "base/dir/XDirInfo.h"
+#include "common/TestEnv.h"
+#include "src/find/TavFind.h"
+#include "src/find/ThreadControllerFind.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QtTest>
+#include <linux/capability.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+using tavFinder::FileResult;
+using tavFinder::TavFind;
+
+namespace {
+// As root, permission bits do not stop reading; drop the capabilities that
+// bypass them so that an unreadable file is unreadable here too.
+void dropPermissionBypass() {
+    if (::geteuid() != 0) return;
+    __user_cap_header_struct hdr{_LINUX_CAPABILITY_VERSION_3, 0};
+    __user_cap_data_struct data[2] = {};
+    if (syscall(SYS_capget, &hdr, data) != 0) return;
+    for (int cap : {CAP_DAC_OVERRIDE, CAP_DAC_READ_SEARCH}) {
+        data[cap / 32].effective &= ~(1u << (cap % 32));
+        data[cap / 32].permitted &= ~(1u << (cap % 32));
+    }
+    syscall(SYS_capset, &hdr, data);
+}
+
+tav::find::XContentFilter filterFor(const QString& text, bool regEx = false) {
+    tav::find::XContentFilter f;
+    f.createSymbols(text, regEx);
+    return f;
+}
+
+// Runs a whole search and waits for the listener; returns "hits name" lines, sorted.
+QStringList runSearch(TavFind& tf, std::vector<QFileInfo*> files, int* listenerCalls) {
+    tf.prepareFiles(files);
+    tf.start_search();
+    const int before = *listenerCalls;
+    if (!QTest::qWaitFor([&]() { return *listenerCalls > before; }, 20000)) return {QStringLiteral("timeout")};
+    QStringList out;
+    for (const FileResult& r : tf.getResults()) out << QStringLiteral("%1 %2").arg(r.layer.size()).arg(r.fileInfo.fileName());
+    out.sort();
+    return out;
+}
+}
+
+class TestFindSearch : public QObject {
+    Q_OBJECT
+    tftest::TestEnv env;
+
+private slots:
+    void initTestCase() { dropPermissionBypass(); }
+
+    void workersFindTheSameWhateverTheirNumber() {
+        tftest::TestDir d;
+        std::vector<QFileInfo> infos;
+        QStringList expected;
+        for (int i = 0; i < 40; ++i) {
+            QByteArray text = "line without\n";
+            for (int k = 0; k < i % 4; ++k) text += "a Needle here\n";
+            infos.emplace_back(d.file(QStringLiteral("f%1.txt").arg(i, 2, 10, QLatin1Char('0')), text));
+            if (i % 4) expected << QStringLiteral("%1 f%2.txt").arg(i % 4).arg(i, 2, 10, QLatin1Char('0'));
+        }
+        infos.emplace_back(d.file(QStringLiteral("empty.txt")));
+        infos.emplace_back(d.file(QStringLiteral("empty-locked.txt")));
+        infos.emplace_back(d.file(QStringLiteral("locked.txt"), "needle"));
+        infos.emplace_back(d.dir(QStringLiteral("a-folder")));
+        ::chmod(QFile::encodeName(d.abs(QStringLiteral("empty-locked.txt"))).constData(), 0);
+        ::chmod(QFile::encodeName(d.abs(QStringLiteral("locked.txt"))).constData(), 0);
+        const bool permissionsHold = ::access(QFile::encodeName(d.abs(QStringLiteral("locked.txt"))).constData(), R_OK) != 0;
+        std::vector<QFileInfo*> files;
+        for (QFileInfo& fi : infos) files.push_back(&fi);
+        expected.sort();
+
+        TavFind tf;
+        int calls = 0;
+        tf.addListener([&]() { ++calls; });
+        tf.setContentFilter(filterFor(QStringLiteral("needle")));
+        tftest::LogCapture logs;
+        tf.maxThreads = 1;
+        QCOMPARE(runSearch(tf, files, &calls), expected);
+        // One worker takes the files in input order.
+        QStringList order;
+        for (const FileResult& r : tf.getResults()) order << r.fileInfo.fileName();
+        QStringList sorted = order;
+        sorted.sort();
+        QCOMPARE(order, sorted);
+        QVERIFY(logs.containsLine(QStringLiteral("TavFind2::prepareFiles, arTextFiles:44")));
+        QVERIFY(logs.containsLine(QStringLiteral("ThreadControllerFind::ini, max_thread:1")));
+        QVERIFY(logs.contains(QStringLiteral("FindThread::runCustom, IS NOT A FILE <<<") + d.abs(QStringLiteral("a-folder"))));
+        if (permissionsHold) {
+            // The unreadable file is reported; the empty one is counted but never opened.
+            QCOMPARE(logs.linesAtLevel(4).filter(QStringLiteral("FindThread::runCustom, problems with")).size(), 1);
+            QVERIFY(logs.contains(QStringLiteral("problems with <<<") + d.abs(QStringLiteral("locked.txt"))));
+        }
+        const tav::XFindStats st = tf.workerStats();
+        QCOMPARE(st.countFiles.load(), uint64_t(43));   // every regular file, empty ones included
+        QCOMPARE(tf.countResults(), size_t(30));
+        QCOMPARE(tf.countHits(), uint32_t(60));
+        QCOMPARE(tf.getBytesRead(), uint32_t(st.countBytes.load()));
+        QCOMPARE(st.countLines.load(), uint64_t(40 + 60));
+
+        // Eight workers (more than some lists have files) give the same set.
+        tf.maxThreads = 8;
+        std::vector<QFileInfo*> again;
+        for (QFileInfo& fi : infos) again.push_back(&fi);
+        QCOMPARE(runSearch(tf, again, &calls), expected);
+        QCOMPARE(tf.pController->arThreads.size(), size_t(8));
+        QCOMPARE(tf.workerStats().countFiles.load(), uint64_t(43));
+        std::vector<QFileInfo*> three(again.begin(), again.begin() + 3);
+        QCOMPARE(runSearch(tf, three, &calls), (QStringList{"1 f01.txt", "2 f02.txt"}));
+        QCOMPARE(runSearch(tf, {}, &calls), QStringList());
+        QCOMPARE(calls, 4);
+        QVERIFY(!tf.isRunning());
+        ::chmod(QFile::encodeName(d.abs(QStringLiteral("locked.txt"))).constData(), 0644);
+        ::chmod(QFile::encodeName(d.abs(QStringLiteral("empty-locked.txt"))).constData(), 0644);
+    }
+
+    void generatedTreeMatchesItsManifest() {
+        if (QStandardPaths::findExecutable(QStringLiteral("python3")).isEmpty()) QSKIP("python3 missing");
+        tftest::TestDir d;
+        QProcess gen;
+        gen.start(QStringLiteral("python3"), {qEnvironmentVariable("TF_TEST_SOURCE_DIR") + QStringLiteral("/bench/gen_tree.py"), d.path(),
+                                              QStringLiteral("--files"), QStringLiteral("1200"), QStringLiteral("--big-mb"), QStringLiteral("2")});
+        QVERIFY(gen.waitForFinished(120000));
+        QCOMPARE(gen.exitCode(), 0);
+        QFile mf(d.abs(QStringLiteral("manifest.json")));
+        QVERIFY(mf.open(QIODevice::ReadOnly));
+        const QJsonObject m = QJsonDocument::fromJson(mf.readAll()).object();
+
+        tav::XDirInfo scan;
+        scan.flagHiddenFiles = true;
+        scan.scan_dir(d.abs(QStringLiteral("tree")));
+        scan.setup_filtered_files(tav::XFileFilter(), false);
+        const std::vector<QFileInfo*> all = scan.ar_filtered_files;
+        TavFind tf;
+        tf.maxThreads = 3;
+        int calls = 0;
+        tf.addListener([&]() { ++calls; });
+        for (const char* word : {"return", "ZQX_RARE_NEEDLE"}) {
+            tf.setContentFilter(filterFor(QString::fromLatin1(word)));
+            runSearch(tf, all, &calls);
+            QCOMPARE(qint64(tf.countHits()), m.value(QStringLiteral("hits")).toObject().value(QLatin1String(word)).toVariant().toLongLong());
+            QCOMPARE(qint64(tf.countResults()),
+                     m.value(QStringLiteral("hitfiles")).toObject().value(QLatin1String(word)).toVariant().toLongLong());
+        }
+        QCOMPARE(qint64(tf.workerStats().countBytes.load()), m.value(QStringLiteral("bytes")).toVariant().toLongLong());
+        QCOMPARE(qint64(tf.getBytesToRead()), m.value(QStringLiteral("bytes")).toVariant().toLongLong() & 0xffffffff);
+    }
+
+    void stopAndSecondStartEndTheSearch() {
+        tftest::TestDir d;
+        std::vector<QFileInfo> infos;
+        const QByteArray text = QByteArray("hay ").repeated(2000) + "needle\n";
+        for (int i = 0; i < 1500; ++i) infos.emplace_back(d.file(QStringLiteral("f%1.txt").arg(i), text));
+        std::vector<QFileInfo*> files;
+        for (QFileInfo& fi : infos) files.push_back(&fi);
+
+        TavFind tf;
+        tf.maxThreads = 1;
+        tf.setContentFilter(filterFor(QStringLiteral("needle")));
+        int calls = 0;
+        tf.addListener([&]() { ++calls; });
+        tftest::LogCapture logs;
+        tf.stop_search();
+        QVERIFY(logs.containsLine(QStringLiteral("TavFind::stop_search - not running")));
+        std::vector<QFileInfo*> copy = files;
+        tf.prepareFiles(copy);
+        QVERIFY(copy.empty());   // taken over
+        tf.start_search();
+        tf.stop_search();
+        QVERIFY(logs.containsLine(QStringLiteral("TavFind::stop_search - will stop now")));
+        QTRY_COMPARE(calls, 1);   // the listeners still hear of the end
+        QVERIFY(tf.countResults() < files.size());
+
+        // A start while running acts as a stop; nothing new starts.
+        copy = files;
+        tf.prepareFiles(copy);
+        tf.start_search();
+        tf.start_search();
+        QVERIFY(logs.containsLine(QStringLiteral("TavFind2::start_search - RUNNING")));
+        QTRY_COMPARE(calls, 2);
+        QVERIFY(tf.countResults() < files.size());
+        QVERIFY(!tf.isRunning());
+        QCOMPARE(logs.count(QStringLiteral("ThreadControllerFind::~runCustom, file hits:")), 2);
+    }
+
+    void destroyingARunningSearchWaitsAndStaysSilent() {
+        tftest::TestDir d;
+        std::vector<QFileInfo> infos;
+        for (int i = 0; i < 800; ++i) infos.emplace_back(d.file(QStringLiteral("f%1.txt").arg(i), QByteArray("x needle y\n").repeated(300)));
+        std::vector<QFileInfo*> files;
+        for (QFileInfo& fi : infos) files.push_back(&fi);
+        int calls = 0;
+        {
+            TavFind tf;
+            tf.maxThreads = 4;
+            tf.setContentFilter(filterFor(QStringLiteral("needle")));
+            tf.addListener([&]() { ++calls; });
+            tf.prepareFiles(files);
+            tf.start_search();
+        }   // stops and waits for every thread
+        QTest::qWait(100);
+        QCOMPARE(calls, 0);
+    }
+
+    void singleFilesAreSearchedAtOnce() {
+        tftest::TestDir d;
+        const QString hit = d.file(QStringLiteral("hit.txt"), "Alpha beta\nalpha");
+        const QString miss = d.file(QStringLiteral("miss.txt"), "gamma");
+        const QString empty = d.file(QStringLiteral("empty.txt"));
+        TavFind tf;
+        tav::find::XContentFilter f = filterFor(QStringLiteral("alpha"));
+        FileResult r = tf.find(QFileInfo(hit), f);
+        QCOMPARE(r.layer.size(), 2);
+        QCOMPARE(r.fileInfo.absoluteFilePath(), hit);
+        QCOMPARE(r.toString(), QStringLiteral("2"));
+        r = tf.find(QFileInfo(miss), f);
+        QVERIFY(!r.layer && r.fileInfo.filePath().isEmpty());
+        QCOMPARE(r.toString(), QStringLiteral("not-valid"));
+        QVERIFY(!tf.find(QFileInfo(empty), f).layer);
+        tftest::LogCapture logs;
+        QVERIFY(!tf.find(QFileInfo(d.abs(QStringLiteral("gone.txt"))), f).layer);
+        QVERIFY(logs.contains(QStringLiteral("TavFind::find, IS NOT A FILE <<<")));
+        QVERIFY(!tf.find(QFileInfo(d.path()), f).layer);
+        QVERIFY(logs.contains(QStringLiteral("TavFind::find, problems with <<<") + d.path()));
+        // The list variant keeps the input order and drops files without hits.
+        std::vector<QFileInfo> infos{QFileInfo(miss), QFileInfo(hit), QFileInfo(empty), QFileInfo(hit)};
+        std::vector<QFileInfo*> list{&infos[0], &infos[1], nullptr, &infos[2], &infos[3]};
+        const std::vector<FileResult> out = tf.find(list, f);
+        QCOMPARE(out.size(), size_t(2));
+        QCOMPARE(out[0].fileInfo.fileName(), QStringLiteral("hit.txt"));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestFindSearch)
+#include "test_find_search.moc"

@@ -1,0 +1,187 @@
+#include "base/dir/XDirInfo.h"
+#include "base/thread/XThread.h"
+#include "common/TestEnv.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QtTest>
+#include <linux/capability.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace {
+QStringList relNames(const tav::XDirInfo& di, const QString& root) {
+    QStringList out;
+    for (QFileInfo* fi : di.ar_filtered_files) out << fi->absoluteFilePath().mid(root.size() + 1);
+    return out;
+}
+
+// As root, permission bits do not stop reading; drop the capabilities that
+// bypass them (threads started later inherit the reduced set).
+void dropPermissionBypass() {
+    if (::geteuid() != 0) return;
+    __user_cap_header_struct hdr{_LINUX_CAPABILITY_VERSION_3, 0};
+    __user_cap_data_struct data[2] = {};
+    if (syscall(SYS_capget, &hdr, data) != 0) return;
+    for (int cap : {CAP_DAC_OVERRIDE, CAP_DAC_READ_SEARCH}) {
+        data[cap / 32].effective &= ~(1u << (cap % 32));
+        data[cap / 32].permitted &= ~(1u << (cap % 32));
+    }
+    syscall(SYS_capset, &hdr, data);
+}
+
+QString genTree() { return qEnvironmentVariable("TF_TEST_SOURCE_DIR") + QStringLiteral("/bench/gen_tree.py"); }
+}
+
+class TestDirScan : public QObject {
+    Q_OBJECT
+    tftest::TestEnv env;
+
+private slots:
+    void initTestCase() { dropPermissionBypass(); }
+
+    void walksWithoutLinksSpecialFilesOrHiddenEntries() {
+        tftest::TestDir d;
+        d.file(QStringLiteral("a.txt"), "1");
+        d.file(QStringLiteral("sub/b.cpp"), "22");
+        d.file(QStringLiteral("sub/deeper/c.txt"), "333");
+        d.file(QStringLiteral(".hidden.txt"), "4444");
+        d.file(QStringLiteral(".hiddir/d.txt"), "55555");
+        d.file(QStringLiteral("node_modules/pkg/e.txt"), "666666");
+        d.file(QStringLiteral("sub/node_modules.txt"), "7777777");   // a file of that name is excluded too
+        QVERIFY(QFile::link(d.abs(QStringLiteral("sub")), d.abs(QStringLiteral("sub/deeper/loop"))));   // loop
+        QVERIFY(QFile::link(d.abs(QStringLiteral("a.txt")), d.abs(QStringLiteral("link.txt"))));
+        QCOMPARE(::mkfifo(QFile::encodeName(d.abs(QStringLiteral("pipe.txt"))).constData(), 0600), 0);
+
+        tav::XDirInfo di;
+        QVERIFY(di.scan_dir(d.path()));
+        di.setup_filtered_files(tav::XFileFilter(), true);
+        QCOMPARE(relNames(di, d.path()), (QStringList{"a.txt", "node_modules/pkg/e.txt", "sub/b.cpp", "sub/deeper/c.txt",
+                                                      "sub/node_modules.txt"}));
+        QCOMPARE(di.countFiles.load(), 5u);
+        QCOMPARE(di.countDirs.load(), 5u);   // the folder itself, sub, deeper, node_modules, pkg
+        QCOMPARE(di.countBytes.load(), 0u);   // nothing needed a stat
+
+        // Hidden entries with the switch; excluded names prune whole folders.
+        tav::XFileFilter f;
+        f.setPattern(QStringLiteral("node_modules*"), true);
+        di.flagHiddenFiles = true;
+        QVERIFY(di.scan_dir(d.path(), &f));
+        const tav::XFindStats st = di.setup_filtered_files(f, true);
+        QCOMPARE(relNames(di, d.path()), (QStringList{".hidden.txt", ".hiddir/d.txt", "a.txt", "sub/b.cpp", "sub/deeper/c.txt"}));
+        QCOMPARE(di.countDirs.load(), 4u);
+        QCOMPARE(st.countFiles.load(), 6u);   // node_modules.txt was seen, then filtered
+        QCOMPARE(st.countMatch.load(), 5u);
+        QCOMPARE(di.get_view_filtered_files().size(), size_t(5));
+        QVERIFY(di.get_view_filtered_files().toString().startsWith(QStringLiteral("[5] {0x")));
+
+        // A size bound makes the scan stat what it needs.
+        f.sizeArea = tav::XFileFilter::GREATER_EQUAL;
+        f.size1 = 2;
+        QVERIFY(di.scan_dir(d.path(), &f));
+        QCOMPARE(di.countBytes.load(), 1u + 2 + 3 + 4 + 5 + 7);
+        di.setup_filtered_files(f, true);
+        QCOMPARE(relNames(di, d.path()), (QStringList{".hidden.txt", ".hiddir/d.txt", "sub/b.cpp", "sub/deeper/c.txt"}));
+
+        // A copy owns its list; the original's pointers stay where they were.
+        const tav::XDirInfo copy(di);
+        QCOMPARE(relNames(copy, d.path()), relNames(di, d.path()));
+        QVERIFY(copy.ar_filtered_files.front() != di.ar_filtered_files.front());
+        // The pointers of the previous list survive one more setup (a search may still use them).
+        QFileInfo* old = di.ar_filtered_files.front();
+        di.setup_filtered_files(tav::XFileFilter(), true);
+        QCOMPARE(old->fileName(), QStringLiteral(".hidden.txt"));
+
+        // One folder, flat: folders first.
+        const auto flat = tav::XDirInfo::get_flat_directory_info(d.path(), false);
+        QStringList names;
+        for (const QFileInfo& fi : flat) names << fi.fileName();
+        QCOMPARE(names.mid(0, 2), (QStringList{"node_modules", "sub"}));
+        QVERIFY(names.contains(QStringLiteral("a.txt")) && !names.contains(QStringLiteral(".hidden.txt")));
+
+        QVERIFY(!di.scan_dir(d.abs(QStringLiteral("missing"))));
+        QCOMPARE(di.countFiles.load(), 0u);
+    }
+
+    void unreadableFolderIsLoggedAndSkipped() {
+        tftest::TestDir d;
+        d.file(QStringLiteral("ok/a.txt"), "a");
+        d.file(QStringLiteral("locked/b.txt"), "b");
+        const QByteArray locked = QFile::encodeName(d.abs(QStringLiteral("locked")));
+        QCOMPARE(::chmod(locked.constData(), 0), 0);
+        tftest::LogCapture logs;
+        tav::XDirInfo di;
+        const bool ok = di.scan_dir(d.path());
+        ::chmod(locked.constData(), 0755);
+        if (::access(locked.constData(), R_OK) == 0 && ::geteuid() == 0 && di.countFiles.load() == 2)
+            QSKIP("permissions are not enforced for this process");
+        QVERIFY(ok);   // the folder itself was read
+        QCOMPARE(di.countFiles.load(), 1u);
+        QCOMPARE(logs.linesAtLevel(32).filter(QStringLiteral("XDirInfo::scan_dir, cannot read")).size(), 1);
+    }
+
+    void stopFlagEndsAScanAndIsClearedByTheNext() {
+        tftest::TestDir d;
+        for (int i = 0; i < 3000; ++i) d.file(QStringLiteral("d%1/f.txt").arg(i), "x");
+        tav::XDirInfo di;
+        di.flagStop = true;   // left over from an earlier cancel
+        QVERIFY(di.scan_dir(d.path()));
+        QCOMPARE(di.countFiles.load(), 3000u);
+
+        // Stop as soon as the counters move; a busy machine may finish first, so try a few times.
+        int stopped = 0;
+        for (int attempt = 0; attempt < 20 && stopped == 0; ++attempt) {
+            std::atomic<bool> result{true};
+            std::atomic<bool> finished{false};
+            di.clear();   // counters back to 0, so their first move shows the scan has begun
+            tav::XThreadPool::start_global([&]() {
+                result = di.scan_dir(d.path());
+                finished = true;
+            });
+            while (di.countFiles.load() == 0 && !finished) QThread::yieldCurrentThread();
+            di.flagStop = true;
+            QTRY_VERIFY(finished.load());
+            if (!result.load()) {
+                ++stopped;
+                QVERIFY(di.countFiles.load() < 3000u);
+            }
+        }
+        QVERIFY(stopped > 0);
+    }
+
+    void generatedTreeMatchesItsManifest() {
+        if (QStandardPaths::findExecutable(QStringLiteral("python3")).isEmpty()) QSKIP("python3 missing");
+        tftest::TestDir d;
+        QProcess gen;
+        gen.start(QStringLiteral("python3"), {genTree(), d.path(), QStringLiteral("--files"), QStringLiteral("1500"),
+                                              QStringLiteral("--big-mb"), QStringLiteral("1")});
+        QVERIFY(gen.waitForFinished(120000));
+        QCOMPARE(gen.exitCode(), 0);
+        QFile mf(d.abs(QStringLiteral("manifest.json")));
+        QVERIFY(mf.open(QIODevice::ReadOnly));
+        const QJsonObject m = QJsonDocument::fromJson(mf.readAll()).object();
+
+        tav::XDirInfo di;
+        di.flagHiddenFiles = true;
+        di.flagStatFiles = true;
+        QVERIFY(di.scan_dir(d.abs(QStringLiteral("tree"))));   // has a symbolic link loop
+        QCOMPARE(qint64(di.countFiles.load()), m.value(QStringLiteral("files")).toVariant().toLongLong());
+        QCOMPARE(qint64(di.countDirs.load()), m.value(QStringLiteral("dirs")).toVariant().toLongLong());
+        QCOMPARE(qint64(di.countBytes.load()), m.value(QStringLiteral("bytes")).toVariant().toLongLong());
+
+        tav::XFileFilter text;
+        for (const char* e : {"txt", "cpp", "h", "md", "log", "py", "json", "csv"}) text.textFileExtensions.insert(QString::fromLatin1(e));
+        QCOMPARE(qint64(di.setup_filtered_files(text, false).countMatch.load()), m.value(QStringLiteral("text_files")).toVariant().toLongLong());
+        tav::XFileFilter big;
+        big.sizeArea = tav::XFileFilter::GREATER_EQUAL;
+        big.size1 = 10241;
+        QCOMPARE(qint64(di.setup_filtered_files(big, false).countMatch.load()), m.value(QStringLiteral("size_gt_10k")).toVariant().toLongLong());
+        tav::XFileFilter bin;
+        bin.setPattern(QStringLiteral("*.bin,*.png,*.o"), false);
+        QCOMPARE(qint64(di.setup_filtered_files(bin, false).countMatch.load()), m.value(QStringLiteral("bin_files")).toVariant().toLongLong());
+    }
+};
+
+QTEST_GUILESS_MAIN(TestDirScan)
+#include "test_dir_scan.moc"
