@@ -16,6 +16,7 @@
 #include "src/dir/XContainerPreviews.h"
 #include "src/gui/NavigationBar.h"
 #include "src/gui/PanelResults.h"
+#include "src/gui/WinProperties.h"
 #include "src/gui/WinTray.h"
 #include "src/gui/config/ConfigTavFinder.h"
 
@@ -302,6 +303,11 @@ void WinFinder::open_stand_alone_preview(const QFileInfo& fi) {
     log(32, "WinFinder::open_stand_alone_preview, * <<<$>>>, fResult:$", fi, false);
     if (!fi.isFile()) return;
     // The details window opens here once it exists.
+}
+
+void WinFinder::open_properties(const QFileInfo& fi) {
+    log(32, "WinFinder::open_properties, <<<$>>>", fi);
+    WinProperties::open_window(fi);
 }
 
 namespace {

@@ -71,6 +71,8 @@ public:
     void on_open_new_win_here(const QFileInfo& fi);
     static WinFinder* new_win(const QString& path);
     void open_stand_alone_preview(const QFileInfo& fi);
+    // The properties window of a file (nothing for a folder).
+    void open_properties(const QFileInfo& fi);
     void key_cycle_previews(QWidget* widget);
     void select_preview(QWidget* widget, const QString& previewType);
     void update_tree_color();
