@@ -5,9 +5,14 @@
 #include "gui/kernel/XRuntime.h"
 #include "src/gui/WinProperties.h"
 
+#include <QDir>
 #include <QGuiApplication>
 
 namespace {
+
+// main() changes into the program's folder; relative paths mean the caller's folder.
+const QString kStartDir = QDir::currentPath();
+
 int winProperties(tav::KernelGUI& kernel) {
     tav::CommandLine& cl = kernel.commandLine();
     cl.addMustHaveKeys(QStringLiteral("file"));
@@ -16,7 +21,7 @@ int winProperties(tav::KernelGUI& kernel) {
         cl.showExample(QStringLiteral("--file /data/myData/hello.jpg [--find Vector3]"));
         return 6;
     }
-    const QFileInfo fi(cl.getStringExt(QStringLiteral("file")));
+    const QFileInfo fi(QDir(kStartDir), cl.getStringExt(QStringLiteral("file")));
     if (!fi.isFile()) {
         tav::log(4, "file <<<$>>> does not exist", fi);
         return 1;

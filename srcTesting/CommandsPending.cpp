@@ -9,9 +9,9 @@ const bool kPending = [] {
     const char* names[] = {
         "apps.run", "xtree.writeReadTree2", "apps.edit", "prog", "dia.config", "dia.showFirstMessage",
         "dia.editHist", "result_full_Window", "filterProxy", "qtreeViewDirs", "result_scan_Window",
-        "testThumbs", "winLang", "winView", "stat", "dialogs.selectFile.pluginTest",
+        "testThumbs", "winLang", "winView", "dialogs.selectFile.pluginTest",
         "dia.selFile", "misc.dir_preview_simple", "preview.ascii", "preview.dir",
-        "preview.hex", "preview.stats",
+        "preview.hex",
     };
     for (const char* n : names) tav::registerPendingCommand(QString::fromLatin1(n), QString());
     return true;

@@ -1,0 +1,41 @@
+// Developer command: the statistics preview on one file.
+#include "base/kernel/CommandLine.h"
+#include "base/log/Logger.h"
+#include "gui/kernel/KernelGUI.h"
+#include "gui/kernel/XRuntime.h"
+#include "gui/window/XTestWindow.h"
+#include "src/gui/stats/Stats.h"
+
+#include <QDir>
+#include <QGuiApplication>
+#include <memory>
+
+namespace {
+
+const QString kStartDir = QDir::currentPath();
+
+int previewStats(tav::KernelGUI& kernel) {
+    tav::CommandLine& cl = kernel.commandLine();
+    cl.addMustHaveKeys(QStringLiteral("file"));
+    if (!cl.checkKeys()) {
+        cl.showExample(QStringLiteral("--file /tmp/bla.txt"));
+        return 6;
+    }
+    const QFileInfo fi(QDir(kStartDir), cl.getStringExt(QStringLiteral("file")));
+    if (!fi.isFile()) {
+        tav::log(4, "file '$' does not exist", fi);
+        return 1;
+    }
+    tav::Logger::setLogLevelSimple(5);
+    QGuiApplication::setQuitOnLastWindowClosed(true);
+    auto stats = std::make_unique<tavFinder::Stats>();
+    stats->ini();
+    stats->open_file(fi);
+    tav::XTestWindow::setTestingStandard(stats->widget_preview(), QStringLiteral("Stats"), 1000, 700);
+    const int rc = kernel.exec();
+    return rc;
+}
+
+const tav::TestGuiContextAdder kPreviewStats(&previewStats, QStringLiteral("preview.stats"), QString());
+
+} // namespace
