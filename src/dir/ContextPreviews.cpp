@@ -1,54 +1,198 @@
 #include "src/dir/ContextPreviews.h"
 
 #include "base/log/Logger.h"
+#include "base/text/FileType.h"
+#include "gui/previews/PreviewAscii.h"
+#include "gui/previews/PreviewHex.h"
+#include "gui/previews/XMimeType.h"
 #include "gui/tools/XTools.h"
+#include "gui/widgets/XComboBox.h"
+#include "src/dir/AbstractPreviewDir.h"
 #include "src/dir/XContainerPreviews.h"
 #include "src/gui/WinFinder.h"
+#include "src/gui/config/ConfigTavFinder.h"
+
+#include <algorithm>
 
 namespace tavFinder {
 
 using tav::log;
 
-ContextPreviews::ContextPreviews(const QString& name) : tav::NameAble(name) {}
-ContextPreviews::~ContextPreviews() = default;
+namespace {
+tav::Preview* gCurrent = nullptr;
+}
 
-void ContextPreviews::ini(QWidget* sourceWidget, XContainerPreviews* container) {
-    X_ASSERT_MSG(container, "c == NULL");
+ContextPreviews::ContextPreviews(const QString& name) : tav::NameAble(name) {
+    for (const char* e : {"txt", "c", "cc", "cs", "hxx", "h", "cpp", "hpp", "css", "qml", "cmake", "md", "cfg", "ini",
+                          "bat", "cmd", "sh", "ses", "mes", "sln", "java", "kt", "py", "pro", "properties", "stl",
+                          "bdf", "nas", "pc", "md", "gradle", "js", "bas", "vb", "def"})
+        sourceTextExtensions_.insert(QString::fromLatin1(e));
+}
+
+ContextPreviews::~ContextPreviews() {
+    if (containerGuard_ && copyListenerId_ >= 0) containerGuard_->copyToSearch().listeners().remove(copyListenerId_);
+}
+
+void ContextPreviews::ini(QWidget* sourceWidget, XContainerPreviews* c) {
+    X_ASSERT_MSG(c, "c == NULL");
     X_ASSERT_MSG(sourceWidget, "widget == NULL");
     sourceWidget_ = sourceWidget;
-    container_ = container;
+    container_ = c;
+    containerGuard_ = c;
+    if (!c) return;
+    copyListenerId_ = c->copyToSearch().addListener([this](const QString& text) {
+        log(32, "ContextPreviews::ini, context menu, SEL CHANGED :'$'", text);
+        if (!sourceWidget_) return;
+        auto* win = qobject_cast<WinFinder*>(sourceWidget_->window());
+        if (win && win->comboContent()) win->comboContent()->setEditText(text);
+    });
+}
+
+tav::Preview* ContextPreviews::currentPreview() {
+    if (!gCurrent) log(32, "ContextPreviews::currentPreview - NULLPTR");
+    return gCurrent;
+}
+
+void ContextPreviews::forgetPreview(tav::Preview* p) {
+    if (p && gCurrent == p) gCurrent = nullptr;
+}
+
+void ContextPreviews::prepare(tav::Preview* p) {
+    if (!p) return;
+    if (container_) container_->cancelVisibleLoading();
+    p->set_font(tav::XTools::getMonoFont(cfg().fontSize));
+    if (auto* asc = dynamic_cast<tav::PreviewAscii*>(p)) {
+        asc->set_ruler(cfg().flagRuler);
+        asc->set_auto_wrap(cfg().flagAutoWrap);
+        asc->set_line_info_pos(tav::LINE_INFO_POS(std::clamp(cfg().li_pos, 0, 2)));
+    }
+}
+
+bool ContextPreviews::openIn(tav::Preview* p) {
+    if (container_) container_->eventPreviewAppears().fire(p);
+    return p->open_file(fiCurrent_);
 }
 
 void ContextPreviews::select_file(const QFileInfo& fi) {
-    if (tav::XTools::is_modifier_control() && sourceWidget_) {
+    // 1: with Ctrl the file is dragged out of the source widget instead.
+    if (tav::XTools::is_modifier_control()) {
         log(32, "ContextPreviews::select_file, fi '$'", fi);
         tav::XTools::drop_file(sourceWidget_, fi);
         tav::XTools::set_modifier(0);
         return;
     }
+    // 2
     candidates_.clear();
     fiCurrent_ = fi;
     if (container_) WinFinder::show_status_for(container_, fi);
     log(32, "ContextPreviews::select_file '$'", fi);
-    if (container_) container_->showInfoPage(fi);
+    if (!container_) return;
+
+    tav::Preview* chosen = nullptr;
+    // 3
+    if (fi.isDir()) {
+        chosen = container_->previewDirectory();
+        if (!chosen) return;
+    }
+    // 4
+    if (gCurrent) gCurrent->close_preview();
+    // 5
+    if (!fi.isDir()) {
+        const QString ext = tav::getFileExtension(fi.fileName(), true);
+        chosen = container_->previewByExtension(ext);
+        if (!chosen) {
+            chosen = container_->hexPreview();
+            if (auto* hex = dynamic_cast<tav::PreviewHex*>(chosen)) hex->set_font_size(cfg().fontSizeHexView);
+            if (tav::is_text_file(fi)) {
+                log(32, "ContextPreviews::select_file - IS TEXT FILE !");
+                if (tav::Preview* t = container_->textPreview()) chosen = t;
+            }
+        }
+        // 6
+        const bool image = !ext.isEmpty() && tav::XMimeType::fromFile(fi).isQtImage();
+        const bool sourceText = sourceTextExtensions_.count(ext) > 0;
+        for (tav::Preview* p : container_->distinctPreviews()) {
+            bool take;
+            if (ext.isEmpty()) take = dynamic_cast<tav::PreviewHex*>(p) || dynamic_cast<tav::PreviewAscii*>(p);
+            else if (image) take = p->is_image() || p == container_->hexPreview();
+            else take = !p->is_image() && !(sourceText && p->is_xml());
+            if (take) candidates_.push_back(p);
+        }
+        if (!chosen) {
+            log(4, "ContextPreviews@$::select_file, no preview for <<<$>>>", getName(), fi);
+            return;
+        }
+        // 7, 8
+        log(32, "ContextPreviews::select_file, preview '$'", chosen->name());
+        auto it = std::find(candidates_.begin(), candidates_.end(), chosen);
+        if (it != candidates_.end()) index_ = int(it - candidates_.begin());
+    }
+    // 9
+    prepare(chosen);
+    // 10
+    if (tav::XTools::is_modifier_shift() && (chosen->is_hex() || chosen->is_xml())) {
+        if (tav::Preview* t = container_->textPreview()) {
+            chosen = t;
+            prepare(chosen);
+        }
+    }
+    // 11: the result is not looked at; the preview shows what it could.
+    openIn(chosen);
+    gCurrent = chosen;
+    container_->showPreview(chosen);
+    chosen->post_first_time_visibilty_action();
 }
 
 void ContextPreviews::cycle_previews() {
-    if (fiCurrent_.isDir()) {
-        log(32, "ContextPreviews@$::cycle_previews, [$]", getName(), fiCurrent_);
-        return;
-    }
-    if (!fiCurrent_.exists()) {
-        log(32, "ContextPreviews@$::cycle_previews, <<<$>>> 404", getName(), fiCurrent_);
-        return;
+    // Every candidate gets one chance: a file no preview can open (not even as
+    // bytes, e.g. without read permission) must not loop for ever.
+    const size_t rounds = candidates_.size();
+    for (size_t round = 0; round < std::max<size_t>(rounds, 1); ++round) {
+        if (fiCurrent_.isDir()) {
+            log(32, "ContextPreviews@$::cycle_previews, [$]", getName(), fiCurrent_);
+            return;
+        }
+        if (!QFileInfo::exists(fiCurrent_.absoluteFilePath())) {
+            log(32, "ContextPreviews@$::cycle_previews, <<<$>>> 404", getName(), fiCurrent_);
+            return;
+        }
+        if (index_ == -1 || candidates_.empty() || !container_) return;
+        ++index_;
+        if (index_ >= int(candidates_.size())) index_ = 0;
+        tav::Preview* p = candidates_[size_t(index_)];
+        log(32, "ContextPreviews@$::cycle_previews, <<<$>>>", getName(), fiCurrent_);
+        log(32, "ContextPreviews@$::cycle_previews, preview '$'", getName(), p->type());
+        prepare(p);
+        if (openIn(p)) {
+            container_->showPreview(p);
+            return;
+        }
+        log(32, "ContextPreviews::cycle_previews - PROBLEMS LOADING file");
     }
 }
 
-void ContextPreviews::set_preview(const QString& type) { log(32, "ContextPreviews::set_preview, name '$'", type); }
-
-tav::Preview* ContextPreviews::currentPreview() {
-    log(32, "ContextPreviews::currentPreview - NULLPTR");
-    return nullptr;
+void ContextPreviews::set_preview(const QString& type) {
+    log(32, "ContextPreviews::set_preview, name '$'", type);
+    if (fiCurrent_.isDir()) {
+        log(32, "ContextPreviews@$::set_preview, [$]", getName(), fiCurrent_);
+        return;
+    }
+    if (!QFileInfo::exists(fiCurrent_.absoluteFilePath())) {
+        log(32, "ContextPreviews@$::set_preview, <<<$>>> 404", getName(), fiCurrent_);
+        return;
+    }
+    auto it = std::find_if(candidates_.begin(), candidates_.end(), [&type](tav::Preview* p) { return p->type() == type; });
+    if (it == candidates_.end() || !container_) return;
+    tav::Preview* p = *it;
+    log(32, "ContextPreviews@$::set_preview, <<<$>>>", getName(), fiCurrent_);
+    log(32, "ContextPreviews@$::set_preview, preview '$'", getName(), p->type());
+    prepare(p);
+    if (openIn(p)) {
+        container_->showPreview(p);
+        return;
+    }
+    log(32, "ContextPreviews::set_preview - PROBLEMS LOADING file");
+    cycle_previews();
 }
 
 } // namespace tavFinder

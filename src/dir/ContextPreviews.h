@@ -1,9 +1,12 @@
 #pragma once
-// Binds a source widget (the tree, a result table) to a preview container:
-// what is selected there is shown in the container.
+// Binds a source widget (the tree, a result table, a folder table) to a preview
+// container: what is selected there is shown in the container by the preview
+// that suits it; the others that could show it are kept for cycling and for
+// choosing by name.
 #include "base/core/XProp.h"
 
 #include <QFileInfo>
+#include <QPointer>
 #include <set>
 #include <vector>
 
@@ -26,20 +29,33 @@ public:
     void select_file(const QFileInfo& fi);
     void cycle_previews();
     void set_preview(const QString& type);
+    // The preview last made visible by any context's select_file.
     static tav::Preview* currentPreview();
+    // Called when a preview is deleted: it is no longer the current one.
+    static void forgetPreview(tav::Preview* p);
     bool ownsWidget(const QWidget* w) const { return w && w == sourceWidget_; }
 
     const QFileInfo& currentFile() const { return fiCurrent_; }
     XContainerPreviews* container() const { return container_; }
     QWidget* sourceWidget() const { return sourceWidget_; }
+    const std::vector<tav::Preview*>& candidates() const { return candidates_; }
+    int currentIndex() const { return index_; }
+    const std::set<QString>& sourceTextExtensions() const { return sourceTextExtensions_; }
 
 private:
+    // Font and text options before a preview opens the file.
+    void prepare(tav::Preview* p);
+    // Tells the container's appear listeners and opens the current file.
+    bool openIn(tav::Preview* p);
+
     QFileInfo fiCurrent_;
     std::set<QString> sourceTextExtensions_;
     std::vector<tav::Preview*> candidates_;
     int index_ = -1;
     XContainerPreviews* container_ = nullptr;
     QWidget* sourceWidget_ = nullptr;
+    QPointer<XContainerPreviews> containerGuard_;
+    int copyListenerId_ = -1;
 };
 
 } // namespace tavFinder

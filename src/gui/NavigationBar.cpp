@@ -4,6 +4,7 @@
 #include "gui/tools/XTools.h"
 
 #include <QLineEdit>
+#include <QPointer>
 #include <QToolButton>
 
 namespace tavFinder {
@@ -56,6 +57,16 @@ WinFinder::NavigationBar::NavigationBar(WinFinder* win, QWidget* parent)
     connect(thumbs_, &QToolButton::toggled, this, [this](bool on) {
         thumbSize_->setVisible(on);
         win_->viewFlags().set_flags(on ? 2 : 0);
+    });
+    // Ctrl+1 and Ctrl+2 change the view flags too: the button follows them.
+    QPointer<QToolButton> button(thumbs_);
+    QPointer<tav::XPanel> sizes(thumbSize_);
+    win_->viewFlags().addListener([button, sizes](uint32_t bits) {
+        if (!button || !sizes) return;
+        const bool on = bits & 2;
+        const QSignalBlocker block(button);
+        button->setChecked(on);
+        sizes->setVisible(on);
     });
 }
 

@@ -12,7 +12,10 @@
 #include "gui/tools/XTools.h"
 #include "gui/widgets/XBox.h"
 #include "gui/widgets/XTreeViewFiles.h"
+#include "gui/previews/PreviewAscii.h"
+#include "gui/previews/PreviewHex.h"
 #include "src/dir/ContextPreviews.h"
+#include "src/dir/PreviewDir.h"
 #include "src/dir/XContainerPreviews.h"
 #include "src/gui/NavigationBar.h"
 #include "src/gui/PanelResults.h"
@@ -21,6 +24,7 @@
 #include "src/gui/config/ConfigTavFinder.h"
 
 #include <QAction>
+#include <algorithm>
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
@@ -85,6 +89,7 @@ void WinFinder::setUp(const QString& selectPath) {
     stacked_ = new tav::XPanelStacked(splitter_, QStringLiteral("stacked"));
     container_preview_ = new XContainerPreviews(stacked_);
     container_preview_->setObjectName(QStringLiteral("container_preview"));
+    container_preview_->addStandardPreviews();
     findResults_ = new PanelResults(stacked_);
     findResults_->setObjectName(QStringLiteral("findResults"));
     stacked_->addPanel(container_preview_);
@@ -135,8 +140,31 @@ void WinFinder::setUp(const QString& selectPath) {
     if (cfg().flagUseFilter) treeView_->setFolderFilter(cfg().filter);
     treeView_->setDirsOnly(cfg().flagTreeDirOnly);
 
-    // 7: the directory preview arrives with the previews
-    X_ASSERT_MSG(container_preview_->previewDirectory(), "previewDir == NULL");
+    // 7
+    AbstractPreviewDir* previewDir = container_preview_->previewDirectory();
+    if (X_ASSERT_MSG(previewDir, "previewDir == NULL")) {
+        previewDir->eventContextMenu().add([this, previewDir](const QFileInfo& fi) { on_contextMenu_rightSide(fi, previewDir); });
+        previewDir->eventFileActivated().add([this](const QFileInfo& fi) {
+            log(32, "WinFinder::setUp, doubleClick:$", fi);
+            if (fi.isDir()) treeView_->selectFile(fi.absoluteFilePath(), true);
+            else open_stand_alone_preview(fi);
+        });
+        previewDir->eventFileSelected().add([](const QFileInfo&) {});
+        previewDir->eventHover().add([](const QFileInfo&) {});
+        previewDir->set_show_hidden(nWin && nWin->isBool(QStringLiteral("flagHiddenFiles"), false));
+        // Ctrl+1 / Ctrl+2 and the thumbnail button set the view flags: 2 thumbnails, 0 table.
+        viewFlags_.addListener([previewDir](uint32_t bits) {
+            if (auto* pd = dynamic_cast<PreviewDir*>(previewDir)) pd->on_active_win_view((bits & 2) ? PreviewDir::VIEW_THUMB : PreviewDir::VIEW_TABLE);
+        });
+    }
+
+    // 8
+    container_preview_->eventPreviewAppears().add([this](tav::Preview* p) { eventPreviewAppears_.fire(p); });
+    eventPreviewAppears_.add([this](tav::Preview* p) {
+        if (!p) return;
+        log(32, "WinFinder::setUp, will appear:$", p->name());
+        apply_preview_settings(p);
+    });
 
     // 9
     if (nTree) treeView_->restoreStates(nTree);
@@ -187,6 +215,17 @@ void WinFinder::setUp(const QString& selectPath) {
     // 17
     setUp_shift_control();
     on_hist_state_change();
+}
+
+void WinFinder::apply_preview_settings(tav::Preview* p) {
+    if (auto* asc = dynamic_cast<tav::PreviewAscii*>(p)) {
+        asc->set_font(tav::XTools::getMonoFont(cfg().fontSize));
+        asc->set_auto_wrap(cfg().flagAutoWrap);
+        asc->set_ruler(cfg().flagRuler);
+        asc->set_line_info_pos(tav::LINE_INFO_POS(std::clamp(cfg().li_pos, 0, 2)));
+    } else if (auto* hex = dynamic_cast<tav::PreviewHex*>(p)) {
+        hex->set_font_size(cfg().fontSizeHexView);
+    }
 }
 
 void WinFinder::setup_window_appear_first_time(int64_t mc) {
@@ -267,6 +306,9 @@ void WinFinder::on_hidden_files(bool flag) {
     if (nWin) nWin->setBool(QStringLiteral("flagHiddenFiles"), flag);
     if (before == flag) return;
     container_preview_->setShowHidden(flag);
+    if (AbstractPreviewDir* d = container_preview_->existingPreviewDirectory()) {
+        if (!d->file_info().filePath().isEmpty()) d->refresh();
+    }
     treeView_->setHiddenFiles(flag);
     treeView_->invalidateModel();
 }

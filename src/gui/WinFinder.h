@@ -74,6 +74,11 @@ public:
     // The properties window of a file (nothing for a folder).
     void open_properties(const QFileInfo& fi);
     void key_cycle_previews(QWidget* widget);
+    // Font, wrap, ruler and line information of a text preview, font size of a
+    // hex preview, as configured.
+    void apply_preview_settings(tav::Preview* p);
+    // A preview is about to appear in this window's main container.
+    tav::XEventListener<std::function<void(tav::Preview*)>>& eventPreviewAppears() { return eventPreviewAppears_; }
     void select_preview(QWidget* widget, const QString& previewType);
     void update_tree_color();
     // The text shown in the tooltip of a hovered tree entry.
@@ -174,6 +179,7 @@ private:
     QColor colorTreeAtRoot_;
     QColor colorTreeBelowRoot_;
     QColor colorTreeCurrent_;
+    tav::XEventListener<std::function<void(tav::Preview*)>> eventPreviewAppears_;
     History history_;
     bool flagAddToHistory = true;
 

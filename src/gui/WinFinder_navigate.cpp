@@ -5,7 +5,10 @@
 #include "gui/widgets/XMenu.h"
 #include "gui/widgets/XTreeViewFiles.h"
 #include "src/dir/ContextPreviews.h"
+#include "gui/previews/Preview.h"
+#include "src/dir/PreviewDir.h"
 #include "src/dir/XContainerPreviews.h"
+#include "src/gui/PanelThumbs.h"
 #include "src/gui/NavigationBar.h"
 #include "src/gui/WinFinder.h"
 
@@ -53,8 +56,10 @@ void WinFinder::on_navi_parent() {
 
 void WinFinder::on_refresh() {
     log(16, "WinFinder::on_refresh");
-    // Reloading the current preview arrives with the previews.
-    if (!ContextPreviews::currentPreview()) return;
+    tav::Preview* p = ContextPreviews::currentPreview();
+    if (!p) return;
+    log(32, "WinFinder::on_refresh, prevCurr@$", p->name());
+    p->refresh();
 }
 
 void WinFinder::on_key_return() {
@@ -75,10 +80,15 @@ unsigned WinFinder::thumb_size_step(unsigned current, bool bigger) {
     return current;
 }
 
-void WinFinder::on_thumb_size(bool) {
-    // Sizes step with thumb_size_step on the thumbnail view of the current
-    // directory preview; without that view there is nothing to size.
-    if (!container_preview_ || !container_preview_->previewDirectory()) return;
+void WinFinder::on_thumb_size(bool bigger) {
+    auto* dir = container_preview_ ? dynamic_cast<PreviewDir*>(container_preview_->existingPreviewDirectory()) : nullptr;
+    PanelThumbs* thumbs = dir ? dir->thumbPanel() : nullptr;
+    if (!thumbs) return;
+    const unsigned sz = thumbs->thumbSize();
+    log(32, "WinFinder_navigate::on_thumb_size, flagBigger:$, sz:$", bigger, sz);
+    const unsigned now = thumb_size_step(sz, bigger);
+    log(32, "WinFinder_navigate::on_thumb_size, sz now:$", now);
+    thumbs->set_thumb_size(now);
 }
 
 void WinFinder::on_hist_state_change() {

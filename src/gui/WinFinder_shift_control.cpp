@@ -5,7 +5,10 @@
 #include "gui/panel/XPanelStacked.h"
 #include "gui/tools/XTools.h"
 #include "gui/widgets/XTreeViewFiles.h"
+#include "gui/previews/PreviewHex.h"
+#include "src/dir/PreviewDir.h"
 #include "src/dir/XContainerPreviews.h"
+#include "src/gui/config/ConfigTavFinder.h"
 #include "src/gui/PanelResults.h"
 #include "src/gui/WinFinder.h"
 
@@ -29,10 +32,25 @@ void WinFinder::forceViewHovered() {
             on_treeView_selectFile(fi);
             return;
         }
-        // Files go to the text preview (Shift) or the hex preview (Ctrl) of the
-        // container; until those exist the container shows the entry's page.
-        container_preview_->showInfoPage(fi);
+        // Shift (with Ctrl) shows the text, Ctrl alone the bytes.
+        tav::Preview* p = nullptr;
+        if (tav::XTools::is_modifier_shift()) {
+            p = container_preview_->textPreview();
+            if (p) apply_preview_settings(p);
+        } else {
+            p = container_preview_->hexPreview();
+            if (auto* hex = dynamic_cast<tav::PreviewHex*>(p)) hex->set_font_size(cfg().fontSizeHexView);
+        }
+        if (!p) return;
+        p->open_file(fi);
+        container_preview_->showPreview(p);
         if (stacked_->isShowing(findResults_)) stacked_->showPanel(container_preview_);
+        return;
+    }
+    AbstractPreviewDir* dir = container_preview_->existingPreviewDirectory();
+    if (auto* pd = dynamic_cast<PreviewDir*>(dir)) {
+        if (pd->widget_preview() && container_preview_->currentWidget() == pd->widget_preview())
+            log(32, "WinFinder_shift_control::on_treeView_selectFile_table_forceView, <<<$>>>", pd->hoveredEntry());
     }
 }
 

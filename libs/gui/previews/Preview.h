@@ -10,6 +10,7 @@
 #include <QFont>
 #include <QPointer>
 #include <QSize>
+#include <QHash>
 #include <QString>
 #include <functional>
 #include <unordered_set>

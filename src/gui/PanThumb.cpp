@@ -1,0 +1,69 @@
+#include "src/gui/PanThumb.h"
+
+#include "base/log/Logger.h"
+#include "base/thread/XThread.h"
+#include "gui/panel/XPanel.h"
+#include "gui/previews/XThumb.h"
+#include "gui/thumbs/XElidedLabel.h"
+#include "gui/tools/XTools.h"
+#include "src/gui/WinFinder.h"
+
+#include <QPointer>
+
+namespace tavFinder {
+
+using tav::log;
+
+PanThumb::PanThumb(QWidget* parent) : tav::XPanelStackedGlas(parent, QStringLiteral("PanThumb")) {
+    inner_ = new tav::XPanel(this, tav::XPanel::VERTICAL, QStringLiteral("x"));
+    inner_->setObjectName(QStringLiteral("x"));
+    inner_->setTight();
+    thumb_ = new tav::XThumb(inner_);
+    inner_->add(thumb_, 1);
+    addUnderGlass(inner_);
+    if (tav::XTools::isTavStyleDark()) glass()->setStyleSheet(QStringLiteral("QLabel{background:rgba(76, 175, 80, 0.0)}"));
+    setMaximumSize(int(kDefaultSize), int(kDefaultSize));
+}
+
+void PanThumb::setup(WinFinder* win, const QFileInfo& fi, unsigned size) {
+    // 1
+    fi_ = fi;
+    size_ = size;
+    if (!name_) {
+        name_ = new tav::XElidedLabel(QString(), inner_);
+        QFont f = name_->font();
+        f.setPointSize(9);
+        name_->setFont(f);
+        name_->setMinimumHeight(50);
+        inner_->add(name_);
+    }
+    QPointer<tav::XElidedLabel> label(name_);
+    const QString fileName = fi.fileName();
+    tav::run_in_gui_thread([label, fileName]() {
+        if (label) label->setText(fileName);
+    });
+    // 2
+    thumb_->set_file(fi.absoluteFilePath(), int(size));
+    setMinimumWidth(int(size));
+    setMaximumSize(int(size), int(size) + 60);
+    // 3
+    thumb_->eventReady().add([this]() {
+        thumb_->update();
+        if (thumb_->image().isNull()) return;
+        const QSize real = thumb_->get_real_size();
+        if (real.isValid()) name_->setText(tav::fill("$x$\n$", real.width(), real.height(), fi_.fileName()));
+    });
+    // 4
+    QPointer<WinFinder> w(win);
+    const bool withWindow = win != nullptr;
+    eventContextMenu().add([this, w, withWindow]() {
+        if (!withWindow) {
+            log(32, "NO WINFINDER");
+            return;
+        }
+        log(32, "PanelThumbs::set_dirs_and_files - context, ......");
+        if (w) w->on_contextMenu_rightSide(fi_, nullptr);
+    });
+}
+
+} // namespace tavFinder
