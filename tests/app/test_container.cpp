@@ -8,6 +8,7 @@
 #include "gui/previews/PreviewHex.h"
 #include "gui/previews/PreviewImage.h"
 #include "gui/previews/PreviewXml.h"
+#include "gui/previews/XHexView.h"
 #include "gui/tools/XTools.h"
 #include "gui/viewText/XTextView.h"
 #include "gui/widgets/XMenu.h"
@@ -175,6 +176,9 @@ private slots:
         s.container.addStandardPreviews();
         QVERIFY(logs.containsLine(QStringLiteral("XContainerPreviews::addStandardPreviews, already called")));
         QCOMPARE(s.container.distinctPreviews().size(), size_t(4));
+        // The hex preview shows the program's picture while it has no file.
+        QVERIFY(dynamic_cast<tav::PreviewHex*>(s.container.hexPreview())->hex_view()->hasDefaultImage());
+        QCOMPARE(s.container.currentWidget(), s.container.hexPreview()->widget_preview());
         QCOMPARE(s.container.previewByExtension(QStringLiteral("XML")), ofKind<tav::PreviewXml>(s.container));
         // Registered earlier wins: the XML preview comes before the text preview.
         QCOMPARE(s.container.previewByExtension(QStringLiteral("svg")), ofKind<tav::PreviewXml>(s.container));

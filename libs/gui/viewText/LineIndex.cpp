@@ -1,10 +1,11 @@
 #include "gui/viewText/LineIndex.h"
 
 #include "base/log/Logger.h"
-#include "base/thread/XThread.h"
 #include "base/util/Format.h"
 
+#include <QCoreApplication>
 #include <QFile>
+#include <QThreadPool>
 #include <algorithm>
 #include <cstring>
 
@@ -16,6 +17,32 @@ namespace tav {
 namespace viewText {
 
 namespace {
+// Indexing runs on a pool of its own: quitting waits for the global pool, and
+// must not wait for the index of a huge file. When the application quits,
+// every index still running is cancelled.
+struct IndexPool {
+    QMutex mutex;
+    std::vector<std::weak_ptr<std::atomic<bool>>> cancels;
+    QThreadPool* pool = nullptr;
+};
+IndexPool& indexPool() {
+    static IndexPool* p = [] {
+        auto* ip = new IndexPool();
+        ip->pool = new QThreadPool();
+        ip->pool->setMaxThreadCount(4);
+        if (QCoreApplication* app = QCoreApplication::instance()) {
+            QObject::connect(app, &QCoreApplication::aboutToQuit, app, []() {
+                IndexPool& x = indexPool();
+                QMutexLocker l(&x.mutex);
+                for (auto& w : x.cancels)
+                    if (auto c = w.lock()) *c = true;
+            });
+        }
+        return ip;
+    }();
+    return *p;
+}
+
 #ifdef __SSE2__
 inline int countNewlines64(const char* p) {
     const __m128i nl = _mm_set1_epi8('\n');
@@ -44,7 +71,14 @@ void LineIndex::start() {
     }
     auto st = st_;
     auto src = src_;
-    XThreadPool::start_global([st, src]() { run(st, src); });
+    IndexPool& ip = indexPool();
+    {
+        QMutexLocker l(&ip.mutex);
+        ip.cancels.erase(std::remove_if(ip.cancels.begin(), ip.cancels.end(), [](auto& w) { return w.expired(); }),
+                         ip.cancels.end());
+        ip.cancels.push_back(std::shared_ptr<std::atomic<bool>>(st, &st->cancel));
+    }
+    ip.pool->start([st, src]() { run(st, src); });
 }
 
 void LineIndex::run(const std::shared_ptr<State>& st, const TextSourcePtr& src) {
