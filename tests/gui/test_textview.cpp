@@ -2,6 +2,7 @@
 // bytes, positions both ways, painted marks, pointer and keyboard behaviour.
 #include "common/TestEnv.h"
 
+#include "gui/previews/PreviewAscii.h"
 #include "gui/viewText/LineIndex.h"
 #include "gui/viewText/TextUnits.h"
 #include "gui/viewText/XTextView.h"
@@ -121,6 +122,76 @@ private slots:
         QCOMPARE(v.firstVisibleLine() + v.fullyVisibleRows(), int64_t(n + 1));
         v.scrollToLine(123456);
         QCOMPARE(v.visibleRowTexts().value(0), QStringLiteral("123456 some text on this line"));
+    }
+
+    void lookupsWhileIndexingAgreeWithThePlainScan() {
+        // Large enough to be indexed in the background; lines of varied length,
+        // some longer than the anchor spacing.
+        QRandomGenerator g(11);
+        QByteArray text;
+        text.reserve(12 * 1024 * 1024);
+        while (text.size() < 10 * 1024 * 1024) {
+            const int len = g.bounded(100) == 0 ? 20000 + g.bounded(20000) : g.bounded(90);
+            text += QByteArray(len, 'x');
+            text += '\n';
+        }
+        const auto starts = naiveLineStarts(text);
+        auto src = TextSource::fromBytes(text, QStringLiteral("x"));
+        LineIndex idx(src);
+        idx.start();
+        int checks = 0;
+        // Ask while the worker publishes; every answer must be right or "unknown".
+        while (!idx.isDone() || checks < 2000) {
+            const int64_t pos = int64_t(g.bounded(text.size()));
+            const size_t line = size_t(std::upper_bound(starts.begin(), starts.end(), pos) - starts.begin() - 1);
+            QCOMPARE(idx.lineStartContaining(pos), starts[line]);
+            const int64_t n = idx.lineNumberOf(starts[line]);
+            QVERIFY(n == -1 || n == int64_t(line));
+            const int64_t back = idx.lineStartOfNumber(int64_t(line));
+            QVERIFY(back == -1 || back == starts[line]);
+            QCOMPARE(idx.nextLineStart(starts[line]), line + 1 < starts.size() ? starts[line + 1] : int64_t(text.size()));
+            ++checks;
+        }
+        QCOMPARE(idx.lineCount(), int64_t(starts.size()));
+        // The index is small: far fewer anchors than lines.
+        QVERIFY(idx.anchorCount() * 20 < starts.size());
+    }
+
+    void filesThatReportNoSizeAreRead() {
+        // /proc files say size 0 but have content: they are read instead of mapped.
+        XTextView v;
+        v.resize(400, 200);
+        if (!QFileInfo::exists(QStringLiteral("/proc/self/status"))) QSKIP("no /proc");
+        QVERIFY(v.openFile(QStringLiteral("/proc/self/status")));
+        QVERIFY(v.size() > 0);
+        QVERIFY(v.visibleRowTexts().value(0).startsWith(QStringLiteral("Name:")));
+    }
+
+    void refreshKeepsThePlaceAndSkipsUnchangedFiles() {
+        tftest::TestDir dir;
+        QByteArray text;
+        for (int i = 0; i < 500; ++i) text += "row " + QByteArray::number(i) + "\n";
+        const QString path = dir.file(QStringLiteral("grow.log"), text);
+        PreviewAscii p;
+        p.ini();
+        XTextView* v = p.get_XTextView();
+        v->resize(400, 200);
+        v->show();
+        QVERIFY(p.open_file(QFileInfo(path)));
+        v->scrollToLine(300);
+        find::XRamLayer* l = v->layers().add_layer(1000, 1);
+        l->add_mark(XRam(0, 3));
+        p.refresh();   // unchanged on disk: nothing is reloaded, the marks stay
+        QCOMPARE(l->size(), 1);
+        {
+            QFile f(path);
+            QVERIFY(f.open(QIODevice::Append));
+            f.write("row 500\nrow 501\n");
+        }
+        p.refresh();
+        QCOMPARE(v->firstVisibleLine(), int64_t(300));
+        QCOMPARE(v->lineCount(), int64_t(502));
+        QCOMPARE(v->layers().layer_by_ID(1000)->size(), 0);   // marks were for the old content
     }
 
     void rowsShowCrlfInvalidBytesTabsAndControls() {

@@ -1,9 +1,9 @@
 #include "gui/table/XTableWidget.h"
 
-#include <QApplication>
 #include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <algorithm>
 
 namespace tav {
 
@@ -12,10 +12,6 @@ XTableWidget::XTableWidget(QWidget* parent) : QTableWidget(parent) {
     connect(horizontalHeader(), &QHeaderView::sectionClicked, this, [this](int c) { evHeader_.fire(c); });
     connect(this, &QTableWidget::cellClicked, this, [this](int r, int) { evRow_.fire(r); });
     connect(this, &QTableWidget::cellDoubleClicked, this, [this](int r, int) { evRowDouble_.fire(r); });
-    // Moving with the keys selects as a click does.
-    connect(this, &QTableWidget::currentCellChanged, this, [this](int r, int, int prev, int) {
-        if (r >= 0 && r != prev && hasFocus() && QApplication::mouseButtons() == Qt::NoButton) evRow_.fire(r);
-    });
 }
 
 void XTableWidget::setupRows(int rowHeight) {
@@ -23,6 +19,8 @@ void XTableWidget::setupRows(int rowHeight) {
     setSelectionMode(QAbstractItemView::SingleSelection);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    // The style's minimum (from the font) would otherwise win over a small row height.
+    verticalHeader()->setMinimumSectionSize(std::min(rowHeight, verticalHeader()->minimumSectionSize()));
     verticalHeader()->setDefaultSectionSize(rowHeight);
 }
 
@@ -50,7 +48,10 @@ void XTableWidget::keyPressEvent(QKeyEvent* e) {
         evRowDouble_.fire(currentRow());
         return;
     }
+    // Moving with the keys selects as a click does.
+    const int before = currentRow();
     QTableWidget::keyPressEvent(e);
+    if (currentRow() >= 0 && currentRow() != before) evRow_.fire(currentRow());
 }
 
 } // namespace tav
