@@ -14,6 +14,7 @@
 #include "gui/widgets/XTreeViewFiles.h"
 #include "gui/previews/PreviewAscii.h"
 #include "gui/previews/PreviewHex.h"
+#include "gui/viewText/XTextView.h"
 #include "src/dir/ContextPreviews.h"
 #include "src/dir/PreviewDir.h"
 #include "src/dir/XContainerPreviews.h"
@@ -353,14 +354,20 @@ void WinFinder::open_properties(const QFileInfo& fi) {
 }
 
 namespace {
-// Walks up from 'widget' to the first widget a context of 'contexts' owns,
-// stopping at the main window.
-ContextPreviews* contextOf(QWidget* widget, const std::vector<ContextPreviews*>& contexts, bool* reachedNull) {
+// Walks up from 'widget' to the first widget a context of 'contexts' owns. The
+// walk stops without a context at a text view, at the directory preview and at
+// the main window.
+ContextPreviews* contextOf(QWidget* widget, const std::vector<ContextPreviews*>& contexts, QWidget* previewDir,
+                           bool* reachedNull, bool* atTextView) {
     QWidget* w = widget;
     while (w) {
         for (ContextPreviews* c : contexts)
             if (c && c->ownsWidget(w)) return c;
-        if (qobject_cast<WinFinder*>(w)) return nullptr;
+        if (qobject_cast<tav::viewText::XTextView*>(w)) {
+            *atTextView = true;
+            return nullptr;
+        }
+        if ((previewDir && w == previewDir) || qobject_cast<WinFinder*>(w)) return nullptr;
         w = w->parentWidget();
     }
     *reachedNull = true;
@@ -369,15 +376,18 @@ ContextPreviews* contextOf(QWidget* widget, const std::vector<ContextPreviews*>&
 }
 
 void WinFinder::key_cycle_previews(QWidget* widget) {
-    bool reachedNull = false;
-    ContextPreviews* c = contextOf(widget, contexts_, &reachedNull);
+    bool reachedNull = false, atTextView = false;
+    AbstractPreviewDir* dir = container_preview_ ? container_preview_->existingPreviewDirectory() : nullptr;
+    ContextPreviews* c = contextOf(widget, contexts_, dir ? dir->widget_preview() : nullptr, &reachedNull, &atTextView);
     if (reachedNull) X_ASSERT_MSG(nullptr, "widget == NULL");
     if (c) c->cycle_previews();
+    else if (atTextView) log(32, "WinFinder::key_cycle_previews, TextView-Result");
 }
 
 void WinFinder::select_preview(QWidget* widget, const QString& previewType) {
-    bool reachedNull = false;
-    ContextPreviews* c = contextOf(widget, contexts_, &reachedNull);
+    bool reachedNull = false, atTextView = false;
+    AbstractPreviewDir* dir = container_preview_ ? container_preview_->existingPreviewDirectory() : nullptr;
+    ContextPreviews* c = contextOf(widget, contexts_, dir ? dir->widget_preview() : nullptr, &reachedNull, &atTextView);
     if (reachedNull) X_ASSERT_MSG(nullptr, "widget == NULL");
     if (!c) {
         log(32, "WinFinder::select_preview - no contextFocus");

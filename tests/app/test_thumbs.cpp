@@ -138,6 +138,12 @@ private slots:
         QVERIFY(w->contextMain()->currentIndex() != index);
         w->select_preview(w->treeView(), QStringLiteral("PreviewAscii"));
         QCOMPARE(c->currentWidget(), c->textPreview()->widget_preview());
+        // From inside the text view the walk stops there: nothing cycles.
+        logs.clear();
+        QWidget* shown = c->currentWidget();
+        w->key_cycle_previews(dynamic_cast<tav::PreviewAscii*>(c->textPreview())->get_XTextView()->viewport());
+        QVERIFY(logs.containsLine(QStringLiteral("WinFinder::key_cycle_previews, TextView-Result")));
+        QCOMPARE(c->currentWidget(), shown);
 
         // Copy to the content search reaches the filter panel's field.
         auto* text = dynamic_cast<tav::PreviewAscii*>(c->textPreview());
