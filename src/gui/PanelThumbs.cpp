@@ -1,14 +1,13 @@
 #include "src/gui/PanelThumbs.h"
 
+#include "base/dir/XDirInfo.h"
 #include "base/log/Logger.h"
 #include "base/thread/XThread.h"
 #include "gui/thumbs/XFlowLayout.h"
 #include "gui/thumbs/XVScrollPanel.h"
-#include "src/dir/PDirInfo.h"
 #include "src/gui/PanThumb.h"
 #include "src/gui/WinFinder.h"
 
-#include <QDir>
 #include <QPointer>
 
 namespace tavFinder {
@@ -41,9 +40,7 @@ void PanelThumbs::set_dirs_and_files(WinFinder* win, const std::vector<QFileInfo
 }
 
 void PanelThumbs::set_directory(WinFinder* win, const QString& dir, unsigned size, bool hidden) {
-    const QFileInfoList list = QDir(dir).entryInfoList(
-        QDir::Filters(hidden ? PDirInfo::kFilterAll : PDirInfo::kFilterVisible), QDir::DirsFirst | QDir::Name | QDir::IgnoreCase);
-    set_dirs_and_files(win, std::vector<QFileInfo>(list.begin(), list.end()), size);
+    set_dirs_and_files(win, tav::XDirInfo::get_flat_directory_info(dir, hidden), size);
 }
 
 void PanelThumbs::set_thumb_size(unsigned size) {

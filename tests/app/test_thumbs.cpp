@@ -96,7 +96,7 @@ private slots:
         p.open_file(QFileInfo(pics.path()));
         PanelThumbs* panel = p.thumbPanel();
         QTRY_COMPARE_WITH_TIMEOUT(panel->tiles().size(), 151, 3000);
-        QTRY_VERIFY_WITH_TIMEOUT(produced(panel->visibleTiles()) == panel->visibleTiles().size(), 5000);
+        QTRY_VERIFY_WITH_TIMEOUT(!panel->visibleTiles().isEmpty() && produced(panel->visibleTiles()) == panel->visibleTiles().size(), 5000);
         const int first = produced(panel->tiles());
         QVERIFY(first > 0 && first < 151);
         PanThumb* last = panel->tiles().last();

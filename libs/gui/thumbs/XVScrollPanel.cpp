@@ -1,5 +1,7 @@
 #include "gui/thumbs/XVScrollPanel.h"
 
+#include <QCoreApplication>
+#include <QLayout>
 #include <QScrollBar>
 
 namespace tav {
@@ -37,6 +39,10 @@ void XVScrollPanel::resizeEvent(QResizeEvent* e) {
 }
 
 QList<QWidget*> XVScrollPanel::visibleChildren() const {
+    // Children just added sit at (0, 0) until their layout ran; run it now, or
+    // every new child would count as visible.
+    QCoreApplication::sendPostedEvents(panel_, QEvent::LayoutRequest);
+    if (panel_->layout()) panel_->layout()->activate();
     QList<QWidget*> out;
     const QRect visible(QPoint(horizontalScrollBar()->value(), verticalScrollBar()->value()), viewport()->size());
     for (QObject* o : panel_->children()) {
