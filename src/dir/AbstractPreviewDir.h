@@ -21,6 +21,9 @@ public:
     // A folder holds no file open, and the folder stays known for refresh(): the
     // preview inside a directory preview closes the current one, which may be this.
     void close_preview() override {}
+    // Tables and pages of folders keep the application's font; the monospace font
+    // every preview is given before it opens is meant for file contents.
+    void set_font(const QFont& font) override { font_ = font; }
 
     virtual void set_text_file_extensions(const std::unordered_set<QString>& ext) = 0;
     virtual void set_show_hidden(bool on) = 0;

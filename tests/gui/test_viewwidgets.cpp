@@ -10,6 +10,7 @@
 #include "gui/thumbs/XFlowLayout.h"
 #include "gui/thumbs/XPanelStackedGlas.h"
 #include "gui/thumbs/XVScrollPanel.h"
+#include "gui/tools/XTools.h"
 
 #include <QHeaderView>
 #include <QScrollBar>
@@ -163,6 +164,15 @@ private slots:
         v.setMessage(QStringLiteral("Cannot read"));
         QVERIFY(v.image().isNull());
         QCOMPARE(v.message(), QStringLiteral("Cannot read"));
+    }
+
+    void monospaceFontIsFixedPitchWithoutAPlatformTheme() {
+        // The previews measure one cell per character; a proportional "fixed" font breaks them.
+        const QFont f = XTools::getMonoFont(13);
+        QVERIFY(QFontInfo(f).fixedPitch());
+        QCOMPARE(f.pointSize(), 13);
+        const QFontMetricsF fm(f);
+        QCOMPARE(fm.horizontalAdvance(QStringLiteral("mmmm")), fm.horizontalAdvance(QStringLiteral("iiii")));
     }
 
     void qtMessagesWithListedTextsAreDropped() {

@@ -16,6 +16,7 @@
 #include <QFile>
 #include <QFileIconProvider>
 #include <QFontDatabase>
+#include <QFontInfo>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPainter>
@@ -65,6 +66,19 @@ QFont XTools::getMonoFont(int pointSize) {
     QFont f = QFontDatabase::systemFont(QFontDatabase::FixedFont);
     f.setStyleHint(QFont::Monospace);
     f.setFixedPitch(true);
+    // Without a platform theme (offscreen, some window managers) the "fixed"
+    // system font is the ordinary sans font; then take a fixed-pitch family.
+    if (!QFontInfo(f).fixedPitch()) {
+        for (const char* family : {"Monospace", "DejaVu Sans Mono", "Liberation Mono", "Noto Sans Mono", "Courier New"}) {
+            QFont m(QString::fromLatin1(family));
+            m.setStyleHint(QFont::TypeWriter);
+            m.setFixedPitch(true);
+            if (QFontInfo(m).fixedPitch()) {
+                f = m;
+                break;
+            }
+        }
+    }
     return get_font_resized(f, pointSize);
 }
 
