@@ -1,6 +1,7 @@
 #include "src/gui/WinFinder.h"
 
 #include "base/env/Env.h"
+#include "base/find/XContentFilter.h"
 #include "base/log/Logger.h"
 #include "base/node/XNode.h"
 #include "base/thread/XThread.h"
@@ -20,6 +21,7 @@
 #include "src/dir/XContainerPreviews.h"
 #include "src/gui/NavigationBar.h"
 #include "src/gui/PanelResults.h"
+#include "src/gui/WinDetails.h"
 #include "src/gui/WinProperties.h"
 #include "src/gui/WinTray.h"
 #include "src/gui/config/ConfigTavFinder.h"
@@ -343,9 +345,14 @@ WinFinder* WinFinder::new_win(const QString& path) {
 }
 
 void WinFinder::open_stand_alone_preview(const QFileInfo& fi) {
-    log(32, "WinFinder::open_stand_alone_preview, * <<<$>>>, fResult:$", fi, false);
+    open_stand_alone_preview(fi, tav::find::XRamLayer(), tav::find::XContentFilter());
+}
+
+void WinFinder::open_stand_alone_preview(const QFileInfo& fi, const tav::find::XRamLayer& layer,
+                                         const tav::find::XContentFilter& filter) {
+    log(32, "WinFinder::open_stand_alone_preview, * <<<$>>>, fResult:$", fi, layer.toString());
     if (!fi.isFile()) return;
-    // The details window opens here once it exists.
+    WinDetails::open_window(fi, layer, filter);
 }
 
 void WinFinder::open_properties(const QFileInfo& fi) {

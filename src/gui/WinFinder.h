@@ -19,6 +19,10 @@ class QLineEdit;
 class QToolButton;
 
 namespace tav {
+namespace find {
+class XContentFilter;
+class XRamLayer;
+}
 class KernelGUI;
 class Preview;
 class XComboBox;
@@ -71,6 +75,9 @@ public:
     void on_open_new_win_here(const QFileInfo& fi);
     static WinFinder* new_win(const QString& path);
     void open_stand_alone_preview(const QFileInfo& fi);
+    // The details window; a layer with hits shows them in the text tab.
+    void open_stand_alone_preview(const QFileInfo& fi, const tav::find::XRamLayer& layer,
+                                  const tav::find::XContentFilter& filter);
     // The properties window of a file (nothing for a folder).
     void open_properties(const QFileInfo& fi);
     void key_cycle_previews(QWidget* widget);

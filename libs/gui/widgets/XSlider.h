@@ -5,8 +5,9 @@
 
 namespace tav {
 
+// No Q_OBJECT on purpose: the class name stays "QSlider", so style sheets
+// written for ".QSlider" apply to it.
 class XSlider : public QSlider {
-    Q_OBJECT
 public:
     explicit XSlider(Qt::Orientation o, QWidget* parent = nullptr) : QSlider(o, parent) {}
 

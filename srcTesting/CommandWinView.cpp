@@ -1,0 +1,48 @@
+// Developer command: the details window on its own, optionally with the hits
+// of a text search and with the statistics tab.
+#include "base/find/XContentFilter.h"
+#include "base/kernel/CommandLine.h"
+#include "base/log/Logger.h"
+#include "gui/kernel/KernelGUI.h"
+#include "gui/kernel/XRuntime.h"
+#include "src/find/TavFind.h"
+#include "src/gui/WinDetails.h"
+
+#include <QDir>
+#include <QGuiApplication>
+
+namespace {
+
+// main() changes into the program's folder; relative paths mean the caller's folder.
+const QString kStartDir = QDir::currentPath();
+
+int winView(tav::KernelGUI& kernel) {
+    tav::CommandLine& cl = kernel.commandLine();
+    cl.addMustHaveKeys(QStringLiteral("file"));
+    cl.addOptionalKeys(QStringLiteral("find,stats"));
+    if (!cl.checkKeys()) {
+        cl.showExample(QStringLiteral("--file /data/myData/hello.jpg [--find Vector3]"));
+        return 6;
+    }
+    const QFileInfo fi(QDir(kStartDir), cl.getStringExt(QStringLiteral("file")));
+    if (!fi.isFile()) {
+        tav::log(4, "file <<<$>>> does not exist", fi);
+        return 1;
+    }
+    tav::Logger::setLogLevelSimple(5);
+    QGuiApplication::setQuitOnLastWindowClosed(true);
+    tav::find::XContentFilter filter;
+    tav::find::XRamLayer hits;
+    const QString text = cl.getString(QStringLiteral("find"));
+    if (!text.isEmpty()) {
+        filter.setScope(tav::find::XContentFilter::SCOPE_FILE);
+        if (filter.createSymbols(text, false)) hits = tavFinder::TavFind().find(fi, filter).layer;
+        else tav::log(8, "winView, problems with expression '$'", text);
+    }
+    if (!tavFinder::WinDetails::open_window(fi, hits, filter, cl.getBool(QStringLiteral("stats"), false))) return 1;
+    return kernel.exec();
+}
+
+const tav::TestGuiContextAdder kWinView(&winView, QStringLiteral("winView"), QString());
+
+} // namespace
