@@ -254,7 +254,9 @@ void PanPreviewAsc::on_mouse_over(const tav::viewText::MouseOverMark& m) {
     const QString text = tav::fill("$  $  $ byte-pos:$", ch, info.text(), info.toHTML(), tav::format1000(m.character.pos()));
     QPointer<QLineEdit> line(infoLine_);
     tav::run_in_gui_thread([line, text]() {
-        if (line) line->setText(text);
+        if (!line) return;
+        line->setText(text);
+        line->setCursorPosition(0);   // the character first, not the tail of the line
     });
 }
 
@@ -342,8 +344,9 @@ void PanPreviewAsc::update_search_results(const XRamLayer& hits, const tav::find
     tav::run_in_gui_thread([self]() {
         if (self) self->scrollToActive();
     }, 100);
-    tav::run_in_gui_thread([self, color]() {
-        if (!self) return;
+    tav::run_in_gui_thread([self, color, l]() {
+        // Another layer made active meanwhile keeps its own colour.
+        if (!self || self->layerActive_ != l) return;
         self->slider_->setEnabled(true);
         self->style_slider(color);
     }, 200);
@@ -449,8 +452,8 @@ void PanPreviewAsc::show_layer(int id, const XRamLayer& hits, const QColor& colo
     slider_->setValue(slider_->maximum(), false);
     panelNavi_->setEnabled(l->size() > 0);
     QPointer<PanPreviewAsc> self(this);
-    tav::run_in_gui_thread([self, color]() {
-        if (!self) return;
+    tav::run_in_gui_thread([self, color, l]() {
+        if (!self || self->layerActive_ != l) return;
         self->slider_->setEnabled(true);
         self->style_slider(color);
     }, 200);
