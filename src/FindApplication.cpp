@@ -37,11 +37,6 @@ const bool kLibInfo = tav::XAdditionalLibInfos::addLibInfo(
 const tav::TestGuiContextAdder kApp(&FindApplication::tavFind, QStringLiteral("app"), QString());
 }
 
-tav::XEventListener<std::function<void(const QString&)>>& eventProgramError() {
-    static tav::XEventListener<std::function<void(const QString&)>> e;
-    return e;
-}
-
 void set_env_variables() {
     tav::setEnv(QStringLiteral("TAVFINDER_VERSION"), QString::fromLatin1(TAVFINDER_VERSION));
     tav::setEnv(QStringLiteral("BUILD_DATE"), buildDate());
@@ -111,10 +106,8 @@ int FindApplication::tavFind(tav::KernelGUI& kernel) {
         XAppManager::set_defaults();
         log(32, "FindApplication::tavFind, XAppManager::load() == false, after defaults");
     }
-    // 11
-    eventProgramError().add([](const QString& text) {
-        log(4, "FindApplication, program error: $", text);
-    });
+    // 11: output of started programs goes to the active main window
+    WinFinder::register_process_output_consumer();
     // 12: the tray's watchdog ends the program when no window is left
     auto* win = new WinFinder(true);
     win->init(&kernel, nWin);

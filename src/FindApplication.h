@@ -23,9 +23,6 @@ constexpr const char* APPS_FILE = "tavFind-apps.bin";
 // Prepares the environment of the process and of the programs it starts.
 void set_env_variables();
 
-// Raised when a started program fails; the listener shows the text in the active main window.
-tav::XEventListener<std::function<void(const QString&)>>& eventProgramError();
-
 class FindApplication {
 public:
     static bool lang_initialiser(tav::KernelGUI& kernel);

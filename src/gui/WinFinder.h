@@ -15,6 +15,7 @@
 
 class QDateEdit;
 class QLabel;
+class QMenu;
 class QLineEdit;
 class QToolButton;
 
@@ -31,6 +32,7 @@ class XPanel;
 class XPanelStacked;
 class XSplitter;
 class XTreeViewFiles;
+class XMenu;
 template <typename T>
 class XTypedComboBox;
 }
@@ -124,6 +126,9 @@ public:
     void apply_filter_flags(uint32_t bits);
     void on_filter_menu();
     void on_settings_menu();
+    // The context menu of the three history combo boxes ("Edit History", expressions).
+    void setup_combo_menus();
+    void fill_combo_menu(QMenu& menu, tav::XComboBox* combo);
 
     // ---- search (WinFinder_find.cpp) ---------------------------------------------------------------
     void on_find();
@@ -132,8 +137,39 @@ public:
     // ---- context menus, file actions (WinFinder_context_menu / _modify) ------------------------------
     void on_contextMenu_treeView(const QFileInfo& fi);
     void on_contextMenu_rightSide(const QFileInfo& fi, AbstractPreviewDir* previewDir);
+    // The entries of the two menus above, for 'fi' ('fromTree': the tree menu).
+    void fill_contextMenu(tav::XMenu& menu, const QFileInfo& fi, AbstractPreviewDir* previewDir, bool fromTree);
+    void context_menu_fi_path_to_clipboard(tav::XMenu& menu, const QFileInfo& fi);
+    void context_menu_fi_name_to_clipboard(tav::XMenu& menu, const QFileInfo& fi);
+    void context_menu_webSearchFile(tav::XMenu& menu, const QFileInfo& fi);
+    void context_menu_bookmark(tav::XMenu& menu, const QFileInfo& fi);
+    void on_add_bookmark(const QFileInfo& fi);
+    void on_edit_bookmark(const QFileInfo& fi);
+    void on_remove_bookmark(const QFileInfo& fi);
     void on_bookmarks();
+    // The bookmarks menu's entries (false when the store is empty).
+    bool fill_bookmarks_menu(tav::XMenu& menu);
+    void on_edit_bookmarks();
+    void fill_settings_menu(tav::XMenu& menu);
     void on_rename();
+    void rename_file(const QFileInfo& fi);
+    void on_delete(const QFileInfo& fi);
+    // "Rename" and "Delete" after a separator, unless the configuration is read-only.
+    void add_modify_entries(tav::XMenu& menu, const QFileInfo& fi);
+    // "Deep Info" of a folder: the recursive count of its directory preview.
+    void add_deep_info(tav::XMenu& menu, const QFileInfo& fi, AbstractPreviewDir* previewDir, bool fromTree);
+
+    // ---- custom applications and their output (WinFinder_open_with) ----------------------------------
+    void create_open_with_app(tav::XMenu& menu, const QFileInfo& fi);
+    // Opens the applications editor on a copy of the store; nothing while one is open.
+    static void on_app_editor(QWidget* parent);
+    // Shows a program's output: selects the file a "$OUTPUT=path" line names, else
+    // shows the text as a file in the previews.
+    void show_process_output(const QString& text);
+    // The target path of a "$OUTPUT=path" line in 'text'; empty without one.
+    static QString output_target(const QString& text);
+    // Sends the process output to the active main window (once per process).
+    static void register_process_output_consumer();
 
     // ---- parts -----------------------------------------------------------------------------------------
     tav::XTreeViewFiles* treeView() const { return treeView_; }

@@ -1,62 +1,218 @@
-// Context menus of the main window and the bookmarks menu.
+// Context menus of the main window, the bookmarks menu and the settings menu.
+// Every entry captures the file information by value: the menu must not follow
+// later selection changes.
 #include "base/log/Logger.h"
+#include "base/tree/XTypeSupporter.h"
+#include "gui/previews/Preview.h"
 #include "gui/tools/XSearchMachines.h"
 #include "gui/tools/XTools.h"
+#include "gui/widgets/XBox.h"
 #include "gui/widgets/XMenu.h"
 #include "gui/widgets/XTreeViewFiles.h"
+#include "src/dir/XContainerPreviews.h"
+#include "src/gui/Bookmarks.h"
 #include "src/gui/WinFinder.h"
+#include "src/gui/apps/Terminal.h"
+#include "src/gui/config/ConfigTavFinder.h"
+#include "src/gui/dia/DiaBookmark.h"
+#include "src/gui/dia/DiaEditBookmarks.h"
+
+#include <QApplication>
+#include <QStatusBar>
 
 namespace tavFinder {
 
 using tav::log;
 using tav::xt;
 
-namespace {
-// The entries both menus share, for one file captured by value.
-void addCommonEntries(WinFinder* win, tav::XMenu& menu, const QFileInfo& fi) {
-    if (fi.isFile()) {
+void WinFinder::on_contextMenu_treeView(const QFileInfo& fi) {
+    log(32, "WinFinder::on_contextMenu_treeView, fi:$", fi);
+    tav::XMenu menu(this);
+    fill_contextMenu(menu, fi, nullptr, true);
+    menu.execAt();
+}
+
+void WinFinder::on_contextMenu_rightSide(const QFileInfo& fi, AbstractPreviewDir* previewDir) {
+    log(32, "WinFinder::on_contextMenu_rightSide, fi:$", fi);
+    tav::XMenu menu(this);
+    fill_contextMenu(menu, fi, previewDir, false);
+    menu.execAt();
+}
+
+void WinFinder::fill_contextMenu(tav::XMenu& menu, const QFileInfo& fi, AbstractPreviewDir* previewDir, bool fromTree) {
+    const bool isFile = fi.isFile();
+    // 1
+    if (isFile) {
+        menu.createAction(xt("View"), [this, fi]() { open_stand_alone_preview(fi); }, WindowBase::icon(QStringLiteral("show.svg")));
+        tav::XMenu* with = menu.createSubMenu(xt("View with ..."));
+        if (container_preview_) {
+            for (tav::Preview* p : container_preview_->distinctPreviews()) {
+                const QString type = p->type();
+                with->createAction(p->name(), [this, type]() { select_preview(QApplication::focusWidget(), type); });
+            }
+        }
+    }
+    // 2
+    if (!fromTree)
+        menu.createAction(xt("Tree"), [this, fi]() { treeView_->selectFile(fi.absoluteFilePath(), true); },
+                          WindowBase::icon(QStringLiteral("root.svg")));
+    // 3
+    if (isFile) {
         menu.addSeparator();
+        create_open_with_app(menu, fi);
         menu.createAction(xt("Open With Default Program"), [fi]() { tav::XTools::open_file_with_default_program(fi); });
     }
+    // 4
+    add_modify_entries(menu, fi);
+    // 5
     menu.addSeparator();
-    menu.createAction(xt("Window"), [win, fi]() { win->on_open_new_win_here(fi); }, WindowBase::icon(QStringLiteral("window.svg")));
+    menu.createAction(xt("Window"), [this, fi]() { on_open_new_win_here(fi); }, WindowBase::icon(QStringLiteral("window.svg")));
     menu.createAction(xt("File Manager"), [fi]() { tav::XTools::showFolderInFileManager(fi.absoluteFilePath()); },
                       WindowBase::icon(QStringLiteral("fileManager1.svg")));
+    menu.createAction(xt("Terminal"), [fi]() { Terminal::open_here(fi); });
+    // 6
     menu.addSeparator();
+    context_menu_fi_path_to_clipboard(menu, fi);
+    context_menu_fi_name_to_clipboard(menu, fi);
+    // 7
+    menu.addSeparator();
+    context_menu_webSearchFile(menu, fi);
+    // 8
+    menu.addSeparator();
+    context_menu_bookmark(menu, fi);
+    // 9
+    if (isFile) {
+        menu.addSeparator();
+        menu.createAction(xt("Properties"), [this, fi]() { open_properties(fi); });
+        return;
+    }
+    add_deep_info(menu, fi, previewDir, fromTree);
+}
+
+void WinFinder::add_deep_info(tav::XMenu&, const QFileInfo&, AbstractPreviewDir* previewDir, bool) {
+    AbstractPreviewDir* dir = previewDir ? previewDir : (container_preview_ ? container_preview_->previewDirectory() : nullptr);
+    // Without a directory preview the menu ends here.
+    if (!dir) return;
+}
+
+void WinFinder::context_menu_fi_path_to_clipboard(tav::XMenu& menu, const QFileInfo& fi) {
     menu.createAction(xt("Copy Path to Clipboard"), [fi]() {
         log(32, "WinFinder::context_menu_fi_path_to_clipboard");
         tav::XClipboard::setText(fi.absoluteFilePath());
     }, WindowBase::icon(QStringLiteral("copy.svg")));
+}
+
+void WinFinder::context_menu_fi_name_to_clipboard(tav::XMenu& menu, const QFileInfo& fi) {
     menu.createAction(xt("Copy Filename to Clipboard"), [fi]() {
         log(32, "WinFinder::context_menu_fi_name_to_clipboard");
         tav::XClipboard::setText(fi.fileName());
     });
-    menu.addSeparator();
+}
+
+void WinFinder::context_menu_webSearchFile(tav::XMenu& menu, const QFileInfo& fi) {
     log(16, "WinFinder::context_menu_webSearchFile, fi: '$'", fi);
     tav::XMenu* web = menu.createSubMenu(xt("Web Search"));
     web->addSeparator();
+    // Read at every opening, so an edited list applies at once.
     for (const tav::XSearchMachine& m : tav::XSearchMachines::get_search_machines(false)) {
         if (m.isSeparator()) web->addSeparator();
         else web->createAction(m.title, [m, name = fi.fileName()]() { m.trigger_search_machine(name); });
     }
 }
+
+void WinFinder::context_menu_bookmark(tav::XMenu& menu, const QFileInfo& fi) {
+    log(32, "WinFinder::context_menu_bookmark");
+    if (Bookmarks::contains_bookmark(Bookmarks::get_tree(), fi.absoluteFilePath())) {
+        menu.createAction(xt("Edit Bookmark"), [this, fi]() { on_edit_bookmark(fi); }, WindowBase::icon(QStringLiteral("edit.svg")));
+        menu.createAction(xt("Remove Bookmark"), [this, fi]() { on_remove_bookmark(fi); },
+                          WindowBase::icon(QStringLiteral("delete.svg")));
+    } else {
+        menu.createAction(xt("Add Bookmark"), [this, fi]() { on_add_bookmark(fi); }, WindowBase::icon(QStringLiteral("plus.svg")));
+    }
 }
 
-void WinFinder::on_contextMenu_treeView(const QFileInfo& fi) {
-    log(32, "WinFinder::on_contextMenu_treeView, fi:$", fi);
-    tav::XMenu menu(this);
-    addCommonEntries(this, menu, fi);
+void WinFinder::on_add_bookmark(const QFileInfo& fi) {
+    log(32, "WinFinder::on_add_bookmark, fi <<<$>>>", fi);
+    DiaBookmark dia(this);
+    dia.setWindowTitle(xt("Bookmark"));
+    dia.set_bookmark(Bookmark{fi.fileName(), fi.absoluteFilePath()});
+    if (!dia.isExecOK(true)) return;
+    log(32, "WinFinder::on_add_bookmark, aha");
+    Bookmarks::add_bookmark(Bookmarks::get_tree(), dia.get_bookmark());
+    Bookmarks::save(Bookmarks::get_tree());
+}
+
+void WinFinder::on_edit_bookmark(const QFileInfo& fi) {
+    const Bookmark bm = Bookmarks::get_bookmark(Bookmarks::get_tree(), fi.absoluteFilePath());
+    log(32, "WinFinder::on_edit_bookmark, path <<<$>>>", bm.path);
+    DiaBookmark dia(this);
+    dia.setWindowTitle(xt("Bookmark"));
+    dia.set_bookmark(bm);
+    if (!dia.isExecOK(true)) return;
+    const Bookmark edited = dia.get_bookmark();
+    log(32, "WinFinder::on_edit_bookmark, aha");
+    log(32, "bm:$", Bookmarks::to_string(edited));
+    // A blank title keeps the bookmark as it was.
+    if (edited.title.trimmed().isEmpty()) return;
+    Bookmarks::set_bookmark(Bookmarks::get_tree(), edited);
+    Bookmarks::save(Bookmarks::get_tree());
+}
+
+void WinFinder::on_remove_bookmark(const QFileInfo& fi) {
+    log(32, "WinFinder::on_remove_bookmark <$>", fi);
+    Bookmarks::remove_bookmark(Bookmarks::get_tree(), fi.absoluteFilePath());
+    // Saved with the next change or at exit.
+    Bookmarks::get_tree().show(tav::XTypeSupporter::basicTypes(), 0, QString(), false, -1);
+}
+
+bool WinFinder::fill_bookmarks_menu(tav::XMenu& menu) {
+    const tav::XTree& tree = Bookmarks::get_tree();
+    if (tree.isEmpty()) return false;
+    for (const Bookmark& bm : Bookmarks::from_tree(tree)) {
+        menu.createAction(bm.title, [this, bm]() {
+            log(32, "WinFinder::on_bookmarks <$> <$>", bm.path, bm.title);
+            treeView_->selectFile(bm.path, true);
+        }, tav::XTools::get_file_icon_association(QFileInfo(bm.path)), bm.path);
+    }
+    menu.addSeparator();
+    menu.createAction(xt("Edit Bookmarks"), [this]() { on_edit_bookmarks(); }, WindowBase::icon(QStringLiteral("edit.svg")));
+    return true;
+}
+
+void WinFinder::on_bookmarks() {
+    log(32, "WinFinder::on_bookmarks");
+    tav::XMenu menu(this, true);
+    if (!fill_bookmarks_menu(menu)) {
+        tav::XBox::info(this, xt("Bookmarks"),
+                        xt("There are actually no bookmarks!\nHow to create ?\nContext Menu somewhere\nand select add bookmark!"));
+        return;
+    }
     menu.execAt();
 }
 
-void WinFinder::on_contextMenu_rightSide(const QFileInfo& fi, AbstractPreviewDir*) {
-    log(32, "WinFinder::on_contextMenu_rightSide, fi:$", fi);
-    tav::XMenu menu(this);
-    menu.createAction(xt("Tree"), [this, fi]() { treeView_->selectFile(fi.absoluteFilePath(), true); });
-    addCommonEntries(this, menu, fi);
-    menu.execAt();
+void WinFinder::on_edit_bookmarks() {
+    log(32, "WinFinder::on_edit_bookmarks");
+    DiaEditBookmarks dia(this);
+    dia.setWindowTitle(xt("Edit Bookmarks"));
+    dia.setup();
+    dia.setGeometry(50, 50, 800, 600);
+    dia.exec();
 }
 
-void WinFinder::on_bookmarks() { log(32, "WinFinder::on_bookmarks"); }
+void WinFinder::fill_settings_menu(tav::XMenu& menu) {
+    menu.createCheckAction(xt("Mouse Over Info"), cfg().flagTreeMouseOverInfo, [](bool on) { cfg().flagTreeMouseOverInfo = on; });
+    menu.createCheckAction(xt("Status Bar"), cfg().flagStatusBar, [this](bool on) {
+        cfg().flagStatusBar = on;
+        statusBar()->setVisible(on);
+    });
+    menu.addSeparator();
+    menu.createAction(xt("About Talvo Finder"), [this]() { on_about(); }, QIcon(QStringLiteral(":/tf/icons/find3.svg")));
+}
+
+void WinFinder::on_settings_menu() {
+    tav::XMenu menu(this, true);
+    fill_settings_menu(menu);
+    menu.exec(QCursor::pos());
+}
 
 } // namespace tavFinder

@@ -120,6 +120,8 @@ void WinFinder::setup_panel_find() {
 
     // tool buttons of the window
     row->createImageButton(WindowBase::icon(QStringLiteral("find.svg")), xt("Search for Files and Contents"), [this]() { on_find(); });
+    row->createImageButton(WindowBase::icon(QStringLiteral("app.svg")), xt("Custom Applications"), [this]() { on_app_editor(this); })
+        ->setObjectName(QStringLiteral("buttonApps"));
     row->createImageButton(WindowBase::icon(QStringLiteral("wheel.svg")), xt("Settings"), [this]() { on_settings_menu(); });
 
     // hidden files: the window node's choice goes to the tree and the previews first
@@ -129,6 +131,7 @@ void WinFinder::setup_panel_find() {
     treeView_->setHiddenFiles(hidden);
     container_preview_->setShowHidden(hidden);
 
+    setup_combo_menus();
     setup_status_bar();
 }
 
@@ -169,18 +172,6 @@ void WinFinder::on_filter_menu() {
                           ? buttonFilter_->mapToGlobal(QPoint(0, buttonFilter_->height() + 10))
                           : mapToGlobal(QPoint(10, 10));
     menu.exec(at);
-}
-
-void WinFinder::on_settings_menu() {
-    tav::XMenu menu(this, true);
-    menu.createCheckAction(xt("Mouse Over Info"), cfg().flagTreeMouseOverInfo, [](bool on) { cfg().flagTreeMouseOverInfo = on; });
-    menu.createCheckAction(xt("Status Bar"), cfg().flagStatusBar, [this](bool on) {
-        cfg().flagStatusBar = on;
-        statusBar()->setVisible(on);
-    });
-    menu.addSeparator();
-    menu.createAction(xt("About Talvo Finder"), [this]() { on_about(); }, QIcon(QStringLiteral(":/tf/icons/find3.svg")));
-    menu.exec(QCursor::pos());
 }
 
 } // namespace tavFinder

@@ -11,6 +11,7 @@ namespace tav {
 namespace {
 std::atomic<int> gAnswer{-1};
 std::atomic<int> gShown{0};
+QString gScriptedText;
 
 bool scripted(const char* kind, const QString& title, int* answer) {
     ++gShown;
@@ -45,11 +46,14 @@ void XBox::info(QWidget* parent, const QString& title, const QString& text) {
     QMessageBox::information(parent, title, text);
 }
 
+void XBoxInput::setScriptedText(const QString& text) { gScriptedText = text; }
+
 QString XBoxInput::get_text(QWidget* parent, const QString& title, const QString& label, const QString& text, bool* ok) {
     int a = 0;
     if (scripted("get_text", title, &a)) {
         if (ok) *ok = a == 1;
-        return a == 1 ? text : QString();
+        if (a != 1) return QString();
+        return gScriptedText.isNull() ? text : gScriptedText;
     }
     bool accepted = false;
     const QString r = QInputDialog::getText(parent, title, label, QLineEdit::Normal, text, &accepted);

@@ -24,9 +24,12 @@ public:
 class XBoxInput {
 public:
     // The text the user typed; 'ok' tells whether the dialog was accepted.
-    // A scripted answer 1 accepts 'text' unchanged.
+    // A scripted answer 1 accepts 'text' unchanged, or the scripted text when one is set.
     static QString get_text(QWidget* parent, const QString& title, const QString& label, const QString& text,
                             bool* ok = nullptr);
+    // The text the next scripted inputs return instead of their preset; a null
+    // string (the default) returns the preset.
+    static void setScriptedText(const QString& text);
 };
 
 } // namespace tav
