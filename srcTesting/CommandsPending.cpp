@@ -7,8 +7,8 @@
 namespace {
 const bool kPending = [] {
     const char* names[] = {
-        "apps.run", "xtree.writeReadTree2", "apps.edit", "prog", "dia.config", "dia.showFirstMessage",
-        "dia.editHist", "result_full_Window", "filterProxy", "qtreeViewDirs", "result_scan_Window",
+        "xtree.writeReadTree2", "prog", "dia.config", "dia.showFirstMessage",
+        "result_full_Window", "filterProxy", "qtreeViewDirs", "result_scan_Window",
         "testThumbs", "winLang", "dialogs.selectFile.pluginTest",
         "dia.selFile", "misc.dir_preview_simple", "preview.ascii", "preview.dir",
         "preview.hex",
