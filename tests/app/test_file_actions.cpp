@@ -1,0 +1,354 @@
+// The main window's file actions with real widgets: which entries the context
+// menus offer, web search, bookmark entries and the bookmarks menu, rename and
+// delete, and the history editor behind the filter combo boxes.
+#include "common/TestEnv.h"
+
+#include "base/node/XNode.h"
+#include "gui/kernel/KernelGUI.h"
+#include "gui/tools/XTools.h"
+#include "gui/widgets/XBox.h"
+#include "gui/widgets/XComboBox.h"
+#include "gui/widgets/XMenu.h"
+#include "gui/widgets/XTreeViewFiles.h"
+#include "src/gui/Bookmarks.h"
+#include "src/gui/WinFinder.h"
+#include "src/gui/WinTray.h"
+#include "src/gui/config/ConfigTavFinder.h"
+#include "src/gui/dia/DiaBookmark.h"
+#include "src/gui/dia/DiaHistory.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDesktopServices>
+#include <QLineEdit>
+#include <QPointer>
+#include <QTimer>
+#include <QToolButton>
+#include <QtTest>
+#include <functional>
+
+using namespace tavFinder;
+
+namespace {
+
+template <typename T>
+void onModal(std::function<void(T*)> f) {
+    auto* timer = new QTimer(qApp);
+    timer->setInterval(20);
+    QObject::connect(timer, &QTimer::timeout, [timer, f]() {
+        auto* d = qobject_cast<T*>(QApplication::activeModalWidget());
+        if (!d || !d->isVisible()) return;
+        timer->stop();
+        timer->deleteLater();
+        f(d);
+    });
+    timer->start();
+}
+
+void click(QWidget* dialog, const char* name) {
+    auto* b = dialog->findChild<QAbstractButton*>(QString::fromLatin1(name));
+    QVERIFY2(b, name);
+    b->click();
+}
+
+QStringList entries(const QMenu& menu) {
+    QStringList out;
+    for (QAction* a : menu.actions())
+        if (!a->isSeparator()) out << a->text();
+    return out;
+}
+
+QAction* entry(const QMenu& menu, const QString& text) {
+    for (QAction* a : menu.actions())
+        if (a->text() == text) return a;
+    return nullptr;
+}
+
+void writeSearchList(const QByteArray& text) {
+    QFile f(tav::XTools::get_absolute_config_file_path(QStringLiteral("search_machines.txt")).absoluteFilePath());
+    QVERIFY(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    f.write(text);
+}
+
+} // namespace
+
+class TestFileActions : public QObject {
+    Q_OBJECT
+    tftest::TestEnv env;
+    tav::KernelGUI kernel{QStringLiteral("talvoEngine"), QStringLiteral("app"), QStringList(), true};
+    tftest::TestDir tree;
+    QPointer<WinFinder> win;
+    QList<QUrl> opened;
+
+    QString abs(const QString& rel) const { return QFileInfo(tree.abs(rel)).absoluteFilePath(); }
+
+public slots:
+    // Stands in for the browser: web searches end here.
+    void openUrl(const QUrl& url) { opened << url; }
+
+private slots:
+    void initTestCase() {
+        WinTray::setWatchdogEnabled(false);
+        tav::XTools::set_lang(QStringLiteral("en"));
+        QDesktopServices::setUrlHandler(QStringLiteral("https"), this, "openUrl");
+        tree.file(QStringLiteral("docs/deep/er/Report 2024.txt"), "report");
+        tree.file(QStringLiteral("docs/note.txt"), "note");
+        tree.file(QStringLiteral("docs/other.txt"), "other");
+        tree.dir(QStringLiteral("folder/sub"));
+        tree.file(QStringLiteral("folder/sub/x.txt"), "x");
+        tav::XNode* nWin = kernel.getCreateNodeApplication()->getCreateNode(QStringLiteral("GUI"))->getCreateNode(QStringLiteral("Window"));
+        win = new WinFinder(true);
+        win->init(&kernel, nWin);
+        win->setUp(abs(QStringLiteral("docs")));
+        win->setGeometry(40, 40, 1000, 600);
+        win->show();
+        win->activateWindow();
+        QVERIFY(QTest::qWaitForWindowExposed(win));
+    }
+    void cleanupTestCase() {
+        QDesktopServices::unsetUrlHandler(QStringLiteral("https"));
+        if (win) win->close();
+    }
+    void cleanup() {
+        tav::XBox::setScriptedAnswer(-1);
+        tav::XBoxInput::setScriptedText(QString());
+        cfg().flag_tf_read_only = true;
+    }
+
+    void menusFollowTheirConditions() {
+        Bookmarks::get_tree().clear();
+        const QFileInfo file(abs(QStringLiteral("docs/note.txt")));
+        const QFileInfo dir(abs(QStringLiteral("folder")));
+        const QStringList tail{"Window", "File Manager", "Terminal", "Copy Path to Clipboard", "Copy Filename to Clipboard",
+                               "Web Search", "Add Bookmark"};
+        QVERIFY(cfg().flag_tf_read_only);   // the default
+        {
+            tav::XMenu m;
+            win->fill_contextMenu(m, file, nullptr, false);
+            QCOMPARE(entries(m), QStringList({"View", "View with ...", "Tree", "Open with ...", "Open With Default Program"}) + tail +
+                                     QStringList{"Properties"});
+        }
+        {
+            // Folders: no View, no Open with, no Properties; without a directory preview the menu ends.
+            tav::XMenu m;
+            win->fill_contextMenu(m, dir, nullptr, false);
+            QCOMPARE(entries(m), QStringList{"Tree"} + tail);
+        }
+        cfg().flag_tf_read_only = false;
+        {
+            tav::XMenu m;
+            win->fill_contextMenu(m, file, nullptr, true);
+            QCOMPARE(entries(m), QStringList({"View", "View with ...", "Open with ...", "Open With Default Program", "Rename", "Delete"}) +
+                                     tail + QStringList{"Properties"});
+            QCOMPARE(entry(m, QStringLiteral("Rename"))->data().toInt(), 200);
+        }
+        {
+            tav::XMenu m;
+            win->fill_contextMenu(m, dir, nullptr, true);
+            QCOMPARE(entries(m), QStringList({"Rename", "Delete"}) + tail);
+        }
+        // A bookmarked entry offers edit and remove instead of add.
+        Bookmarks::add_bookmark(Bookmarks::get_tree(), Bookmark{QStringLiteral("F"), dir.absoluteFilePath()});
+        tav::XMenu m;
+        win->context_menu_bookmark(m, dir);
+        QCOMPARE(entries(m), QStringList({"Edit Bookmark", "Remove Bookmark"}));
+        Bookmarks::get_tree().clear();
+    }
+
+    void clipboardAndTreeEntries() {
+        const QFileInfo file(abs(QStringLiteral("docs/deep/er/Report 2024.txt")));
+        tav::XMenu m;
+        win->fill_contextMenu(m, file, nullptr, false);
+        entry(m, QStringLiteral("Copy Path to Clipboard"))->trigger();
+        QCOMPARE(tav::XClipboard::text(), file.absoluteFilePath());
+        entry(m, QStringLiteral("Copy Filename to Clipboard"))->trigger();
+        QCOMPARE(tav::XClipboard::text(), QStringLiteral("Report 2024.txt"));
+        entry(m, QStringLiteral("Tree"))->trigger();
+        QTRY_COMPARE(win->treeView()->selectedFile().absoluteFilePath(), file.absoluteFilePath());
+    }
+
+    void webSearchReadsTheListEachTime() {
+        writeSearchList("# comment\nAlpha, https://alpha.example/s?q=$\n-\nComma, https://comma.example/s?a=1,2&q=$&x=y\n");
+        const QFileInfo file(abs(QStringLiteral("docs/deep/er/Report 2024.txt")));
+        tav::XMenu m;
+        win->context_menu_webSearchFile(m, file);
+        QMenu* web = entry(m, QStringLiteral("Web Search"))->menu();
+        QVERIFY(web);
+        QCOMPARE(entries(*web), QStringList({"Alpha", "Comma"}));
+        QVERIFY(web->actions().first()->isSeparator());
+        opened.clear();
+        entry(*web, QStringLiteral("Comma"))->trigger();
+        // The phrase is the file name alone, percent-encoded; the URL keeps its own comma.
+        QCOMPARE(opened.size(), 1);
+        QCOMPARE(opened.first().toString(QUrl::FullyEncoded), QStringLiteral("https://comma.example/s?a=1,2&q=Report%202024.txt&x=y"));
+
+        // An edited list applies at the next opening.
+        writeSearchList("Beta, https://beta.example/?q=$\n");
+        tav::XMenu m2;
+        win->context_menu_webSearchFile(m2, file);
+        QCOMPARE(entries(*entry(m2, QStringLiteral("Web Search"))->menu()), QStringList({"Beta"}));
+    }
+
+    void bookmarksMenuAndEntries() {
+        Bookmarks::get_tree().clear();
+        // An empty store: the information box, no menu.
+        tav::XBox::setScriptedAnswer(1);
+        tftest::LogCapture logs;
+        const int before = tav::XBox::countShown();
+        win->on_bookmarks();
+        QCOMPARE(tav::XBox::countShown(), before + 1);
+        QVERIFY(logs.contains(QStringLiteral("XBox::info, title:'Bookmarks'")));
+        tav::XBox::setScriptedAnswer(-1);
+
+        // Add through the context entry: the dialog's title is trimmed, the store saved.
+        const QFileInfo dir(abs(QStringLiteral("folder/sub")));
+        onModal<DiaBookmark>([dir](DiaBookmark* d) {
+            QCOMPARE(d->editTitle()->text(), QStringLiteral("sub"));
+            QCOMPARE(d->editPath()->text(), dir.absoluteFilePath());
+            d->editTitle()->setText(QStringLiteral("  Sub folder "));
+            click(d, "buttonOK");
+        });
+        win->on_add_bookmark(dir);
+        tav::XTree fromFile;
+        Bookmarks::load(fromFile);
+        QCOMPARE(Bookmarks::from_tree(fromFile), QList<Bookmark>{(Bookmark{QStringLiteral("Sub folder"), dir.absoluteFilePath()})});
+
+        // Editing to blanks keeps the old title.
+        onModal<DiaBookmark>([](DiaBookmark* d) {
+            d->editTitle()->setText(QStringLiteral("  "));
+            click(d, "buttonOK");
+        });
+        win->on_edit_bookmark(dir);
+        QCOMPARE(Bookmarks::get_bookmark(Bookmarks::get_tree(), dir.absoluteFilePath()).title, QStringLiteral("Sub folder"));
+
+        const QFileInfo file(abs(QStringLiteral("docs/other.txt")));
+        Bookmarks::add_bookmark(Bookmarks::get_tree(), Bookmark{QStringLiteral("Other"), file.absoluteFilePath()});
+        tav::XMenu menu(nullptr, true);
+        QVERIFY(win->fill_bookmarks_menu(menu));
+        QCOMPARE(entries(menu), QStringList({"Sub folder", "Other", "Edit Bookmarks"}));
+        QCOMPARE(entry(menu, QStringLiteral("Other"))->toolTip(), file.absoluteFilePath());
+        entry(menu, QStringLiteral("Other"))->trigger();
+        QTRY_COMPARE(win->treeView()->selectedFile().absoluteFilePath(), file.absoluteFilePath());
+
+        // Removing is not saved at once; removing everything leaves an empty menu, not the box.
+        win->on_remove_bookmark(dir);
+        win->on_remove_bookmark(file);
+        tav::XTree stillInFile;
+        Bookmarks::load(stillInFile);
+        QVERIFY(Bookmarks::contains_bookmark(stillInFile, dir.absoluteFilePath()));
+        tav::XMenu empty(nullptr, true);
+        QVERIFY(win->fill_bookmarks_menu(empty));
+        QCOMPARE(entries(empty), QStringList{"Edit Bookmarks"});
+    }
+
+    void renameAndDelete() {
+        cfg().flag_tf_read_only = false;
+        const QString note = abs(QStringLiteral("docs/note.txt"));
+        const QString other = abs(QStringLiteral("docs/other.txt"));
+        tav::XBox::setScriptedAnswer(1);
+        tftest::LogCapture logs;
+
+        // An existing name (or the current one) is refused and nothing changes.
+        for (const QString& name : {QStringLiteral("other.txt"), QStringLiteral("note.txt")}) {
+            logs.clear();
+            tav::XBoxInput::setScriptedText(name);
+            win->rename_file(QFileInfo(note));
+            QVERIFY(logs.contains(QStringLiteral("XBox::warn, title:'Error'")));
+            QVERIFY(QFileInfo::exists(note));
+        }
+        QFile f(other);
+        QVERIFY(f.open(QIODevice::ReadOnly));
+        QCOMPARE(f.readAll(), QByteArray("other"));
+        f.close();
+
+        // Cancelling the input changes nothing.
+        tav::XBox::setScriptedAnswer(0);
+        win->rename_file(QFileInfo(note));
+        QVERIFY(QFileInfo::exists(note));
+        tav::XBox::setScriptedAnswer(1);
+
+        // Through the menu entry; the parent is selected afterwards.
+        tav::XBoxInput::setScriptedText(QStringLiteral("renamed.txt"));
+        tav::XMenu m;
+        win->fill_contextMenu(m, QFileInfo(note), nullptr, false);
+        entry(m, QStringLiteral("Rename"))->trigger();
+        QVERIFY(!QFileInfo::exists(note));
+        QVERIFY(QFileInfo::exists(abs(QStringLiteral("docs/renamed.txt"))));
+        QTRY_COMPARE(win->treeView()->selectedFile().absoluteFilePath(), abs(QStringLiteral("docs")));
+
+        // F2 without a previewed file does nothing.
+        logs.clear();
+        win->on_rename();
+        QVERIFY(!logs.contains(QStringLiteral("XBox::get_text")));
+
+        // Delete: "no" keeps the file; "yes" removes a file, or a folder with everything in it.
+        tav::XBox::setScriptedAnswer(0);
+        win->on_delete(QFileInfo(other));
+        QVERIFY(QFileInfo::exists(other));
+        tav::XBox::setScriptedAnswer(1);
+        win->on_delete(QFileInfo(other));
+        QVERIFY(!QFileInfo::exists(other));
+        win->on_delete(QFileInfo(abs(QStringLiteral("folder"))));
+        QVERIFY(!QFileInfo::exists(abs(QStringLiteral("folder"))));
+        // A file that is already gone gives the warning.
+        logs.clear();
+        win->on_delete(QFileInfo(other));
+        QVERIFY(logs.contains(QStringLiteral("XBox::warn, title:'Error'")));
+    }
+
+    void comboHistoryEditor() {
+        tav::XComboBox* combo = win->comboPattern();
+        combo->set_data({QStringLiteral("*.txt"), QStringLiteral("*.cpp"), QStringLiteral("*.h")});
+        combo->setCurrentText(QStringLiteral("*.cpp"));
+        QMenu menu;
+        win->fill_combo_menu(menu, combo);
+        QCOMPARE(entries(menu), QStringList{"Edit History"});
+
+        onModal<DiaHistory>([](DiaHistory* d) {
+            d->selectRow(0);
+            click(d, "buttonDelete");
+            click(d, "buttonOK");
+        });
+        entry(menu, QStringLiteral("Edit History"))->trigger();
+        QCOMPARE(combo->get_string_items(), QStringList({"*.cpp", "*.h"}));
+        QCOMPARE(combo->currentText(), QStringLiteral("*.cpp"));
+
+        // Cancel keeps the list.
+        onModal<DiaHistory>([](DiaHistory* d) {
+            tav::XBox::setScriptedAnswer(1);
+            click(d, "buttonDeleteAll");
+            click(d, "buttonCancel");
+        });
+        DiaHistory::edit_combo_history(win, combo);
+        QCOMPARE(combo->get_string_items(), QStringList({"*.cpp", "*.h"}));
+
+        // In regular-expression mode the expressions go to the content box.
+        auto* regex = win->findChild<QToolButton*>();
+        for (QToolButton* b : win->findChildren<QToolButton*>())
+            if (b->toolTip() == QStringLiteral("Regular Expressions")) regex = b;
+        regex->setChecked(true);
+        QMenu withRegex;
+        win->fill_combo_menu(withRegex, combo);
+        QMenu* sub = entry(withRegex, QStringLiteral("Regular Expression"))->menu();
+        QCOMPARE(entries(*sub), QStringList({"EMails", "HTML Title", "XML Entities"}));
+        entry(*sub, QStringLiteral("HTML Title"))->trigger();
+        QCOMPARE(win->comboContent()->currentText(), QStringLiteral("<title[^>]*>([^<]+)</title>"));
+        QCOMPARE(combo->currentText(), QStringLiteral("*.cpp"));
+        regex->setChecked(false);
+    }
+
+    void settingsMenu() {
+        tav::XMenu m(nullptr, true);
+        win->fill_settings_menu(m);
+        QStringList got = entries(m);
+        QCOMPARE(got.mid(0, 2), QStringList({"Mouse Over Info", "Status Bar"}));
+        const bool before = cfg().flagStatusBar;
+        entry(m, QStringLiteral("Status Bar"))->trigger();
+        QCOMPARE(cfg().flagStatusBar, !before);
+        entry(m, QStringLiteral("Status Bar"))->trigger();
+        QCOMPARE(cfg().flagStatusBar, before);
+    }
+};
+
+QTEST_MAIN(TestFileActions)
+#include "test_file_actions.moc"
