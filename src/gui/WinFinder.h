@@ -158,6 +158,8 @@ public:
     void add_modify_entries(tav::XMenu& menu, const QFileInfo& fi);
     // "Deep Info" of a folder: the recursive count of its directory preview.
     void add_deep_info(tav::XMenu& menu, const QFileInfo& fi, AbstractPreviewDir* previewDir, bool fromTree);
+    // The recursive count of the main container's directory preview, for 'fi'.
+    void on_deep_view(const QFileInfo& fi);
 
     // ---- custom applications and their output (WinFinder_open_with) ----------------------------------
     void create_open_with_app(tav::XMenu& menu, const QFileInfo& fi);

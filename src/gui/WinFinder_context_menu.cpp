@@ -9,6 +9,8 @@
 #include "gui/widgets/XBox.h"
 #include "gui/widgets/XMenu.h"
 #include "gui/widgets/XTreeViewFiles.h"
+#include "src/dir/AbstractPreviewDir.h"
+#include "src/dir/ContextPreviews.h"
 #include "src/dir/XContainerPreviews.h"
 #include "src/gui/Bookmarks.h"
 #include "src/gui/WinFinder.h"
@@ -89,10 +91,31 @@ void WinFinder::fill_contextMenu(tav::XMenu& menu, const QFileInfo& fi, Abstract
     add_deep_info(menu, fi, previewDir, fromTree);
 }
 
-void WinFinder::add_deep_info(tav::XMenu&, const QFileInfo&, AbstractPreviewDir* previewDir, bool) {
+void WinFinder::add_deep_info(tav::XMenu& menu, const QFileInfo& fi, AbstractPreviewDir* previewDir, bool fromTree) {
     AbstractPreviewDir* dir = previewDir ? previewDir : (container_preview_ ? container_preview_->previewDirectory() : nullptr);
     // Without a directory preview the menu ends here.
     if (!dir) return;
+    menu.addSeparator();
+    if (fromTree) {
+        menu.createAction(xt("Deep Info"), [this, fi]() {
+            log(32, "WinFinder::on_contextMenu_treeView - deep view");
+            on_deep_view(fi);
+        });
+        return;
+    }
+    menu.createAction(xt("Deep Info"), [dir]() {
+        log(32, "WinFinder::on_contextMenu_rightSide - prev dir, deep info");
+        dir->onDeepInfo();
+    }, QIcon(), xt("Count files recursively"));
+}
+
+void WinFinder::on_deep_view(const QFileInfo& fi) {
+    log(32, "WinFinder::on_deep_view, fi:$", fi);
+    AbstractPreviewDir* dir = container_preview_ ? container_preview_->previewDirectory() : nullptr;
+    if (!dir) return;
+    // The count runs on the folder the preview shows: the one the menu was opened for.
+    if (contextMain_->currentFile().absoluteFilePath() != fi.absoluteFilePath()) treeView_->selectFile(fi.absoluteFilePath(), false);
+    dir->onDeepInfo();
 }
 
 void WinFinder::context_menu_fi_path_to_clipboard(tav::XMenu& menu, const QFileInfo& fi) {

@@ -10,6 +10,8 @@
 #include "gui/widgets/XComboBox.h"
 #include "gui/widgets/XMenu.h"
 #include "gui/widgets/XTreeViewFiles.h"
+#include "gui/previews/Preview.h"
+#include "src/dir/ContextPreviews.h"
 #include "src/gui/Bookmarks.h"
 #include "src/gui/WinFinder.h"
 #include "src/gui/WinTray.h"
@@ -127,12 +129,15 @@ private slots:
             win->fill_contextMenu(m, file, nullptr, false);
             QCOMPARE(entries(m), QStringList({"View", "View with ...", "Tree", "Open with ...", "Open With Default Program"}) + tail +
                                      QStringList{"Properties"});
+            // One entry per preview of the main container.
+            QVERIFY(entry(m, QStringLiteral("View with ..."))->menu()->actions().size() >= 3);
         }
         {
-            // Folders: no View, no Open with, no Properties; without a directory preview the menu ends.
+            // Folders: no View, no Open with, no Properties; the count of the directory preview.
             tav::XMenu m;
             win->fill_contextMenu(m, dir, nullptr, false);
-            QCOMPARE(entries(m), QStringList{"Tree"} + tail);
+            QCOMPARE(entries(m), QStringList{"Tree"} + tail + QStringList{"Deep Info"});
+            QCOMPARE(entry(m, QStringLiteral("Deep Info"))->toolTip(), QStringLiteral("Count files recursively"));
         }
         cfg().flag_tf_read_only = false;
         {
@@ -145,7 +150,13 @@ private slots:
         {
             tav::XMenu m;
             win->fill_contextMenu(m, dir, nullptr, true);
-            QCOMPARE(entries(m), QStringList({"Rename", "Delete"}) + tail);
+            QCOMPARE(entries(m), QStringList({"Rename", "Delete"}) + tail + QStringList{"Deep Info"});
+            // The tree's count runs on the folder the menu was opened for.
+            tftest::LogCapture logs;
+            entry(m, QStringLiteral("Deep Info"))->trigger();
+            QVERIFY(logs.contains(QStringLiteral("WinFinder::on_contextMenu_treeView - deep view")));
+            QCOMPARE(win->contextMain()->currentFile().absoluteFilePath(), dir.absoluteFilePath());
+            QVERIFY(logs.contains(QStringLiteral("onDeepInfo")));
         }
         // A bookmarked entry offers edit and remove instead of add.
         Bookmarks::add_bookmark(Bookmarks::get_tree(), Bookmark{QStringLiteral("F"), dir.absoluteFilePath()});
@@ -276,10 +287,28 @@ private slots:
         QVERIFY(QFileInfo::exists(abs(QStringLiteral("docs/renamed.txt"))));
         QTRY_COMPARE(win->treeView()->selectedFile().absoluteFilePath(), abs(QStringLiteral("docs")));
 
-        // F2 without a previewed file does nothing.
+        // F2 renames the file of the current preview.
+        const QString renamed = abs(QStringLiteral("docs/renamed.txt"));
+        QVERIFY(win->treeView()->selectFile(renamed, false));
+        QTRY_COMPARE(win->contextMain()->currentFile().absoluteFilePath(), renamed);
+        QVERIFY(ContextPreviews::currentPreview());
+        QCOMPARE(ContextPreviews::currentPreview()->file_info().absoluteFilePath(), renamed);
+        tav::XBoxInput::setScriptedText(QStringLiteral("viaF2.txt"));
+        win->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(win));
+        QTest::keyClick(win, Qt::Key_F2);
+        QVERIFY(!QFileInfo::exists(renamed));
+        const QString viaF2 = abs(QStringLiteral("docs/viaF2.txt"));
+        QVERIFY(QFileInfo::exists(viaF2));
+
+        // Deleting the previewed file lets the preview go first.
+        QVERIFY(win->treeView()->selectFile(viaF2, false));
+        QTRY_COMPARE(ContextPreviews::currentPreview()->file_info().absoluteFilePath(), viaF2);
+        QTRY_VERIFY(tav::Preview::open_counter() > 0);
         logs.clear();
-        win->on_rename();
-        QVERIFY(!logs.contains(QStringLiteral("XBox::get_text")));
+        win->on_delete(QFileInfo(viaF2));
+        QVERIFY(logs.contains(QStringLiteral("WinFinder_modify::on_delete, Preview-Open-Counter:0")));
+        QVERIFY(!QFileInfo::exists(viaF2));
 
         // Delete: "no" keeps the file; "yes" removes a file, or a folder with everything in it.
         tav::XBox::setScriptedAnswer(0);
