@@ -3,6 +3,7 @@
 #include "common/TestEnv.h"
 
 #include "gui/previews/PreviewAscii.h"
+#include "gui/previews/XHexView.h"
 #include "gui/viewText/LineIndex.h"
 #include "gui/viewText/TextUnits.h"
 #include "gui/viewText/XTextView.h"
@@ -573,6 +574,44 @@ private slots:
         v->set_line_info_pos(LINE_INFO_BOTTOM_RIGHT);
         const QImage img = v->viewport()->grab().toImage();
         QVERIFY(QColor(img.pixel(img.width() - 20, img.height() - 10)) != v->backgroundColor());
+    }
+
+    void aFileTruncatedWhileShownIsOpenedAgain() {
+        // Log rotation may cut a file that is mapped; reading the lost pages would
+        // end the process, so the views open such a file again first.
+        tftest::TestDir dir;
+        QByteArray text;
+        for (int i = 0; i < 20000; ++i) text += "entry " + QByteArray::number(i) + " of the log\n";
+        const QString path = dir.file(QStringLiteral("rotated.log"), text);
+        XTextView v;
+        v.setFont(testFont());
+        v.resize(400, 200);
+        v.show();
+        QVERIFY(v.openFile(path));
+        v.scrollToEnd();
+        v.viewport()->grab();
+        {
+            QFile f(path);
+            QVERIFY(f.open(QIODevice::ReadWrite));
+            QVERIFY(f.resize(100));
+        }
+        const QImage img = v.viewport()->grab().toImage();   // would crash reading past the new end
+        QVERIFY(!img.isNull());
+        QCOMPARE(v.size(), int64_t(100));
+        QCOMPARE(v.visibleRowTexts().value(0), QStringLiteral("entry 0 of the log"));
+
+        tav::XHexView hex;
+        hex.resize(400, 200);
+        hex.show();
+        QVERIFY(hex.openFile(path));
+        hex.scrollToEnd();
+        {
+            QFile f(path);
+            QVERIFY(f.open(QIODevice::ReadWrite));
+            QVERIFY(f.resize(10));
+        }
+        hex.viewport()->grab();
+        QCOMPARE(hex.size(), int64_t(10));
     }
 
     void unreadableInputsFailCleanly() {

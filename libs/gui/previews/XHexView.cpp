@@ -239,7 +239,18 @@ int64_t XHexView::byteAtPoint(const QPoint& p) const {
     return std::clamp<int64_t>(row * kBytesPerRow + col, 0, src_->size() - 1);
 }
 
+void XHexView::reloadIfShrunk() {
+    if (!src_ || !src_->shrunk()) return;
+    const QString path = src_->path();
+    const int64_t top = topRow_, caret = caret_;
+    log(16, "XHexView::reloadIfShrunk, <<<$>>> became shorter, opened again", path);
+    if (!openFile(path)) return;
+    setCaretPos(caret);
+    setTopRow(top);
+}
+
 void XHexView::paintEvent(QPaintEvent*) {
+    reloadIfShrunk();
     QPainter p(viewport());
     p.fillRect(viewport()->rect(), palette().color(QPalette::Base));
     ++paintCount_;
@@ -303,6 +314,7 @@ void XHexView::paintEvent(QPaintEvent*) {
 }
 
 void XHexView::keyPressEvent(QKeyEvent* e) {
+    reloadIfShrunk();
     if (!src_) {
         QAbstractScrollArea::keyPressEvent(e);
         return;
@@ -358,6 +370,7 @@ void XHexView::keyPressEvent(QKeyEvent* e) {
 }
 
 void XHexView::mousePressEvent(QMouseEvent* e) {
+    reloadIfShrunk();
     setFocus(Qt::MouseFocusReason);
     if (!src_ || e->button() != Qt::LeftButton) return;
     setCaretPos(byteAtPoint(e->pos()), e->modifiers() & Qt::ShiftModifier);

@@ -70,6 +70,8 @@ protected:
 
 private:
     void reset();
+    // Opens the file again when it became shorter than its mapping.
+    void reloadIfShrunk();
     void updateMetrics();
     void updateScrollBar();
     void setTopRow(int64_t row);

@@ -51,6 +51,8 @@ std::shared_ptr<TextSource> TextSource::fromBytes(const QByteArray& bytes, const
     return s;
 }
 
+bool TextSource::shrunk() const { return map_ && QFileInfo(path_).size() < size_; }
+
 TextSource::~TextSource() {
     if (map_) file_.unmap(map_);
 }

@@ -30,6 +30,10 @@ public:
     bool isMapped() const { return map_ != nullptr; }
     // True when only the first part of a file could be read.
     bool isTruncated() const { return truncated_; }
+    // A mapped file that became shorter than its mapping (a log truncated by its
+    // rotation): touching the lost pages would kill the process, so a view that
+    // sees this opens the file again before it reads any byte.
+    bool shrunk() const;
 
     unsigned char at(int64_t i) const { return static_cast<unsigned char>(data_[i]); }
     // Position of the next '\n' in [from, to), or -1.

@@ -139,6 +139,17 @@ void XTextView::afterOpen() {
     viewport()->update();
 }
 
+bool XTextView::reloadIfShrunk() {
+    if (!src_ || !src_->shrunk()) return false;
+    const QString path = src_->path();
+    const int64_t top = top_.ls, caret = caret_;
+    log(16, "XTextView::reloadIfShrunk, <<<$>>> became shorter, opened again", path);
+    if (!openFile(path)) return true;
+    setCaretPos(std::min(caret, size()));
+    scrollToByte(std::min(top, size()), false);
+    return true;
+}
+
 QString XTextView::filePath() const { return src_ ? src_->path() : QString(); }
 int64_t XTextView::size() const { return src_ ? src_->size() : 0; }
 bool XTextView::isIndexing() const { return index_ && !index_->isDone(); }
@@ -688,6 +699,7 @@ bool XTextView::activateMarkAt(int64_t pos) {
 // ---- painting ------------------------------------------------------------------------------------------
 void XTextView::paintEvent(QPaintEvent*) {
     const int64_t t0 = getMicroseconds();
+    reloadIfShrunk();
     QPainter p(viewport());
     const QColor bg = backgroundColor();
     p.fillRect(viewport()->rect(), bg);

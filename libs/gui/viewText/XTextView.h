@@ -189,6 +189,8 @@ private:
 
     void resetContent();
     void afterOpen();
+    // Opens the file again when it became shorter than its mapping; true when it did.
+    bool reloadIfShrunk();
     void updateMetrics();
     int64_t wrapColumns() const;
     int64_t visibleColumns() const;

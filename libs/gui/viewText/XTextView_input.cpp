@@ -136,6 +136,7 @@ void XTextView::moveCaretVertical(int64_t rows, bool extend) {
 
 // ---- keyboard ---------------------------------------------------------------------------------
 void XTextView::keyPressEvent(QKeyEvent* e) {
+    reloadIfShrunk();
     if (!src_) {
         QAbstractScrollArea::keyPressEvent(e);
         return;
@@ -252,6 +253,7 @@ void XTextView::keyPressEvent(QKeyEvent* e) {
 
 // ---- mouse ---------------------------------------------------------------------------------------
 void XTextView::mousePressEvent(QMouseEvent* e) {
+    reloadIfShrunk();
     if (!src_) return;
     setFocus(Qt::MouseFocusReason);
     if (e->button() != Qt::LeftButton) return;
@@ -264,6 +266,7 @@ void XTextView::mousePressEvent(QMouseEvent* e) {
 }
 
 void XTextView::mouseMoveEvent(QMouseEvent* e) {
+    reloadIfShrunk();
     if (!src_) return;
     lastMousePos_ = e->pos();
     if (dragging_) {
@@ -287,6 +290,7 @@ void XTextView::mouseReleaseEvent(QMouseEvent* e) {
 }
 
 void XTextView::mouseDoubleClickEvent(QMouseEvent* e) {
+    reloadIfShrunk();
     if (!src_ || e->button() != Qt::LeftButton) return;
     const int64_t pos = byteAtPoint(e->pos(), false);
     const find::XRam w = unitWord(*index_, pos);
@@ -300,6 +304,7 @@ void XTextView::mouseDoubleClickEvent(QMouseEvent* e) {
 }
 
 void XTextView::wheelEvent(QWheelEvent* e) {
+    reloadIfShrunk();
     if (!src_) return;
     const QPoint d = e->angleDelta();
     if (e->modifiers() & Qt::ControlModifier) {
@@ -397,6 +402,7 @@ void XTextView::buildContextMenu(XMenu& menu) {
 }
 
 void XTextView::contextMenuEvent(QContextMenuEvent* e) {
+    reloadIfShrunk();
     XMenu menu(this, true);
     buildContextMenu(menu);
     menu.exec(e->globalPos());
