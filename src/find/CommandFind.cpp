@@ -2,7 +2,7 @@
 // their contents with the same engine as the main window, then prints the hits.
 //   find --dir DIR [--find TEXT] [--regex true] [--scope File|Paragraph|Sentence]
 //        [--pattern P] [--npattern P] [--textFiles true] [--hidden true]
-//        [--threads N] [--show files|count|hits]
+//        [--minSize N] [--maxSize N] [--threads N] [--show files|count|hits]
 // Exit code: 0 something found, 1 nothing found, 2 bad input.
 #include "base/dir/XDirInfo.h"
 #include "base/find/XFilter.h"
@@ -28,8 +28,8 @@ const QString kStartDir = QDir::currentPath();
 
 const char* kUsage =
     "usage: talvofinder find --dir DIR [--find TEXT] [--regex true] [--scope File|Paragraph|Sentence]\n"
-    "         [--pattern P] [--npattern P] [--textFiles true] [--hidden true] [--threads N]\n"
-    "         [--show files|count|hits]";
+    "         [--pattern P] [--npattern P] [--textFiles true] [--hidden true] [--minSize N] [--maxSize N]\n"
+    "         [--threads N] [--show files|count|hits]";
 
 int badInput(const QString& message) {
     tav::Logger::printToCerr(QStringLiteral("find: ") + message);
@@ -55,17 +55,35 @@ bool readBool(const tav::CommandLine& cl, const QString& key, bool& value, QStri
     return true;
 }
 
+// Bytes, or a number with kb, mb or gb (1024-based).
+bool readSize(const tav::CommandLine& cl, const QString& key, bool& given, uint64_t& value, QString& error) {
+    given = cl.hasKey(key);
+    if (!given) return true;
+    const QString t = cl.getString(key);
+    value = tav::get_bytes_number(t);
+    if (value == 0 && !t.trimmed().startsWith(QLatin1Char('0'))) {
+        error = tav::fill("--$ takes a size like 4096, 10kb or 2mb, not '$'", key, t);
+        return false;
+    }
+    return true;
+}
+
 int commandFind(tav::KernelGUI& kernel) {
     const int64_t timeStart = tav::getMicroseconds();
     tav::CommandLine& cl = kernel.commandLine();
     cl.addMustHaveKeys(QStringLiteral("dir"));
-    cl.addOptionalKeys(QStringLiteral("find,regex,scope,pattern,npattern,textFiles,hidden,threads,show,countLines"));
+    cl.addOptionalKeys(
+        QStringLiteral("find,regex,scope,pattern,npattern,textFiles,hidden,minSize,maxSize,threads,show,countLines"));
     if (!cl.checkKeys()) return badInput(cl.lastError());
 
     QString error;
     bool regEx = false, textFiles = false, hidden = false, countLines = true;
     if (!readBool(cl, QStringLiteral("regex"), regEx, error) || !readBool(cl, QStringLiteral("textFiles"), textFiles, error) ||
         !readBool(cl, QStringLiteral("hidden"), hidden, error) || !readBool(cl, QStringLiteral("countLines"), countLines, error))
+        return badInput(error);
+    bool hasMin = false, hasMax = false;
+    uint64_t minSize = 0, maxSize = 0;
+    if (!readSize(cl, QStringLiteral("minSize"), hasMin, minSize, error) || !readSize(cl, QStringLiteral("maxSize"), hasMax, maxSize, error))
         return badInput(error);
 
     const QString dirArg = cl.getString(QStringLiteral("dir"));
@@ -96,6 +114,13 @@ int commandFind(tav::KernelGUI& kernel) {
     filter.fileFilter.setPattern(cl.getString(QStringLiteral("npattern")), true);
     if (textFiles) {
         for (const QString& e : tav::default_text_file_extensions()) filter.fileFilter.textFileExtensions.insert(e);
+    }
+    if (hasMin || hasMax) {
+        filter.fileFilter.sizeArea = hasMin && hasMax ? tav::XFileFilter::BETWEEN
+                                     : hasMin         ? tav::XFileFilter::GREATER_EQUAL
+                                                      : tav::XFileFilter::LESS_EQUAL;
+        filter.fileFilter.size1 = hasMin ? minSize : maxSize;
+        filter.fileFilter.size2 = maxSize;
     }
     const bool content = cl.hasKey(QStringLiteral("find"));
     if (content) {

@@ -86,6 +86,12 @@ private slots:
         QCOMPARE(r.code, 0);
         QCOMPARE(r.out, (QStringList{d.abs(QStringLiteral("a/none.md")), d.abs(QStringLiteral("a/three.txt")),
                                      d.abs(QStringLiteral("b/two.txt")), QStringLiteral("files: total:5, files match:3")}));
+        // Size bounds are inclusive.
+        r = run({"--dir", d.path(), "--minSize", "15", "--maxSize", "20", "--show", "count"});
+        QCOMPARE(r.out, QStringList{QStringLiteral("files: total:5, files match:2")});
+        r = run({"--dir", d.path(), "--maxSize", "8"});
+        QCOMPARE(r.out, (QStringList{d.abs(QStringLiteral("a/none.md")), d.abs(QStringLiteral("x.bin")),
+                                     QStringLiteral("files: total:5, files match:2")}));
         r = run({"--dir", d.path(), "--pattern", "*.none", "--show", "count"});
         QCOMPARE(r.code, 1);
         QCOMPARE(r.out, QStringList{QStringLiteral("files: total:5, files match:0")});
@@ -101,6 +107,7 @@ private slots:
             {"--dir", d.path(), "--threads", "0"},
             {"--dir", d.path(), "--hidden", "maybe"},
             {"--dir", d.path(), "--show", "all"},
+            {"--dir", d.path(), "--minSize", "big"},
             {"--dir", d.path(), "--colour", "red"},
         };
         for (const QStringList& args : bad) {

@@ -7,6 +7,7 @@
 #include <QFileInfo>
 #include <QMutex>
 #include <QMutexLocker>
+#include <mutex>
 #include <utility>
 
 namespace tftest {
@@ -28,7 +29,7 @@ QString TestEnv::cacheHome() const { return dir_.path() + QStringLiteral("/cache
 QString TestEnv::runtimeDir() const { return dir_.path() + QStringLiteral("/runtime"); }
 
 struct LogCapture::Impl {
-    mutable QMutex mutex;
+    mutable std::mutex mutex;   // visible to the thread sanitizer
     std::vector<std::pair<unsigned, QString>> lines;
     int id = 0;
 };
@@ -36,14 +37,14 @@ struct LogCapture::Impl {
 LogCapture::LogCapture() : d(std::make_unique<Impl>()) {
     Impl* p = d.get();
     d->id = tav::Logger::addSink([p](unsigned level, const QString& line) {
-        QMutexLocker l(&p->mutex);
+        std::lock_guard<std::mutex> l(p->mutex);
         p->lines.emplace_back(level, line);
     });
 }
 LogCapture::~LogCapture() { tav::Logger::removeSink(d->id); }
 
 QStringList LogCapture::lines() const {
-    QMutexLocker l(&d->mutex);
+    std::lock_guard<std::mutex> l(d->mutex);
     QStringList out;
     for (auto& [lv, s] : d->lines) out << s;
     return out;
@@ -57,14 +58,14 @@ int LogCapture::count(const QString& part) const {
     return n;
 }
 QStringList LogCapture::linesAtLevel(unsigned level) const {
-    QMutexLocker l(&d->mutex);
+    std::lock_guard<std::mutex> l(d->mutex);
     QStringList out;
     for (auto& [lv, s] : d->lines)
         if (lv & level) out << s;
     return out;
 }
 void LogCapture::clear() {
-    QMutexLocker l(&d->mutex);
+    std::lock_guard<std::mutex> l(d->mutex);
     d->lines.clear();
 }
 

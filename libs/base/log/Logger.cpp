@@ -5,6 +5,7 @@
 #include <atomic>
 #include <cstdio>
 #include <map>
+#include <mutex>
 
 namespace tav {
 namespace {
@@ -12,7 +13,8 @@ std::atomic<unsigned> gBits{4};
 std::atomic<int> gSimple{1};
 std::atomic<int> gSinkCount{0};
 std::atomic<bool> gStderr{true};
-QMutex& sinkMutex() { static QMutex m; return m; }
+// std::mutex: its locking is visible to the thread sanitizer (QMutex contention is not).
+std::mutex& sinkMutex() { static std::mutex m; return m; }
 std::map<int, Logger::Sink>& sinks() { static std::map<int, Logger::Sink> s; return s; }
 int gNextSink = 1;
 }
@@ -38,7 +40,7 @@ void Logger::write(unsigned level, const QString& text) {
         std::fwrite(line.constData(), 1, size_t(line.size()), stderr);
     }
     if (gSinkCount.load() > 0) {
-        QMutexLocker lock(&sinkMutex());
+        std::lock_guard<std::mutex> lock(sinkMutex());
         for (auto& [id, s] : sinks()) s(level, text);
     }
 }
@@ -54,14 +56,14 @@ void Logger::printToCerr(const QString& text) {
 }
 
 int Logger::addSink(Sink sink) {
-    QMutexLocker lock(&sinkMutex());
+    std::lock_guard<std::mutex> lock(sinkMutex());
     const int id = gNextSink++;
     sinks()[id] = std::move(sink);
     gSinkCount = int(sinks().size());
     return id;
 }
 void Logger::removeSink(int id) {
-    QMutexLocker lock(&sinkMutex());
+    std::lock_guard<std::mutex> lock(sinkMutex());
     sinks().erase(id);
     gSinkCount = int(sinks().size());
 }
