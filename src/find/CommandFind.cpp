@@ -133,7 +133,8 @@ int commandFind(tav::KernelGUI& kernel) {
     tav::XDirInfo scan;
     scan.flagHiddenFiles = hidden;
     scan.scan_dir(dir, &filter.fileFilter);
-    tav::XFindStats stats = scan.setup_filtered_files(filter.fileFilter, true);
+    // A listing is printed by path; hit files are ordered by their hits later.
+    tav::XFindStats stats = scan.setup_filtered_files(filter.fileFilter, !content);
 
     QByteArray out;
     if (!content) {

@@ -13,6 +13,16 @@ struct FileResult {
 
     FileResult() = default;
     FileResult(tav::find::XRamLayer l, QFileInfo fi) : layer(std::move(l)), fileInfo(std::move(fi)) {}
+    FileResult(const FileResult&) = default;
+    FileResult& operator=(const FileResult&) = default;
+    // noexcept, so that growing result vectors move the marks instead of copying them
+    // (QFileInfo has no move constructor; copying it only counts a reference).
+    FileResult(FileResult&& o) noexcept : layer(std::move(o.layer)), fileInfo(o.fileInfo) {}
+    FileResult& operator=(FileResult&& o) noexcept {
+        layer = std::move(o.layer);
+        fileInfo = o.fileInfo;
+        return *this;
+    }
     // The hit count, or "not-valid" without hits.
     QString toString() const { return layer.toString(); }
 };

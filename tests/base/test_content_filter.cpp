@@ -125,6 +125,9 @@ private slots:
         // Look-behind and back references (no fast finder for these).
         QCOMPARE(texts(t, find(QStringLiteral("(?<=Runtime)\\w+"), true, kFile, t)), (QByteArrayList{"Exception"}));
         QCOMPARE(texts(t, find(QStringLiteral("(e)(r)\\2"), true, kFile, t)), (QByteArrayList{"err", "err"}));
+        // A plain word as expression: exact bytes, case counts.
+        QCOMPARE(find(QStringLiteral("Errno"), true, kFile, t), Marks());
+        QCOMPARE(find(QStringLiteral("errno"), true, kFile, t).size(), 2);
         XContentFilter f;
         QVERIFY(!f.createSymbols(QStringLiteral("([a-z]"), true));
         QVERIFY(f.errorText().contains(QStringLiteral("offset")));
@@ -155,7 +158,7 @@ private slots:
                                     "kelvin", "σοφία a", "\"end. why?\"", "the -\"the the\"", "a aa", "ẞ"};
         const QStringList regex = {"[A-Z][a-z]+Exception|errno", "^\\w+", "\\w+$", "(?i)kelvin", "r.t", "a+", "a*?b|a",
                                    "[^a ]{3}", "\\bthe\\b", "(?<=the )\\w+", "(a)\\1", "e\\s+\\S", "(?i)GRÖSSE|größe", ".",
-                                   "\\.\\s", "\\S+\\?$", "\\Aa", "value(?= errno)"};
+                                   "\\.\\s", "\\S+\\?$", "\\Aa", "value(?= errno)", "errno", "return value", "größe", "aa"};
         int compared = 0, withMarks = 0;
         for (uint32_t scope : {kFile, kPara, kSent}) {
             for (const QByteArray& t : inputs) {

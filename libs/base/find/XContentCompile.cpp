@@ -192,30 +192,9 @@ void compileHyperscanTerms(XContentSymbols& sym) {
     }
 }
 #endif
-}
 
-bool compile_symbols(const QString& text, bool regEx, bool allowHyperscan, XContentSymbols& sym, QString& error) {
-    sym.regEx = regEx;
-    if (regEx) {
-        if (text.isEmpty()) {
-            error = QStringLiteral("empty expression");
-            return false;
-        }
-        const QByteArray pattern = text.toUtf8();
-        if (!compilePcre(pattern.toStdString(), PCRE2_UTF | PCRE2_MATCH_INVALID_UTF | PCRE2_MULTILINE, sym.regex, error))
-            return false;
-        sym.captures = captureCount(sym.regex);
-        sym.utf8Sensitive = isUtf8Sensitive(pattern);
-        sym.endSensitive = isEndSensitive(pattern);
-#ifdef TF_HAVE_HYPERSCAN
-        if (allowHyperscan) compileHyperscanRegex(pattern, sym);
-#else
-        Q_UNUSED(allowHyperscan);
-#endif
-        return true;
-    }
-
-    if (!parseTerms(text, sym.terms, error)) return false;
+// The terms' alternation and single expressions, and their Hyperscan database.
+bool compileTerms(XContentSymbols& sym, bool allowHyperscan, QString& error) {
     sym.nPositive = size_t(std::count_if(sym.terms.begin(), sym.terms.end(), [](const XTerm& t) { return !t.negative; }));
     std::string alt = "(?:";
     for (size_t i = 0; i < sym.nPositive; ++i) {
@@ -236,6 +215,50 @@ bool compile_symbols(const QString& text, bool regEx, bool allowHyperscan, XCont
     Q_UNUSED(allowHyperscan);
 #endif
     return true;
+}
+
+// A pattern without any special character matches exactly its own bytes.
+bool isPlainLiteral(const QByteArray& p) {
+    if (p.isEmpty()) return false;
+    for (char c : p)
+        if (std::strchr("\\^$.|?*+()[]{}#", c) || c == '\0' || c == '\n' || c == '\r') return false;
+    return true;
+}
+}
+
+bool compile_symbols(const QString& text, bool regEx, bool allowHyperscan, XContentSymbols& sym, QString& error) {
+    sym.regEx = regEx;
+    if (regEx) {
+        if (text.isEmpty()) {
+            error = QStringLiteral("empty expression");
+            return false;
+        }
+        const QByteArray pattern = text.toUtf8();
+        if (!compilePcre(pattern.toStdString(), PCRE2_UTF | PCRE2_MATCH_INVALID_UTF | PCRE2_MULTILINE, sym.regex, error))
+            return false;
+        if (isPlainLiteral(pattern)) {
+            // Searched like one case-sensitive term: every occurrence is exact
+            // without a second engine fixing the marks.
+            XTerm term;
+            term.text = text;
+            term.literal.expression = escape_bytes(pattern.toStdString());
+            term.literal.byteLength = size_t(pattern.size());
+            sym.terms.push_back(std::move(term));
+            sym.regEx = false;
+            return compileTerms(sym, allowHyperscan, error);
+        }
+        sym.captures = captureCount(sym.regex);
+        sym.utf8Sensitive = isUtf8Sensitive(pattern);
+        sym.endSensitive = isEndSensitive(pattern);
+#ifdef TF_HAVE_HYPERSCAN
+        if (allowHyperscan) compileHyperscanRegex(pattern, sym);
+#else
+        Q_UNUSED(allowHyperscan);
+#endif
+        return true;
+    }
+    if (!parseTerms(text, sym.terms, error)) return false;
+    return compileTerms(sym, allowHyperscan, error);
 }
 
 bool prepare_scratch(const XContentSymbols& sym, XContentScratch& sc) {

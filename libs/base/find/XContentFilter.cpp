@@ -86,6 +86,10 @@ XContentScratch& XContentFilter::scratch() {
 XRamLayer XContentFilter::limit(std::vector<XRam>& marks, uint32_t maxMarks, bool binary) {
     XRamLayer layer;
     layer.setBinary(binary);
+    if (seekPos_ == 0 && maxMarks == 0) {
+        layer.assign_sorted(std::move(marks));
+        return layer;
+    }
     size_t first = 0;
     if (seekPos_ > 0)
         first = size_t(std::lower_bound(marks.begin(), marks.end(), seekPos_,

@@ -109,14 +109,18 @@ void XContentSearch::simpleHyperscan(const char* d, size_t n, uint64_t base, std
     if (occ.empty()) return;
     for (XOcc& o : occ)
         if (sym_.terms[o.id].literal.fixedLength) o.s = o.e - int64_t(sym_.terms[o.id].literal.byteLength);
-    std::sort(occ.begin(), occ.end(), [](const XOcc& a, const XOcc& b) { return a.s < b.s || (a.s == b.s && a.id < b.id); });
+    auto byStart = [](const XOcc& a, const XOcc& b) { return a.s < b.s || (a.s == b.s && a.id < b.id); };
+    if (!std::is_sorted(occ.begin(), occ.end(), byStart)) std::sort(occ.begin(), occ.end(), byStart);
 
     if (scope_ == XUnits::FILE) {
+        // One term and nothing excluded: every occurrence decides at once.
+        std::vector<XRam>& dst = sym_.terms.size() == 1 ? out : pendingFile_;
+        dst.reserve(dst.size() + occ.size());
         int64_t lastEnd = 0;
         for (const XOcc& o : occ) {
             presentFile_[o.id] = 1;
             if (o.id < sym_.nPositive && o.s >= lastEnd) {
-                pendingFile_.emplace_back(int64_t(base) + o.s, o.e - o.s, XRam::CATEGORY_HIT);
+                dst.emplace_back(int64_t(base) + o.s, o.e - o.s, XRam::CATEGORY_HIT);
                 lastEnd = o.e;
             }
         }
@@ -210,7 +214,8 @@ bool XContentSearch::gateScan(const char* d, size_t n) {
     hs_scan(sym_.hs, d, unsigned(n), 0, sc_.hsScratch, onReport, &ctx);
     if (sc_.saturated) return false;
     std::vector<XReport>& r = sc_.reports;
-    std::stable_sort(r.begin(), r.end(), [](const XReport& a, const XReport& b) { return a.e < b.e; });
+    auto byEnd = [](const XReport& a, const XReport& b) { return a.e < b.e; };
+    if (!std::is_sorted(r.begin(), r.end(), byEnd)) std::stable_sort(r.begin(), r.end(), byEnd);
     // sufMin[i]: the leftmost start among reports i.. (a lower bound for any match ending there).
     sc_.sufMin.resize(r.size());
     int64_t m = std::numeric_limits<int64_t>::max();

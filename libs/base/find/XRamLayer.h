@@ -34,6 +34,11 @@ public:
     // Appends a mark known to lie after every mark already held (search results).
     void append_sorted(const XRam& r) { marks_.push_back(r); }
     void reserve(size_t n) { marks_.reserve(n); }
+    // Takes over marks that are already sorted and do not overlap (search results).
+    void assign_sorted(std::vector<XRam>&& marks) {
+        marks_ = std::move(marks);
+        active_ = -1;
+    }
     bool contains_mark(uint32_t category) const;
     // The first mark of this category, or null.
     XRam* mark_by_category(uint32_t category);
