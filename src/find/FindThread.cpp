@@ -39,7 +39,7 @@ void FindThread::runCustom() {
             if (layer) pController->addResult(FileResult(std::move(layer), *file));
         } while (pController->isFlag(tav::AbstractThread::RUNNING));
     }
-    pTavFind->countActive.fetch_sub(1);
+    pTavFind->workerEnded();
 }
 
 } // namespace tavFinder

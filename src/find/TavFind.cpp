@@ -105,6 +105,13 @@ QFileInfo* TavFind::nextFile() {
     return nullptr;
 }
 
+void TavFind::workerEnded() {
+    if (countActive.fetch_sub(1) == 1) {
+        std::lock_guard<std::mutex> l(mutexActive);
+        condActive.notify_all();
+    }
+}
+
 void TavFind::notifyDone() {
     std::weak_ptr<int> alive = alive_;
     tav::run_in_gui_thread(

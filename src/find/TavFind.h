@@ -11,6 +11,7 @@
 #include <QFileInfo>
 #include <QString>
 #include <atomic>
+#include <condition_variable>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -88,6 +89,10 @@ public:
     std::mutex mutexIndex;
     std::atomic<uint32_t> indexNext{0};
     std::atomic<uint32_t> countActive{0};
+    // The controller looks at countActive every 10 ms; the last worker wakes it at once.
+    std::mutex mutexActive;
+    std::condition_variable condActive;
+    void workerEnded();
     std::vector<QFileInfo*> arTextFiles;
     std::atomic<uint32_t> bytesToRead{0};   // 32 bits on purpose: wraps beyond 4 GiB
 

@@ -3,6 +3,8 @@
 #include "base/log/Logger.h"
 #include "src/find/TavFind.h"
 
+#include <chrono>
+
 namespace tavFinder {
 
 ThreadControllerFind::~ThreadControllerFind() { stopAndWait(); }
@@ -40,7 +42,10 @@ void ThreadControllerFind::runCustom() {
     pTavFind->indexNext = 0;
     pTavFind->countActive = uint32_t(arThreads.size());
     for (FindThread& t : arThreads) tav::XThreadPool::start_global(&t, false);
-    while (pTavFind->countActive.load() != 0) tav::xSleep(10);
+    {
+        std::unique_lock<std::mutex> l(pTavFind->mutexActive);
+        while (pTavFind->countActive.load() != 0) pTavFind->condActive.wait_for(l, std::chrono::milliseconds(10));
+    }
     tav::log(32, "ThreadControllerFind::~runCustom, file hits:$", quint64(arResults.size()));
     pTavFind->notifyDone();
 }
