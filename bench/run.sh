@@ -4,6 +4,7 @@
 #   bench/run.sh              everything (Release build, both corpora)
 #   TF_BENCH_RUNS=5 ...       fewer timed runs per command (default 10)
 #   TF_BENCH_OUT=/tmp/x ...   where builds, corpora and results go (default bench/out)
+#   TF_BENCH_CORPORA=inc ...  only /usr/include ("inc"), only the generated tree ("syn"), or both (default)
 # Warm cache: every command runs twice before it is timed. Output goes to a
 # regular file (GNU grep stops early when its output is /dev/null).
 set -euo pipefail
@@ -12,6 +13,7 @@ HERE="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
 ROOT="$(cd "$HERE/.." && pwd)"
 OUT="${TF_BENCH_OUT:-$HERE/out}"
 RUNS="${TF_BENCH_RUNS:-10}"
+CORPORA="${TF_BENCH_CORPORA:-inc syn}"
 BUILD="$OUT/build-release"
 GEN="$OUT/gen20000"
 RES="$OUT/results"
@@ -66,7 +68,7 @@ bench() {
   local id="$1" title="$2"; shift 2
   local names=(ours ref1 ref2) args=() i=0
   for c in "$@"; do args+=(-n "${names[$i]}" "$c"); i=$((i + 1)); done
-  printf '  %-44s' "$title"
+  printf '  %-48s' "$title"
   hyperfine -N -i --warmup 2 --runs "$RUNS" --style none --output "$OUT/cmd-output.txt" \
     --export-json "$RES/$id.json" "${args[@]}" > "$RES/$id.log" 2>&1 || { echo " (hyperfine failed, see $RES/$id.log)"; return; }
   # Peak memory (maximum resident set) of one more run of each command.
@@ -123,8 +125,13 @@ run_corpus() {   # run_corpus KEY DIR
     "$TF find --dir $dir --hidden true --regex true --find ZQX_NOT_THERE_42 --show count --countLines false"
 }
 
-run_corpus inc /usr/include pthread_mutex_consistent h,hpp linux
-run_corpus syn "$SYN" ZQX_RARE_NEEDLE txt,md d0001
+rm -f "$RES"/*
+for c in $CORPORA; do
+  case "$c" in
+    inc) run_corpus inc /usr/include pthread_mutex_consistent h,hpp linux ;;
+    syn) run_corpus syn "$SYN" ZQX_RARE_NEEDLE txt,md d0001 ;;
+  esac
+done
 
 # ---- the engine's counts against the generator's manifest ------------------------------------
 echo
@@ -187,8 +194,9 @@ def mem(id_, who):
 def ms(r): return f"{r['mean']*1000:7.1f}±{r['stddev']*1000:4.1f}" if r else " " * 12
 refs = {"scan": ("fd", "find"), "lines": ("rg -c ''", ""), "regex": ("rg", ""), "read": ("", "")}
 for key in ("inc", "syn"):
+    if not os.path.exists(f"{res}/{key}.corpus"): continue
     print(f"Corpus: {open(f'{res}/{key}.corpus').read().strip()}")
-    print(f"  {'benchmark':44s} {'ours ms':>12s} {'ref1 ms':>12s} {'ref2 ms':>12s}  {'ours/ref1':>9s} {'ours/ref2':>9s}   peak MB ours/ref1/ref2")
+    print(f"  {'benchmark':48s} {'ours ms':>12s} {'ref1 ms':>12s} {'ref2 ms':>12s}  {'ours/ref1':>9s} {'ours/ref2':>9s}   peak MB ours/ref1/ref2")
     ids = ["scan", "common", "rare", "icase", "phrase", "offsets", "regex", "lines", "read"]
     for i in ids:
         id_ = f"{key}-{i}"
@@ -200,7 +208,7 @@ for key in ("inc", "syn"):
         q1 = f"{o['mean']/a['mean']:9.2f}" if o and a else " " * 9
         q2 = f"{o['mean']/b['mean']:9.2f}" if o and b else " " * 9
         mm = "/".join("-" if mem(id_, w) is None else f"{mem(id_, w):.0f}" for w in ("ours", "ref1", "ref2")[:len(r)])
-        print(f"  {title:44s} {ms(o)} {ms(a)} {ms(b)}  {q1} {q2}   {mm}")
+        print(f"  {title:48s} {ms(o)} {ms(a)} {ms(b)}  {q1} {q2}   {mm}")
     lines, read = mean(f"{key}-lines").get("ours"), mean(f"{key}-read").get("ours")
     if lines and read:
         print(f"  counting lines adds {100*(lines['mean']/read['mean']-1):+.1f} % over reading every file")
