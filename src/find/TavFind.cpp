@@ -6,7 +6,6 @@
 #include "base/util/Format.h"
 #include "src/find/ThreadControllerFind.h"
 
-#include <condition_variable>
 
 namespace tavFinder {
 
@@ -25,24 +24,11 @@ uint32_t sumSizes(const std::vector<QFileInfo*>& files) {
     };
     const size_t n = files.size();
     const size_t parts = n < 2048 ? 1 : std::min<size_t>(tav::count_hardware_threads(2), 8);
-    if (parts <= 1) return sumRange(0, n);
-    std::mutex m;
-    std::condition_variable cv;
-    size_t pending = parts - 1;
+    std::vector<uint32_t> sums(parts, 0);
+    tav::XThreadPool::run_parts(parts, [&](size_t k) { sums[k] = sumRange(n * k / parts, n * (k + 1) / parts); });
     uint32_t total = 0;
-    for (size_t k = 1; k < parts; ++k) {
-        const size_t a = n * k / parts, b = n * (k + 1) / parts;
-        tav::XThreadPool::start_global([&, a, b]() {
-            const uint32_t s = sumRange(a, b);
-            std::lock_guard<std::mutex> l(m);
-            total += s;
-            if (--pending == 0) cv.notify_one();
-        });
-    }
-    const uint32_t own = sumRange(0, n / parts);
-    std::unique_lock<std::mutex> l(m);
-    cv.wait(l, [&] { return pending == 0; });
-    return total + own;
+    for (uint32_t s : sums) total += s;
+    return total;
 }
 }
 

@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QFile>
 #include <algorithm>
+#include <iterator>
 #include <condition_variable>
 #include <mutex>
 #include <cerrno>
@@ -218,22 +219,7 @@ bool XDirInfo::scan_dir(const QString& path, const XFileFilter* filter) {
         }
     };
 
-    // Walkers beyond the first run on the pool; this thread is the first.
-    std::mutex doneM;
-    std::condition_variable doneCv;
-    unsigned helpersLeft = nWalkers - 1;
-    for (unsigned k = 1; k < nWalkers; ++k) {
-        XThreadPool::start_global([&, k]() {
-            walker(parts[k]);
-            std::lock_guard<std::mutex> l(doneM);
-            if (--helpersLeft == 0) doneCv.notify_all();
-        });
-    }
-    walker(parts[0]);
-    {
-        std::unique_lock<std::mutex> l(doneM);
-        doneCv.wait(l, [&] { return helpersLeft == 0; });
-    }
+    XThreadPool::run_parts(nWalkers, [&](size_t k) { walker(parts[k]); });
 
     bool rootFailed = false;
     for (WalkPart& part : parts) {
@@ -256,34 +242,44 @@ XFindStats XDirInfo::setup_filtered_files(const XFileFilter& filter, bool sortBy
         uint64_t size;
         bool known;
     };
-    std::vector<Hit> hits;
-    hits.reserve(files_.size());
-    for (FileRec& r : files_) {
-        const char* name = names_.data() + r.nameOff;
-        if (!prepared.matchFileName(name, r.nameLen)) continue;
-        std::string full = joinPath(folders_[r.folder], name, r.nameLen);
-        if (prepared.needsStat()) {
-            if (!r.hasStat) {
-                struct stat st;
-                if (::lstat(full.c_str(), &st) != 0 || !S_ISREG(st.st_mode)) continue;
-                r.hasStat = true;
-                r.size = uint64_t(st.st_size);
-                r.mtimeMs = mtimeMs(st);
+    // Name tests, stats where a bound needs them, and the paths: in parts on the pool.
+    const size_t n = files_.size();
+    const size_t parts = n < 4096 ? 1 : std::max(1u, std::min(4u, count_hardware_threads(2)));
+    std::vector<std::vector<Hit>> partHits(parts);
+    XThreadPool::run_parts(parts, [&](size_t k) {
+        std::vector<Hit>& hits = partHits[k];
+        for (size_t i = n * k / parts, end = n * (k + 1) / parts; i < end; ++i) {
+            FileRec& r = files_[i];
+            const char* name = names_.data() + r.nameOff;
+            if (!prepared.matchFileName(name, r.nameLen)) continue;
+            std::string full = joinPath(folders_[r.folder], name, r.nameLen);
+            if (prepared.needsStat()) {
+                if (!r.hasStat) {
+                    struct stat st;
+                    if (::lstat(full.c_str(), &st) != 0 || !S_ISREG(st.st_mode)) continue;
+                    r.hasStat = true;
+                    r.size = uint64_t(st.st_size);
+                    r.mtimeMs = mtimeMs(st);
+                }
+                if (!prepared.matchStat(r.size, r.mtimeMs)) continue;
             }
-            if (!prepared.matchStat(r.size, r.mtimeMs)) continue;
+            hits.push_back({std::move(full), r.size, r.hasStat});
         }
-        hits.push_back({std::move(full), r.size, r.hasStat});
-    }
+    });
+    std::vector<Hit> hits = std::move(partHits[0]);
+    for (size_t k = 1; k < parts; ++k) std::move(partHits[k].begin(), partHits[k].end(), std::back_inserter(hits));
     if (sortByPath) std::sort(hits.begin(), hits.end(), [](const Hit& a, const Hit& b) { return a.path < b.path; });
 
-    auto infos = std::make_shared<std::vector<QFileInfo>>();
-    infos->reserve(hits.size());
-    XFindStats stats;
+    auto infos = std::make_shared<std::vector<QFileInfo>>(hits.size());
+    const size_t m = hits.size();
+    const size_t infoParts = m < 4096 ? 1 : parts;
+    XThreadPool::run_parts(infoParts, [&](size_t k) {
+        for (size_t i = m * k / infoParts, end = m * (k + 1) / infoParts; i < end; ++i)
+            (*infos)[i] = QFileInfo(QFile::decodeName(QByteArray::fromRawData(hits[i].path.data(), int(hits[i].path.size()))));
+    });
     uint64_t bytes = 0;
-    for (const Hit& h : hits) {
-        infos->emplace_back(QFile::decodeName(QByteArray::fromRawData(h.path.data(), int(h.path.size()))));
+    for (const Hit& h : hits)
         if (h.known) bytes += h.size;
-    }
     // The previous list may still be in use by a search that is ending; keep it one round longer.
     retired_ = std::move(infos_);
     infos_ = std::move(infos);
@@ -291,6 +287,7 @@ XFindStats XDirInfo::setup_filtered_files(const XFileFilter& filter, bool sortBy
     ar_filtered_files.reserve(infos_->size());
     for (QFileInfo& fi : *infos_) ar_filtered_files.push_back(&fi);
 
+    XFindStats stats;
     stats.countFiles = countFiles.load();
     stats.countMatch = uint64_t(ar_filtered_files.size());
     stats.countHits = uint64_t(ar_filtered_files.size());

@@ -157,6 +157,23 @@ void XThreadPool::start_global(std::function<void()> f) {
     });
 }
 
+void XThreadPool::run_parts(size_t parts, const std::function<void(size_t part)>& fn) {
+    if (parts == 0) return;
+    std::mutex m;
+    std::condition_variable cv;
+    size_t pending = parts - 1;
+    for (size_t k = 1; k < parts; ++k) {
+        start_global([&, k]() {
+            fn(k);
+            std::lock_guard<std::mutex> l(m);
+            if (--pending == 0) cv.notify_all();
+        });
+    }
+    fn(0);
+    std::unique_lock<std::mutex> l(m);
+    cv.wait(l, [&] { return pending == 0; });
+}
+
 bool XThreadPool::wait_for_all(int ms) {
     const bool done = pool().waitForDone(ms);
     TF_HAPPENS_AFTER(&gPoolDone);

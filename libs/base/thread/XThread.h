@@ -100,6 +100,9 @@ public:
     static void start_global(AbstractThread* t, bool autoDelete = false);
     // Runs a plain function on the global pool.
     static void start_global(std::function<void()> f);
+    // Runs fn(0) .. fn(parts - 1): part 0 on the calling thread, the others on the
+    // pool; returns when all have returned.
+    static void run_parts(size_t parts, const std::function<void(size_t part)>& fn);
     // Waits for every queued and running task; ms < 0 without limit.
     static bool wait_for_all(int ms = -1);
     static int activeThreadCount();
