@@ -123,11 +123,24 @@ private slots:
 
     void stopFlagEndsAScanAndIsClearedByTheNext() {
         tftest::TestDir d;
-        for (int i = 0; i < 3000; ++i) d.file(QStringLiteral("d%1/f.txt").arg(i), "x");
+        for (int i = 0; i < 3000; ++i) {
+            d.file(QStringLiteral("d%1/f.txt").arg(i), "x");
+            d.file(QStringLiteral("d%1/g.cpp").arg(i), "yy");
+        }
         tav::XDirInfo di;
         di.flagStop = true;   // left over from an earlier cancel
         QVERIFY(di.scan_dir(d.path()));
-        QCOMPARE(di.countFiles.load(), 3000u);
+        QCOMPARE(di.countFiles.load(), 6000u);
+        // A long list is filtered in parts; the result is whole and sorted.
+        tav::XFileFilter cpp;
+        cpp.setPattern(QStringLiteral("*.cpp"), false);
+        cpp.sizeArea = tav::XFileFilter::EQUAL;
+        cpp.size1 = 2;
+        QCOMPARE(di.setup_filtered_files(cpp, true).countMatch.load(), 3000u);
+        QStringList names = relNames(di, d.path());
+        QVERIFY(std::is_sorted(names.begin(), names.end()));
+        QCOMPARE(names.filter(QStringLiteral("g.cpp")).size(), 3000);
+        QCOMPARE(names.removeDuplicates(), 0);
 
         // Stop as soon as the counters move; a busy machine may finish first, so try a few times.
         int stopped = 0;
@@ -144,7 +157,7 @@ private slots:
             QTRY_VERIFY(finished.load());
             if (!result.load()) {
                 ++stopped;
-                QVERIFY(di.countFiles.load() < 3000u);
+                QVERIFY(di.countFiles.load() < 6000u);
             }
         }
         QVERIFY(stopped > 0);
