@@ -40,6 +40,7 @@ class XTypedComboBox;
 namespace tavFinder {
 
 class AbstractPreviewDir;
+struct FileResult;
 class ContextPreviews;
 class PanelResults;
 class XContainerPreviews;
@@ -139,6 +140,9 @@ public:
     void on_contextMenu_rightSide(const QFileInfo& fi, AbstractPreviewDir* previewDir);
     // The entries of the two menus above, for 'fi' ('fromTree': the tree menu).
     void fill_contextMenu(tav::XMenu& menu, const QFileInfo& fi, AbstractPreviewDir* previewDir, bool fromTree);
+    // The menu of a search result; "View" shows its hits found with 'filter'.
+    void onContextMenu_rightSide_FileResults(const FileResult& fileResult, const tav::find::XContentFilter& filter);
+    void fill_contextMenu_FileResults(tav::XMenu& menu, const FileResult& fileResult, const tav::find::XContentFilter& filter);
     void context_menu_fi_path_to_clipboard(tav::XMenu& menu, const QFileInfo& fi);
     void context_menu_fi_name_to_clipboard(tav::XMenu& menu, const QFileInfo& fi);
     void context_menu_webSearchFile(tav::XMenu& menu, const QFileInfo& fi);

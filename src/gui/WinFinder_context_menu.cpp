@@ -12,6 +12,8 @@
 #include "src/dir/AbstractPreviewDir.h"
 #include "src/dir/ContextPreviews.h"
 #include "src/dir/XContainerPreviews.h"
+#include "base/find/XContentFilter.h"
+#include "src/find/FileResult.h"
 #include "src/gui/Bookmarks.h"
 #include "src/gui/WinFinder.h"
 #include "src/gui/apps/Terminal.h"
@@ -89,6 +91,43 @@ void WinFinder::fill_contextMenu(tav::XMenu& menu, const QFileInfo& fi, Abstract
         return;
     }
     add_deep_info(menu, fi, previewDir, fromTree);
+}
+
+void WinFinder::onContextMenu_rightSide_FileResults(const FileResult& fileResult, const tav::find::XContentFilter& filter) {
+    log(32, "WinFinder::onContextMenu_rightSide_FileResults, fResult:$", fileResult.toString());
+    tav::XMenu menu(this);
+    fill_contextMenu_FileResults(menu, fileResult, filter);
+    menu.execAt();
+}
+
+void WinFinder::fill_contextMenu_FileResults(tav::XMenu& menu, const FileResult& fileResult,
+                                             const tav::find::XContentFilter& filter) {
+    const QFileInfo fi = fileResult.fileInfo;
+    const tav::find::XRamLayer layer = fileResult.layer;
+    menu.createAction(xt("View"), [this, fi, layer, filter]() { open_stand_alone_preview(fi, layer, filter); },
+                      WindowBase::icon(QStringLiteral("show.svg")));
+    menu.createAction(xt("Tree"), [this, fi]() { treeView_->selectFile(fi.absoluteFilePath(), true); },
+                      WindowBase::icon(QStringLiteral("root.svg")));
+    menu.addSeparator();
+    menu.createAction(xt("Window"), [this, fi]() { on_open_new_win_here(fi); }, WindowBase::icon(QStringLiteral("window.svg")));
+    menu.createAction(xt("File Manager"), [fi]() { tav::XTools::showFolderInFileManager(fi.absoluteFilePath()); },
+                      WindowBase::icon(QStringLiteral("fileManager1.svg")));
+    menu.createAction(xt("Terminal"), [fi]() { Terminal::open_here(fi); });
+    menu.addSeparator();
+    create_open_with_app(menu, fi);
+    menu.createAction(xt("Open With Default Program"), [fi]() { tav::XTools::open_file_with_default_program(fi); });
+    add_modify_entries(menu, fi);
+    menu.addSeparator();
+    context_menu_fi_path_to_clipboard(menu, fi);
+    context_menu_fi_name_to_clipboard(menu, fi);
+    menu.addSeparator();
+    context_menu_webSearchFile(menu, fi);
+    menu.addSeparator();
+    context_menu_bookmark(menu, fi);
+    if (fi.isFile()) {
+        menu.addSeparator();
+        menu.createAction(xt("Properties"), [this, fi]() { open_properties(fi); });
+    }
 }
 
 void WinFinder::add_deep_info(tav::XMenu& menu, const QFileInfo& fi, AbstractPreviewDir* previewDir, bool fromTree) {

@@ -12,7 +12,10 @@
 #include "gui/widgets/XTreeViewFiles.h"
 #include "gui/previews/Preview.h"
 #include "src/dir/ContextPreviews.h"
+#include "base/find/XContentFilter.h"
+#include "src/find/FileResult.h"
 #include "src/gui/Bookmarks.h"
+#include "src/gui/WinDetails.h"
 #include "src/gui/WinFinder.h"
 #include "src/gui/WinTray.h"
 #include "src/gui/config/ConfigTavFinder.h"
@@ -164,6 +167,27 @@ private slots:
         win->context_menu_bookmark(m, dir);
         QCOMPARE(entries(m), QStringList({"Edit Bookmark", "Remove Bookmark"}));
         Bookmarks::get_tree().clear();
+    }
+
+    void resultsMenu() {
+        const QFileInfo file(abs(QStringLiteral("docs/other.txt")));
+        tav::find::XRamLayer layer;
+        layer.add_mark(tav::find::XRam{0, 5, 0});
+        tav::find::XContentFilter filter;
+        QVERIFY(filter.createSymbols(QStringLiteral("other"), false));
+        tav::XMenu m;
+        win->fill_contextMenu_FileResults(m, FileResult(layer, file), filter);
+        QCOMPARE(entries(m), QStringList({"View", "Tree", "Window", "File Manager", "Terminal", "Open with ...",
+                                          "Open With Default Program", "Copy Path to Clipboard", "Copy Filename to Clipboard",
+                                          "Web Search", "Add Bookmark", "Properties"}));
+        // "View" opens the details window on the file.
+        const int before = int(tav::XTools::getAbstractWindows(true, true).size());
+        entry(m, QStringLiteral("View"))->trigger();
+        QTRY_COMPARE(int(tav::XTools::getAbstractWindows(true, true).size()), before + 1);
+        auto* details = qobject_cast<WinDetails*>(tav::XTools::getAbstractWindows(true, true).back()->widget());
+        QVERIFY(details);
+        QCOMPARE(details->getCurrentFile().absoluteFilePath(), file.absoluteFilePath());
+        details->close();
     }
 
     void clipboardAndTreeEntries() {
