@@ -4,6 +4,12 @@
 
 #include "gui/tools/XTools.h"
 #include "gui/widgets/XBox.h"
+#include "base/node/XNode.h"
+#include "gui/previews/Preview.h"
+#include "gui/panel/XSplitter.h"
+#include "src/dialogs/DiaSelectFile.h"
+#include "src/dialogs/XFileDialogHelper.h"
+#include "src/dir/XContainerPreviews.h"
 #include "src/gui/Bookmarks.h"
 #include "src/gui/dia/DiaBookmark.h"
 #include "src/gui/dia/DiaEditBookmarks.h"
@@ -12,6 +18,7 @@
 #include "src/gui/dia/ListModelHistory.h"
 
 #include <QApplication>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListView>
 #include <QPushButton>
@@ -62,6 +69,25 @@ QList<Bookmark> storedInFile() {
     Bookmarks::load(t);
     return Bookmarks::from_tree(t);
 }
+
+// A caller's own preview for one extension.
+class PreviewProbe : public tav::Preview {
+public:
+    PreviewProbe() { set_file_extensions({QStringLiteral("zzz")}); }
+    unsigned get_category() const override { return CATEGORY_OTHER; }
+    void ini() override { set_widget(new QLabel()); }
+    bool open_file(const QFileInfo& fi) override {
+        fileInfo_ = fi;
+        ++opened;
+        return true;
+    }
+    QString type() override { return QStringLiteral("Probe"); }
+    QString name() override { return QStringLiteral("Probe"); }
+    int opened = 0;
+};
+
+// The file dialog inside DiaSelectFile moving its cursor to 'path'.
+void cursorTo(DiaSelectFile* d, const QString& path) { emit d->fileDialog()->currentChanged(path); }
 
 } // namespace
 
@@ -225,6 +251,60 @@ private slots:
         QCOMPARE(Bookmarks::from_tree(Bookmarks::get_tree()), sample());
         dia.on_accept();
         QCOMPARE(storedInFile().at(1).title, QStringLiteral("Second"));
+    }
+
+    void fileSelectionDialog() {
+        tftest::TestDir dir;
+        const QString text = QFileInfo(dir.file(QStringLiteral("a/readme.txt"), "hello")).absoluteFilePath();
+        const QString odd = QFileInfo(dir.file(QStringLiteral("a/blob.q9x"), QByteArray("\x01\x02", 2))).absoluteFilePath();
+        const QString probeFile = QFileInfo(dir.file(QStringLiteral("a/b/c.zzz"), "z")).absoluteFilePath();
+        const QString folder = QFileInfo(dir.abs(QStringLiteral("a/b"))).absoluteFilePath();
+        tav::XNode node(QStringLiteral("SelectFile"));
+
+        // Cancel gives nothing, even after the cursor reached a file; an unknown
+        // extension is shown in the hex preview.
+        onModal<DiaSelectFile>([odd](DiaSelectFile* d) {
+            cursorTo(d, odd);
+            QCOMPARE(DiaSelectFile::selectedPath(), odd);
+            XContainerPreviews* c = d->container();
+            QCOMPARE(c->currentWidget(), c->hexPreview()->widget_preview());
+            QCOMPARE(c->hexPreview()->file_info().absoluteFilePath(), odd);
+            d->fileDialog()->reject();
+        });
+        QCOMPARE(DiaSelectFile::getSelectedFile(&node), QString());
+        QVERIFY(!node.hasAttribute(QStringLiteral("path")));
+
+        // Accepting with a folder under the cursor returns it and starts there next time.
+        onModal<DiaSelectFile>([text, folder](DiaSelectFile* d) {
+            cursorTo(d, text);
+            QCOMPARE(d->container()->currentWidget(), d->container()->textPreview()->widget_preview());
+            cursorTo(d, QString());      // ignored
+            cursorTo(d, folder);
+            QCOMPARE(d->windowTitle(), folder);
+            d->fileDialog()->done(QDialog::Accepted);
+        });
+        QCOMPARE(DiaSelectFile::getSelectedFile(&node), folder);
+        QCOMPARE(node.getString(QStringLiteral("path")), folder);
+        QVERIFY(node.hasAttribute(QStringLiteral("splitter")));
+
+        // A caller's preview takes its extension; a second set-up changes nothing.
+        PreviewProbe* probe = nullptr;
+        onModal<DiaSelectFile>([&probe, probeFile, folder](DiaSelectFile* d) {
+            QCOMPARE(QFileInfo(d->fileDialog()->directory().absolutePath()).absoluteFilePath(), folder);
+            tftest::LogCapture logs;
+            d->setup(nullptr);
+            QVERIFY(logs.contains(QStringLiteral("XFileDialogMultiPreview::setup, already setup!")));
+            cursorTo(d, probeFile);
+            QCOMPARE(probe->opened, 1);
+            QCOMPARE(d->container()->currentWidget(), probe->widget_preview());
+            d->fileDialog()->done(QDialog::Accepted);
+        });
+        const QString got = DiaSelectFile::getSelectedFile(&node, [&probe](DiaSelectFile& d) {
+            probe = new PreviewProbe();
+            d.add_preview(probe);
+        });
+        QCOMPARE(got, probeFile);
+        QCOMPARE(node.getString(QStringLiteral("path")), folder);
     }
 
     void historyModelRows() {
