@@ -18,6 +18,7 @@
 #include "gui/widgets/XTabWidget.h"
 #include "gui/widgets/XTypedComboBox.h"
 #include "src/gui/WinDetails.h"
+#include "src/gui/WinFinder.h"
 #include "src/gui/WinTray.h"
 #include "src/gui/config/ConfigTavFinder.h"
 #include "src/gui/panPreview/PanPreviewHex.h"
@@ -404,6 +405,21 @@ void TestDetails::detailsWindowChoosesTabsAndZooms() {
     QVERIFY(nAsc);
     QCOMPARE(nAsc->getUInt(QStringLiteral("bitsConfig"), 0), uint32_t(1034 | 4));
     QVERIFY(viewNode()->hasAttribute(QStringLiteral("geometry")));
+
+    // The main window opens the details of a result with its hits.
+    QPointer<tavFinder::WinFinder> main = tavFinder::WinFinder::new_win(dir.path());
+    QVERIFY(main);
+    main->open_stand_alone_preview(QFileInfo(text), hits, filter);
+    WinDetails* opened = nullptr;
+    for (QWidget* t : QApplication::topLevelWidgets())
+        if (auto* d = qobject_cast<WinDetails*>(t)) opened = d;
+    QVERIFY(opened);
+    QCOMPARE(opened->getCurrentFile().absoluteFilePath(), QFileInfo(text).absoluteFilePath());
+    QCOMPARE(positions(opened->panelText()->textView()->layers().layer_by_ID(1000)), (std::vector<int64_t>{17}));
+    QPointer<WinDetails> guard(opened);
+    opened->close();
+    main->close();
+    QTRY_VERIFY(guard.isNull() && main.isNull());
 }
 
 QTEST_MAIN(TestDetails)
