@@ -56,13 +56,13 @@ bool TavFind::isRunning() const { return pController->isFlag(tav::AbstractThread
 
 bool TavFind::waitDone(int ms) { return pController->waitDone(ms); }
 
-void TavFind::start_search() {
+bool TavFind::start_search() {
     tav::log(32, "TavFind2::start_search, arTextFiles:$", quint64(arTextFiles.size()));
     if (pController->isFlag(tav::AbstractThread::RUNNING)) {
         // A start request during a search stops it; nothing new is started.
         tav::log(32, "TavFind2::start_search - RUNNING");
         pController->setRunning(false);
-        return;
+        return false;
     }
     tav::log(32, "TavFind2::start_search()");
     // A stopped search may still be finishing its files; its workers are rebuilt below.
@@ -70,6 +70,7 @@ void TavFind::start_search() {
     pController->ini(this);
     tav::XThreadPool::start_global(pController.get(), false);
     tav::log(32, "TavFind2::~start_search");
+    return true;
 }
 
 void TavFind::stop_search() {

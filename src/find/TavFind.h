@@ -52,8 +52,9 @@ public:
     // Takes over the list (the given vector is left empty) and sums the sizes.
     void prepareFiles(std::vector<QFileInfo*>& files);
     void prepareFiles(std::vector<QFileInfo*>&& files) { prepareFiles(files); }
-    // Starts the search; while one runs, this stops it instead.
-    void start_search();
+    // Starts the search; while one runs, this stops it instead. True when a
+    // search was started (each one ends with exactly one call of the listeners).
+    bool start_search();
     // Asks a running search to stop (the files being searched are finished first).
     void stop_search();
     bool isRunning() const;

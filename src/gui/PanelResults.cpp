@@ -1,13 +1,31 @@
 #include "src/gui/PanelResults.h"
 
+#include "base/log/Logger.h"
+#include "base/thread/XThread.h"
+#include "base/util/Format.h"
+#include "gui/kernel/KernelGUI.h"
 #include "gui/panel/XPanelStacked.h"
 #include "gui/panel/XSplitter.h"
+#include "gui/previews/PreviewAscii.h"
+#include "gui/previews/PreviewHex.h"
+#include "gui/tools/XTools.h"
+#include "gui/viewText/XTextView.h"
 #include "gui/widgets/XBrowser.h"
 #include "gui/widgets/XTableViewClassic.h"
 #include "src/dir/ContextPreviews.h"
 #include "src/dir/XContainerPreviews.h"
+#include "src/find/TavFind.h"
+#include "src/gui/FileResultModel.h"
+#include "src/gui/WinFinder.h"
+#include "src/gui/config/ConfigTavFinder.h"
+
+#include <QColor>
+#include <QHeaderView>
+#include <QPointer>
 
 namespace tavFinder {
+
+using tav::log;
 
 PanelResults::PanelResults(QWidget* parent)
     : tav::XPanel(parent, VERTICAL, QStringLiteral("findResults")), context_(std::make_unique<ContextPreviews>(QStringLiteral("CONTEXT-RESULT"))) {
@@ -16,17 +34,32 @@ PanelResults::PanelResults(QWidget* parent)
     tableResult_ = new tav::XTableViewClassic(this);
     tableResult_->setObjectName(QStringLiteral("tableResult"));
     tableResult_->set_args(1, 1);
+    model_ = new FileResultModel(this);
     container_ = new XContainerPreviews(stack_);
+    container_->addStandardPreviews();
+    stack_->addPanel(container_);
     context_->ini(tableResult_, container_);
     summary_ = new tav::XPanel(stack_, VERTICAL, QStringLiteral("resultSummary"));
     summary_->setTight();
     browser_ = summary_->createBrowser();
-    stack_->addPanel(container_);
     stack_->addPanel(summary_);
     splitter_ = new tav::XSplitter(Qt::Horizontal, this);
     splitter_->addWidget(tableResult_);
     splitter_->addWidget(stack_);
+    splitter_->setStretchFactor(0, 1);
+    splitter_->setStretchFactor(1, 1);
     add(splitter_, 1);
+
+    tableResult_->eventHeaderClicked().add([this](int column) { onTableHeaderSelected(column); });
+    tableResult_->eventRowSelected().add([this](int row) {
+        if (flagContent) on_jump_to_result(row);
+        else on_jump_to_result_simple(row);
+    });
+    tableResult_->eventContextMenu().add([this](int row) { on_context_menu(row); });
+    tableResult_->eventDoubleClick().add([this](const QModelIndex& index) {
+        if (index.isValid()) on_double_click(index.row());
+    });
+    container_->addPreviewListener([this](tav::Preview* p) { on_preview_activated(p); });
 }
 
 PanelResults::~PanelResults() = default;
@@ -34,6 +67,189 @@ PanelResults::~PanelResults() = default;
 void PanelResults::showStack(int which) {
     if (which == 0) stack_->showPanel(summary_);
     else if (which == 1) stack_->showPanel(container_);
+}
+
+void PanelResults::setHeader(const std::vector<int>& widths) {
+    model_->setHorizontalHeaderLabels({tav::xt("Name"), tav::xt("Size"), tav::xt("Date"), tav::xt("Hits"), tav::xt("Path")});
+    QHeaderView* h = tableResult_->horizontalHeader();
+    for (int c = 0; c < int(widths.size()); ++c) h->resizeSection(c, widths[size_t(c)]);
+    h->setSectionResizeMode(FileResultModel::COL_PATH, QHeaderView::Stretch);
+    h->show();
+}
+
+void PanelResults::setFileResults(std::vector<FileResult>& ar) {
+    flagContent = true;
+    log(32, "PanelResults::setFileResults, ar.size():$", quint64(ar.size()));
+    model_->clear();
+    model_->setRowCount(int(ar.size()));
+    model_->setFileResults(std::move(ar));
+    model_->sort(FileResultModel::COL_HITS, false);
+    tableResult_->setModel(model_);
+    setHeader({240, 100, 160, 80});
+    tableResult_->setColumnHidden(FileResultModel::COL_HITS, false);
+    tableResult_->setSortColum(FileResultModel::COL_HITS, 0);
+}
+
+void PanelResults::setFileResultsSimple(std::vector<QFileInfo>& ar) {
+    flagContent = false;
+    log(32, "PanelResults::setFileResultsSimple, ar.size():$", quint64(ar.size()));
+    model_->clear();
+    model_->setRowCount(int(ar.size()));
+    model_->setFiles(std::move(ar));
+    model_->sort(FileResultModel::COL_PATH, true);
+    tableResult_->setModel(model_);
+    setHeader({240, 100, 160, 80});
+    tableResult_->setSortColum(FileResultModel::COL_PATH, 1);
+    tableResult_->setColumnHidden(FileResultModel::COL_HITS, true);
+}
+
+void PanelResults::setResultSummaryHtml(int64_t startMicros, const tav::XFindStats& stats, const FindRequest& request) {
+    QString html = QStringLiteral("<!DOCTYPE HTML PUBLIC \"-//W3C//DTD HTML 4.0 Transitional//EN\">\n");
+    html += QStringLiteral("<html>\n");
+    if (tav::KernelGUI::isTavStyleDark()) html += QStringLiteral("<body style=\"background-color:#2d3339;color:white;\">\n");
+    else html += tav::fill("<body style=\"background-color:$;\">\n", QColor(222, 222, 222).name());
+    html += QStringLiteral("<h3>Search Results</h3>");
+    html += QStringLiteral("<p style=\"font-size:18px;\">");
+    html += tav::fill("Time:$ sec <br/>", tav::formatMicrosecond_as_Sec(tav::getMicroseconds() - startMicros));
+    html += tav::fill("Path:$ <br/>", request.sPath);
+    html += tav::fill("Pattern <b>'$'</b> found $ times<br/>", request.contentFilter.text(), tav::format1000(stats.countHits.load()));
+    if (stats.countMatch.load() == 0) html += tav::fill("Files total:$", tav::format1000(stats.countFiles.load()));
+    else
+        html += tav::fill("Files total:$, found in files:$", tav::format1000(stats.countFiles.load()),
+                          tav::format1000(stats.countMatch.load()));
+    html += QStringLiteral("</p>");
+    html += QStringLiteral("</body>\n");
+    html += QStringLiteral("</html>\n");
+    browser_->setHtmlText(html);
+}
+
+void PanelResults::onTableHeaderSelected(int column) {
+    if (columnHeaderLast >= 0 && columnHeaderLast != column) {
+        columnHeaderLast = column;
+        tableResult_->horizontalHeader()->viewport()->update();
+        return;
+    }
+    const int active = tableResult_->activeColumn();
+    const bool flag = tableResult_->isDescending();
+    tableResult_->setSortColum(active, flag ? 0 : 1);
+    log(32, "PanelResults::onTableHeaderSelected, column:$, sort:$", column, flag ? "DOWN" : "UP");
+    model_->sort(column, flag);
+    model_->refreshAll();
+}
+
+void PanelResults::on_jump_to_result(int row) {
+    showStack(1);
+    const FileResult fr = model_->fileResultFromRow(row);
+    const QFileInfo& fi = fr.fileInfo;
+    if (tav::XTools::is_modifier_control()) {
+        log(32, "PanelResults::on_jump_to_result, fi '$'", fi);
+        tav::XTools::drop_file(tableResult_, fi);
+        tav::XTools::set_modifier(0);
+        return;
+    }
+    WinFinder::show_status_for(this, fi);
+    if (fr.layer.isBinary()) {
+        log(32, "PanelResults::on_jump_to_result, BIN FILE !");
+        if (tav::Preview* hex = container_->hexPreview()) {
+            hex->open_file(fi);
+            if (hex->widget_preview()) container_->showPanel(hex->widget_preview());
+        } else {
+            X_ASSERT_MSG(nullptr, "previewHex == NULL");
+        }
+        return;
+    }
+    container_->cancelVisibleLoading();
+    tav::Preview* p = container_->previewByExtension(QStringLiteral("txt"));
+    if (!p) {
+        p = container_->hexPreview();
+        if (auto* hex = dynamic_cast<tav::PreviewHex*>(p)) hex->set_font_size(cfg().fontSizeHexView);
+    }
+    if (!p) {
+        log(4, "PanelResults::on_jump_to_result, no preview for <<<$>>>", fi);
+        return;
+    }
+    p->set_font(tav::XTools::getMonoFont(cfg().fontSize));
+    auto* ascii = dynamic_cast<tav::PreviewAscii*>(p);
+    if (!ascii) {
+        p->open_file(fi);
+        if (p->widget_preview()) container_->showPanel(p->widget_preview());
+        log(4, "PanelResults::on_jump_to_result, previewAscii == nullptr");
+        return;
+    }
+    ascii->set_ruler(cfg().flagRuler);
+    ascii->set_auto_wrap(cfg().flagAutoWrap);
+    ascii->set_line_info_pos(tav::LINE_INFO_POS(cfg().li_pos));
+    ascii->open_file(fi);
+    tav::viewText::XTextView* view = ascii->get_XTextView();
+    if (!X_ASSERT_MSG(view, "textView == NULL")) return;
+    tav::find::XRamLayerGroup& group = view->layers();
+    if (!group.contains_layer(LAYER_RESULT)) group.add_layer(LAYER_RESULT, 1);
+    tav::find::XRamLayer* pLayerActive = group.layer_by_ID(LAYER_RESULT);
+    if (X_ASSERT_MSG(pLayerActive, "pLayerActive == NULL")) {
+        if (fr.layer) {
+            ascii->set_XRamLayer(pLayerActive);
+            pLayerActive->clear();
+            pLayerActive->add_ram_layer(fr.layer);
+            pLayerActive->set_color_background(QColor(Qt::green).rgba());
+            pLayerActive->set_active_mark_index(0);
+            if (const tav::find::XRam* mark = pLayerActive->active_mark()) {
+                // The view lays the new file out first.
+                QPointer<tav::viewText::XTextView> guard(view);
+                const tav::find::XRam ram = *mark;
+                tav::run_in_gui_thread([guard, ram]() {
+                    if (guard) guard->scrollToRam(ram);
+                }, 200);
+            }
+        } else {
+            log(32, "PanelResults::on_jump_to_result, NIX");
+        }
+    }
+    view->viewport()->update();
+    view->setFocus();
+    if (p->widget_preview()) container_->showPanel(p->widget_preview());
+}
+
+void PanelResults::on_jump_to_result_simple(int row) {
+    log(32, "PanelResults::on_jump_to_result_simple");
+    showStack(1);
+    const QFileInfo fi = model_->fromRow(row);
+    if (tav::XTools::is_modifier_control()) {
+        log(32, "PanelResults::on_jump_to_result_simple, fi '$'", fi);
+        tav::XTools::drop_file(tableResult_, fi);
+        tav::XTools::set_modifier(0);
+        return;
+    }
+    context_->select_file(fi);
+}
+
+void PanelResults::on_double_click(int row) {
+    if (row < 0 || row >= model_->rowCount()) return;
+    log(32, "PanelResults::setup, double click");
+    if (flagContent) {
+        const FileResult fr = model_->fileResultFromRow(row);
+        log(16, "PanelResults::setup, double click, fileResult <<<$>>>", fr.toString());
+        eventOpenResult_.fire(fr);
+    } else {
+        const QFileInfo fi = model_->fromRow(row);
+        log(32, "PanelResults::setup, double click, fi <<<$>>>", fi);
+        eventOpenFile_.fire(fi);
+    }
+}
+
+void PanelResults::on_context_menu(int row) {
+    log(32, "PanelResults::setup, context at row:$, model row count:$", row, model_->rowCount());
+    if (row < 0 || row >= model_->rowCount()) return;
+    if (flagContent) eventContextResult_.fire(model_->fileResultFromRow(row));
+    else eventContextFile_.fire(model_->fromRow(row));
+}
+
+void PanelResults::on_preview_activated(tav::Preview* p) {
+    if (flagContent && model_->rowCount() > 0) {
+        const int row = tableResult_->currentRow();
+        eventOpenResult_.fire(model_->fileResultFromRow(row));
+        return;
+    }
+    if (p) eventOpenFile_.fire(p->file_info());
 }
 
 } // namespace tavFinder

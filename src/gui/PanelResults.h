@@ -1,14 +1,20 @@
 #pragma once
-// The results of a search beside their own preview container. The search
-// fills it; here it has its table, its container and its selection context.
+// The results of a search: the result table beside a stack that shows either
+// the HTML summary of a file-only search or a preview container with the
+// selected result. User actions on results go to the owner through listeners.
 #include "base/core/XEventListener.h"
+#include "base/find/XFindStats.h"
 #include "gui/panel/XPanel.h"
+#include "src/find/FileResult.h"
 
 #include <QFileInfo>
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <vector>
 
 namespace tav {
+class Preview;
 class XBrowser;
 class XPanelStacked;
 class XSplitter;
@@ -18,37 +24,69 @@ class XTableViewClassic;
 namespace tavFinder {
 
 class ContextPreviews;
+class FileResultModel;
 class XContainerPreviews;
+struct FindRequest;
 
 class PanelResults : public tav::XPanel {
     Q_OBJECT
 public:
+    using FileListener = std::function<void(const QFileInfo&)>;
+    using ResultListener = std::function<void(const FileResult&)>;
+    // Layer of the text view that carries the hits of a result.
+    static constexpr int LAYER_RESULT = 1000;
+
     explicit PanelResults(QWidget* parent = nullptr);
     ~PanelResults() override;
 
+    // Hits of a content search, most hits first (the vector is moved out).
+    void setFileResults(std::vector<FileResult>& ar);
+    // Files of a file-only search, by path (the vector is moved out).
+    void setFileResultsSimple(std::vector<QFileInfo>& ar);
+    // The HTML summary of a file-only search.
+    void setResultSummaryHtml(int64_t startMicros, const tav::XFindStats& stats, const FindRequest& request);
     // 0 the summary, 1 the preview container; other values change nothing.
     void showStack(int which);
 
+    void on_jump_to_result(int row);
+    void on_jump_to_result_simple(int row);
+    void onTableHeaderSelected(int column);
+
     tav::XTableViewClassic* tableResult() const { return tableResult_; }
+    FileResultModel* model() const { return model_; }
     XContainerPreviews* container() const { return container_; }
     ContextPreviews* context() const { return context_.get(); }
+    tav::XBrowser* browser() const { return browser_; }
+    tav::XPanelStacked* stack() const { return stack_; }
+    tav::XPanel* summaryPanel() const { return summary_; }
+    tav::XSplitter* splitter() const { return splitter_; }
 
-    tav::XEventListener<std::function<void(const QFileInfo&)>>& eventContextMenuFile() { return eventContextFile_; }
-    tav::XEventListener<std::function<void(const QFileInfo&)>>& eventOpenFile() { return eventOpenFile_; }
+    tav::XEventListener<FileListener>& eventContextMenuFile() { return eventContextFile_; }
+    tav::XEventListener<ResultListener>& eventContextMenuFileResult() { return eventContextResult_; }
+    tav::XEventListener<FileListener>& eventOpenFile() { return eventOpenFile_; }
+    tav::XEventListener<ResultListener>& eventOpenFileResult() { return eventOpenResult_; }
 
     bool flagContent = true;
     int columnHeaderLast = -1;
 
 private:
-    tav::XTableViewClassic* tableResult_;
+    void on_double_click(int row);
+    void on_context_menu(int row);
+    void on_preview_activated(tav::Preview* p);
+    void setHeader(const std::vector<int>& widths);
+
     tav::XPanelStacked* stack_;
+    tav::XTableViewClassic* tableResult_;
     XContainerPreviews* container_;
     std::unique_ptr<ContextPreviews> context_;
     tav::XPanel* summary_;
     tav::XBrowser* browser_;
     tav::XSplitter* splitter_;
-    tav::XEventListener<std::function<void(const QFileInfo&)>> eventContextFile_;
-    tav::XEventListener<std::function<void(const QFileInfo&)>> eventOpenFile_;
+    FileResultModel* model_;
+    tav::XEventListener<FileListener> eventContextFile_;
+    tav::XEventListener<ResultListener> eventContextResult_;
+    tav::XEventListener<FileListener> eventOpenFile_;
+    tav::XEventListener<ResultListener> eventOpenResult_;
 };
 
 } // namespace tavFinder

@@ -20,7 +20,9 @@
 #include "src/dir/PreviewDir.h"
 #include "src/dir/XContainerPreviews.h"
 #include "src/gui/NavigationBar.h"
+#include "src/find/TavFind.h"
 #include "src/gui/PanelResults.h"
+#include "src/gui/ThreadScanDir.h"
 #include "src/gui/WinDetails.h"
 #include "src/gui/WinProperties.h"
 #include "src/gui/WinTray.h"
@@ -53,6 +55,11 @@ WinFinder::WinFinder(bool) : contextMain_(std::make_unique<ContextPreviews>(QStr
 WinFinder::~WinFinder() {
     log(32, "WinFinder::~WinFinder");
     timer_.stop();
+    // Background work of a search ends before the window's parts go.
+    if (thScanDir) thScanDir->dirInfo.flagStop = true;
+    if (pTavFind) pTavFind->stop_search();
+    pTavFind.reset();
+    thScanDir.reset();
     // A window deleted without closing must not leave listeners on the kernel.
     remove_modifier_listeners();
     // The contexts point into widgets that go with this window.
@@ -188,10 +195,12 @@ void WinFinder::setUp(const QString& selectPath) {
 
     // 13
     findResults_->eventContextMenuFile().add([this](const QFileInfo& fi) { on_contextMenu_rightSide(fi, nullptr); });
+    findResults_->eventContextMenuFileResult().add([this](const FileResult& fr) { on_contextMenu_fileResult(fr); });
     findResults_->eventOpenFile().add([this](const QFileInfo& fi) {
         log(32, "WinFinder::setUp, double click for <$>", fi);
         open_stand_alone_preview(fi);
     });
+    findResults_->eventOpenFileResult().add([this](const FileResult& fr) { on_open_fileResult(fr); });
 
     // 14
     filterFlags_.addListener([this](uint32_t bits) { apply_filter_flags(bits); });
@@ -266,6 +275,7 @@ void WinFinder::on_close_save_state() {
     nTree->setBool(QStringLiteral("header"), treeView_->isHeaderDetails());
     container_preview_->to_node();
     nWin->setUInt(QStringLiteral("filterFlags"), filterFlags_.flags());
+    saveSearchHistory();
 }
 
 void WinFinder::on_treeView_selectFile(const QFileInfo& fi) {

@@ -4,6 +4,7 @@
 // the navigation bar above. Split over WinFinder_*.cpp by concern.
 #include "base/core/AtomicBits.h"
 #include "base/core/XProp.h"
+#include "base/find/XFilter.h"
 #include "gui/tools/XTimer.h"
 #include "src/gui/History.h"
 #include "src/gui/WindowBase.h"
@@ -15,8 +16,10 @@
 
 class QDateEdit;
 class QLabel;
-class QMenu;
 class QLineEdit;
+class QMenu;
+class QProgressBar;
+class QPushButton;
 class QToolButton;
 
 namespace tav {
@@ -43,7 +46,9 @@ class AbstractPreviewDir;
 struct FileResult;
 class ContextPreviews;
 class PanelResults;
+class TavFind;
 class XContainerPreviews;
+struct FileResult;
 
 class WinFinder : public WindowBase {
     Q_OBJECT
@@ -62,6 +67,12 @@ public:
         FILTER_SEPARATOR = 0x40000000,
     };
     static const std::vector<unsigned>& thumbSizes();
+
+    // State of the search (2 is not used).
+    enum FindState : uint32_t { FIND_IDLE = 0, FIND_SCAN = 1, FIND_CONTENT = 3, FIND_DONE = 4 };
+    // Pages of the filter panel's stack.
+    enum FindPage { PAGE_FILTER = 0, PAGE_SCAN = 1, PAGE_FILE_RESULTS = 2, PAGE_CONTENT = 3, PAGE_DONE = 4 };
+    class ThreadScanDir;
 
     explicit WinFinder(bool flag);
     ~WinFinder() override;
@@ -127,13 +138,37 @@ public:
     void apply_filter_flags(uint32_t bits);
     void on_filter_menu();
     void on_settings_menu();
-    // The context menu of the three history combo boxes ("Edit History", expressions).
+    void on_time_area();
+    void on_size_area();
+    void on_regex_toggled(bool on);
+    // The filter of the visible inputs; pErrorWidget names an input that made it unusable.
+    tav::find::XFilter filter_from_GUI();
+    // The context menu of the three history combo boxes.
     void setup_combo_menus();
     void fill_combo_menu(QMenu& menu, tav::XComboBox* combo);
+
+    // ---- search history (WinFinder_search_history.cpp) ---------------------------------------------
+    void restoreSearchHistory();
+    void saveSearchHistory();
+    // Appends 'text' unless an item equals it exactly (case counts).
+    void manage_combo_History(tav::XComboBox* combo, const QString& text);
 
     // ---- search (WinFinder_find.cpp) ---------------------------------------------------------------
     void on_find();
     void on_escape_key();
+    void on_find_dir_scanned();
+    void on_find_done();
+    void on_timer_progress();
+    // The results panel on top of the right-hand stack.
+    void show_results_panel(const char* logLine);
+    // Menu and double click of a hit file in the results panel.
+    void on_contextMenu_fileResult(const FileResult& fr);
+    void on_open_fileResult(const FileResult& fr);
+    uint32_t findState() const { return stateFind; }
+    int findPage() const;
+    const tav::find::XFilter& currentFilter() const { return filterCurrent; }
+    TavFind& tavFind() { return *pTavFind; }
+    ThreadScanDir& threadScanDir() { return *thScanDir; }
 
     // ---- context menus, file actions (WinFinder_context_menu / _modify) ------------------------------
     void on_contextMenu_treeView(const QFileInfo& fi);
@@ -197,6 +232,25 @@ public:
     QWidget* rowSize() const { return rowSize_; }
     QWidget* rowContent() const { return rowContent_; }
     QToolButton* buttonFilter() const { return buttonFilter_; }
+    QToolButton* buttonRegEx() const { return buttonRegEx_; }
+    tav::XPropBool& propRegEx() { return propRegEx_; }
+    tav::XTypedComboBox<uint32_t>* comboTimeArea() const { return comboTimeArea_; }
+    tav::XTypedComboBox<uint32_t>* comboSizeArea() const { return comboSizeArea_; }
+    tav::XTypedComboBox<uint32_t>* comboScope() const { return comboScope_; }
+    QDateEdit* date1() const { return date1_; }
+    QDateEdit* date2() const { return date2_; }
+    QLineEdit* size1() const { return size1_; }
+    QLineEdit* size2() const { return size2_; }
+    tav::XPanelStacked* panelFind() const { return panelFind_; }
+    QLabel* labelScan() const { return labelScan_; }
+    QLabel* labelFileTotals() const { return labelFileTotals_; }
+    QLabel* labelFileFilter() const { return labelFileFilter_; }
+    QLabel* labelDone() const { return labelDone_; }
+    QProgressBar* progressFind() const { return progressFind_; }
+    QPushButton* buttonResultsDone() const { return buttonResultsDone_; }
+    QPushButton* buttonScope() const { return buttonScope_; }
+    QLineEdit* editPattern() const { return editPattern_; }
+    tav::XTimer& timerProgress() { return timer_; }
     const QColor& colorTree() const { return colorTreeCurrent_; }
     int modifierListenerId(int which) const { return idModifier_[which & 1]; }
     bool isRecordHistory() const { return flagAddToHistory; }
@@ -253,6 +307,29 @@ private:
     QLineEdit* size2_ = nullptr;
     QToolButton* buttonFilter_ = nullptr;
     QToolButton* buttonRegEx_ = nullptr;
+    tav::XPropBool propRegEx_;
+
+    // search (the scan thread goes after the search, whose workers read its file list)
+    void setup_panel_find_pages();
+    tav::find::XFilter filterCurrent;
+    uint32_t stateFind = FIND_IDLE;
+    int64_t timeStartFind = 0;
+    int64_t timeStartScan = 0;
+    uint32_t scanStarted_ = 0;        // number of the last scan started
+    uint32_t scanHandled_ = 0;        // number of the last scan whose end was handled
+    uint32_t contentPending_ = 0;     // content searches started and not yet ended
+    // File lists of the scan that a content search may still read.
+    std::vector<std::shared_ptr<const std::vector<QFileInfo>>> listsInSearch_;
+    std::unique_ptr<ThreadScanDir> thScanDir;
+    std::unique_ptr<TavFind> pTavFind;
+    QLabel* labelScan_ = nullptr;
+    QLabel* labelFileTotals_ = nullptr;
+    QLabel* labelFileFilter_ = nullptr;
+    QLabel* labelDone_ = nullptr;
+    QProgressBar* progressFind_ = nullptr;
+    QPushButton* buttonResultsDone_ = nullptr;
+    QPushButton* buttonScope_ = nullptr;
+    QLineEdit* editPattern_ = nullptr;
 };
 
 } // namespace tavFinder

@@ -1,25 +1,319 @@
-// The search of the main window.
+// The search of the main window: folder and filter, the directory scan in the
+// background, the content search, the progress pages and the results.
 #include "base/log/Logger.h"
+#include "base/thread/XThread.h"
+#include "base/util/Format.h"
+#include "gui/panel/XPanel.h"
 #include "gui/panel/XPanelStacked.h"
+#include "gui/tools/XTools.h"
+#include "gui/widgets/XComboBox.h"
+#include "gui/widgets/XTableViewClassic.h"
 #include "gui/widgets/XTreeViewFiles.h"
+#include "gui/widgets/XTypedComboBox.h"
 #include "src/dir/XContainerPreviews.h"
+#include "src/find/TavFind.h"
 #include "src/gui/PanelResults.h"
+#include "src/gui/ThreadScanDir.h"
 #include "src/gui/WinFinder.h"
+#include "src/gui/config/ConfigTavFinder.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QPointer>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QToolButton>
 
 namespace tavFinder {
 
 using tav::log;
+using tav::xt;
+
+void WinFinder::ThreadScanDir::runCustom() {
+    if (X_ASSERT_MSG(pFilterCurrent, "pFilterCurrent == NULL")) {
+        // With the filter the scan skips excluded folders and stats files only for its bounds.
+        dirInfo.scan_dir(dirInfo.sPath, &pFilterCurrent->fileFilter);
+        stats = dirInfo.setup_filtered_files(pFilterCurrent->fileFilter, true);
+    }
+    runDone = runNumber.load();
+}
+
+void WinFinder::setup_panel_find_pages() {
+    thScanDir = std::make_unique<ThreadScanDir>();
+    pTavFind = std::make_unique<TavFind>();
+    thScanDir->prepareListener(true);
+    thScanDir->enableListener(true);
+    thScanDir->addListener([this]() {
+        // A scan that a newer one replaced, or an end already handled.
+        const uint32_t done = thScanDir->runDone.load();
+        if (done != scanStarted_ || done == scanHandled_) {
+            log(32, "WinFinder::setup_thread_scan_dir, scan done, replaced by a newer one");
+            return;
+        }
+        scanHandled_ = done;
+        log(32, "WinFinder::setup_thread_scan_dir, scan done!");
+        on_find_dir_scanned();
+    });
+    pTavFind->addListener([this]() { on_find_done(); });
+    timer_.addListener([this]() { on_timer_progress(); });
+
+    auto page = [this](const QString& name) {
+        auto* p = new tav::XPanel(panelFind_, tav::XPanel::HORIZONTAL, name);
+        p->setMargins(2, 2, 2, 2);
+        panelFind_->addPanel(p);
+        return p;
+    };
+
+    // scanning
+    tav::XPanel* scan = page(QStringLiteral("pageScan"));
+    scan->createButton(QStringLiteral("Cancel"), [this]() { on_escape_key(); });
+    labelScan_ = scan->createLabel(QString());
+    labelScan_->setObjectName(QStringLiteral("labelScan"));
+    scan->addSpacer();
+
+    // file results
+    tav::XPanel* files = page(QStringLiteral("pageFileResults"));
+    files->createButton(xt("Back"), [this]() { on_escape_key(); });
+    files->createButton(xt("Results"), [this]() { show_results_panel("WinFinder::setup_panel_scanDir_result, Results"); });
+    labelFileTotals_ = files->createLabel(QString());
+    labelFileTotals_->setObjectName(QStringLiteral("labelFileTotals"));
+    files->addSpacer();
+    labelFileFilter_ = files->createLabel(QString());
+    labelFileFilter_->setObjectName(QStringLiteral("labelFileFilter"));
+    labelFileFilter_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+
+    // content progress
+    tav::XPanel* content = page(QStringLiteral("pageContent"));
+    content->createButton(QStringLiteral("Cancel"), [this]() { on_escape_key(); });
+    progressFind_ = content->add(new QProgressBar(content), 1);
+    progressFind_->setRange(0, 100);
+    progressFind_->setValue(0);
+    content->createLabel(xt("...find contents"));
+
+    // done
+    tav::XPanel* done = page(QStringLiteral("pageDone"));
+    done->createButton(xt("Back"), [this]() { on_escape_key(); });
+    buttonResultsDone_ = done->createButton(xt("Results"), [this]() {
+        show_results_panel("WinFinder::setup_panel_findContents_result, Content Find Results");
+    });
+    labelDone_ = done->createLabel(QString());
+    labelDone_->setObjectName(QStringLiteral("labelDone"));
+    done->addSpacer();
+    buttonScope_ = done->createButton(xt("Paragraph"), nullptr);
+    buttonScope_->setToolTip(xt("Scope"));
+    buttonScope_->setEnabled(false);
+    editPattern_ = done->createLineEdit();
+    editPattern_->setReadOnly(true);
+    editPattern_->setMinimumWidth(200);
+    editPattern_->setToolTip(xt("Pattern"));
+    QToolButton* full = done->createImageButton(icon(QStringLiteral("expand.svg")), xt("Toggle Full Screen"), nullptr, true);
+    connect(full, &QToolButton::toggled, this, [this](bool on) {
+        if (on) showFullScreen();
+        else showNormal();
+    });
+    done->createImageButton(icon(QStringLiteral("hide.svg")), xt("Hide to Tray Menu"), [this]() { hide(); });
+
+    panelFind_->setCurrentIndex(PAGE_FILTER);
+}
+
+int WinFinder::findPage() const { return panelFind_ ? panelFind_->currentIndex() : -1; }
+
+void WinFinder::show_results_panel(const char* logLine) {
+    if (logLine) log(32, logLine);
+    stacked_->showPanel(findResults_);
+}
 
 void WinFinder::on_find() {
+    timeStartFind = tav::getMicroseconds();
     log(32, "*******************************");
     log(32, "*** WinFinder::on_find");
     log(32, "*******************************");
+    if (!panelFind_ || !thScanDir) return;
+
+    QFileInfo folder = treeView_->selectedFile();
+    if (!folder.exists()) {
+        folder = QFileInfo(cfg().sRootFolder);
+        log(32, "WinFinder::on_find - folder set to <$>", cfg().sRootFolder);
+        if (cfg().sRootFolder.isEmpty() || !folder.exists()) {
+            log(32, "WinFinder::on_find - <$> 404", cfg().sRootFolder);
+            return;
+        }
+    }
+    if (!folder.isDir()) {
+        log(32, "WinFinder::on_find - <$> not dir, go one level up", folder);
+        folder = QFileInfo(folder.absolutePath());
+    }
+    log(32, "WinFinder::on_find - <$>", folder);
+
+    tav::find::XFilter filter = filter_from_GUI();
+    if (filter.pErrorWidget) {
+        log(8, "WinFinder::on_find, !filter");
+        tav::XTools::flash_combobox_editable(qobject_cast<QComboBox*>(filter.pErrorWidget), 2);   // 4 x 150 ms
+        return;
+    }
+    // A scan still under way reads the filter and its folder: end it first.
+    if (thScanDir->isActive()) {
+        thScanDir->dirInfo.flagStop = true;
+        thScanDir->waitDone(-1);
+    }
+
+    filterCurrent = filter;
+    timeStartScan = tav::getMicroseconds();
+    log(32, "WinFinder::on_find, <<<$>>>", folder);
+    log(32, "filterCurrent:$", filterCurrent.toString(true));
+
+    stateFind = FIND_SCAN;
+    labelScan_->clear();
+    panelFind_->setCurrentIndex(PAGE_SCAN);
+    timer_.start();
+
+    thScanDir->dirInfo.sPath = folder.absoluteFilePath();
+    thScanDir->dirInfo.flagHiddenFiles = treeView_->isHiddenFiles();
+    thScanDir->pFilterCurrent = &filterCurrent;
+
+    if (filterCurrent.has_pattern(false)) comboPattern_->add_to_history(filterCurrent.pattern(false));
+    if (filterCurrent.has_pattern(true)) comboNotPattern_->add_to_history(filterCurrent.pattern(true));
+    if (!filterCurrent.contentFilter.text().isEmpty()) comboContent_->add_to_history(filterCurrent.contentFilter.text());
+
+    thScanDir->runNumber = ++scanStarted_;
+    tav::XThreadPool::start_global(thScanDir.get(), false);
+}
+
+void WinFinder::on_timer_progress() {
+    if (stateFind == FIND_SCAN) {
+        const tav::XDirInfo& d = thScanDir->dirInfo;
+        const QString text = tav::fill("Dirs:$, Files:$, Bytes:$", tav::format1000(d.countDirs.load()),
+                                       tav::format1000(d.countFiles.load()), tav::formatBytes(d.countBytes.load()));
+        QPointer<QLabel> label(labelScan_);
+        tav::qt::run_in_Gui_Thread([label, text]() {
+            if (label) label->setText(text);
+        });
+    } else if (stateFind == FIND_CONTENT) {
+        const uint32_t toRead = pTavFind->getBytesToRead();
+        if (toRead != 0) progressFind_->setValue(int(uint64_t(pTavFind->getBytesRead()) * 100 / toRead));
+    }
+}
+
+void WinFinder::on_find_dir_scanned() {
+    tav::XDirInfo& dirInfo = thScanDir->dirInfo;
+    if (dirInfo.isStopped()) {
+        log(32, "WinFinder_find::on_find_dir_scanned - CANCEL");
+        return;
+    }
+    log(32, "WinFinder::on_find_dir_scanned within $ sec", tav::formatMicrosecond_as_Sec(tav::getMicroseconds() - timeStartScan));
+
+    if (filterCurrent.has_content_filter()) {
+        log(32, "WinFinder::on_find_dir_scanned, has content filter $", filterCurrent.contentFilter.toString(false));
+        stateFind = FIND_CONTENT;
+        progressFind_->setValue(0);
+        panelFind_->setCurrentIndex(PAGE_CONTENT);
+        pTavFind->scope = comboScope_->selected();
+        pTavFind->maxThreads = cfg().countThreads;
+        pTavFind->setContentFilter(filterCurrent.contentFilter);
+        log(32, "WinFinder::on_find_dir_scanned, thScanDir.dirInfo.ar_filtered_files:$", quint64(dirInfo.ar_filtered_files.size()));
+        // The workers read the files through pointers into the scan's list: keep
+        // every list handed over alive until the search that may read it is over.
+        listsInSearch_.push_back(dirInfo.filtered_files_owner());
+        pTavFind->prepareFiles(dirInfo.ar_filtered_files);
+        if (pTavFind->start_search()) {
+            // start_search waited for any earlier search: only the new list is read now.
+            listsInSearch_.erase(listsInSearch_.begin(), listsInSearch_.end() - 1);
+            ++contentPending_;
+        }
+        return;
+    }
+
+    // file-only search
+    timer_.stop();
+    tav::XFindStats stats = thScanDir->stats;
+    const tav::XView<QFileInfo*> view = dirInfo.get_view_filtered_files();
+    log(32, "view:$", view.toString());
+    std::vector<QFileInfo> files;
+    files.reserve(view.size());
+    for (QFileInfo* fi : view) files.push_back(*fi);
+    stats.countMatch.store(uint64_t(files.size()));
+
+    findResults_->setResultSummaryHtml(timeStartScan, stats, pTavFind->request);
+    findResults_->showStack(0);
+    findResults_->setFileResultsSimple(files);
+
+    const QString totals = tav::fill(xt("files: total:$, files match:$"), tav::format1000(stats.countFiles.load()),
+                                     tav::format1000(stats.countMatch.load()));
+    QPointer<QLabel> label(labelFileTotals_);
+    tav::qt::run_in_Gui_Thread([label, totals]() {
+        if (label) label->setText(totals);
+    });
+    labelFileFilter_->setText(filterCurrent.toString(false));
+
+    show_results_panel(nullptr);
+    panelFind_->setCurrentIndex(PAGE_FILE_RESULTS);
+
+    if (filterCurrent.has_pattern(false)) manage_combo_History(comboPattern_, filterCurrent.pattern(false));
+    if (filterCurrent.has_pattern(true)) manage_combo_History(comboNotPattern_, filterCurrent.pattern(true));
+}
+
+void WinFinder::on_find_done() {
+    // Each started search ends here once; an older one that ended after a newer
+    // one started has nothing left to show (its results were cleared).
+    if (contentPending_ > 0) --contentPending_;
+    if (contentPending_ > 0) {
+        log(32, "WinFinder_find::on_find_done - an older search ended");
+        return;
+    }
+    timer_.stop();
+    log(32, "*****************************************************");
+    log(32, "*** DONE ********************************************");
+    log(32, "*****************************************************");
+
+    const tav::find::XContentFilter& cf = pTavFind->contentFilter();
+    buttonScope_->setText(xt(cf.scope_as_string()));
+    editPattern_->setText(cf.text());
+
+    if (pTavFind->hasResults()) {
+        buttonResultsDone_->setEnabled(true);
+        const QString summary = tav::fill(xt("files-total:$ => $, files-match:$, match-total:$ - $ sec"),
+                                          tav::format1000(quint64(pTavFind->countTextFiles())),
+                                          tav::formatBytes(pTavFind->getBytesToRead()),
+                                          tav::format1000(quint64(pTavFind->countResults())),
+                                          tav::format1000(pTavFind->countHits()),
+                                          tav::formatMicrosecond_as_Sec(tav::getMicroseconds() - timeStartFind));
+        QPointer<QLabel> label(labelDone_);
+        tav::qt::run_in_Gui_Thread([label, summary]() {
+            if (label) label->setText(summary);
+        });
+        findResults_->setFileResults(pTavFind->getResults());
+        show_results_panel(nullptr);
+        stateFind = FIND_DONE;
+        panelFind_->setCurrentIndex(PAGE_DONE);
+        findResults_->tableResult()->selectRow(0, true);
+    } else {
+        log(32, "WinFinder_find::on_find_done - nothing found");
+        stateFind = FIND_DONE;
+        panelFind_->setCurrentIndex(PAGE_DONE);
+        labelDone_->setText(xt("Nothing found"));
+        buttonResultsDone_->setEnabled(false);
+    }
 }
 
 void WinFinder::on_escape_key() {
-    log(32, "WinFinder::on_escape_key");
-    // Bring back the preview of the tree's selection.
-    if (stacked_ && stacked_->isShowing(findResults_)) stacked_->showPanel(container_preview_);
+    log(32, "WinFinder_find::on_escape_key");
+    const QFileInfo fi = treeView_ ? treeView_->selectedFile() : QFileInfo();
+    if (thScanDir && !thScanDir->dirInfo.flagStop.load()) thScanDir->dirInfo.flagStop = true;
+    if (pTavFind) pTavFind->stop_search();
+    stateFind = FIND_IDLE;
+    timer_.stop();
+    if (panelFind_) panelFind_->setCurrentIndex(PAGE_FILTER);
+    if (fi.exists()) on_treeView_selectFile(fi);
+}
+
+void WinFinder::on_contextMenu_fileResult(const FileResult& fr) {
+    log(32, "WinFinder::onContextMenu_rightSide_FileResults, fResult:$", fr.toString());
+    on_contextMenu_rightSide(fr.fileInfo, nullptr);
+}
+
+void WinFinder::on_open_fileResult(const FileResult& fr) {
+    log(32, "WinFinder::setUp - double click file result ....");
+    open_stand_alone_preview(fr.fileInfo);
 }
 
 } // namespace tavFinder

@@ -1,6 +1,7 @@
 // The filter panel above the tree: which inputs show follows the filter bits.
 #include "base/log/Logger.h"
 #include "base/node/XNode.h"
+#include "base/util/Format.h"
 #include "gui/kernel/KernelGUI.h"
 #include "gui/panel/XPanel.h"
 #include "gui/panel/XPanelStacked.h"
@@ -64,6 +65,12 @@ void WinFinder::setup_panel_find() {
     comboContent_->setInsertPolicy(QComboBox::NoInsert);
     comboContent_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     buttonRegEx_ = content->createImageButton(WindowBase::icon(QStringLiteral("brackets.svg")), xt("Regular Expressions"), nullptr, true);
+    buttonRegEx_->setObjectName(QStringLiteral("buttonRegEx"));
+    connect(buttonRegEx_, &QToolButton::toggled, this, [this](bool on) { propRegEx_.set(on); });
+    propRegEx_.addListener([this](bool on) {
+        if (buttonRegEx_->isChecked() != on) buttonRegEx_->setChecked(on);
+        on_regex_toggled(on);
+    });
     content->createLabel(QString())->setMinimumWidth(200);
     tav::XPanel* scope = content->createPanel(tav::XPanel::HORIZONTAL);
     scope->setMinimumWidth(180);
@@ -102,6 +109,7 @@ void WinFinder::setup_panel_find() {
     for (QDateEdit* d : {date1_, date2_}) d->setDisplayFormat(QStringLiteral("MMMM dd yyyy"));
     date2_->setVisible(false);
     rowTime_->setVisible(false);
+    connect(comboTimeArea_, QOverload<int>::of(&QComboBox::currentIndexChanged), this, [this](int) { on_time_area(); });
 
     tav::XPanel* size = row->createPanel(tav::XPanel::HORIZONTAL, QStringLiteral("rowSize"));
     rowSize_ = size;
@@ -116,6 +124,7 @@ void WinFinder::setup_panel_find() {
     }
     size2_->setVisible(false);
     rowSize_->setVisible(false);
+    connect(comboSizeArea_, QOverload<int>::of(&QComboBox::currentIndexChanged), this, [this](int) { on_size_area(); });
     row->addSpacer();
 
     // tool buttons of the window
@@ -131,8 +140,11 @@ void WinFinder::setup_panel_find() {
     treeView_->setHiddenFiles(hidden);
     container_preview_->setShowHidden(hidden);
 
+    on_regex_toggled(false);
+    setup_panel_find_pages();
     setup_combo_menus();
     setup_status_bar();
+    restoreSearchHistory();
 }
 
 void WinFinder::apply_filter_flags(uint32_t bits) {
@@ -172,6 +184,100 @@ void WinFinder::on_filter_menu() {
                           ? buttonFilter_->mapToGlobal(QPoint(0, buttonFilter_->height() + 10))
                           : mapToGlobal(QPoint(10, 10));
     menu.exec(at);
+}
+
+void WinFinder::on_time_area() {
+    const uint32_t area = comboTimeArea_->selected();
+    log(32, "WinFinder::setup_panel_find, time, area:$", tav::XFileFilter::area_to_String(area));
+    date1_->setDisplayFormat(area == tav::XFileFilter::YEAR ? QStringLiteral("yyyy") : QStringLiteral("MMMM dd yyyy"));
+    date2_->setVisible(area == tav::XFileFilter::BETWEEN);
+}
+
+void WinFinder::on_size_area() {
+    const uint32_t area = comboSizeArea_->selected();
+    log(32, "WinFinder::setup_panel_find, size, area:$", tav::XFileFilter::area_to_String(area));
+    size2_->setVisible(area == tav::XFileFilter::BETWEEN);
+}
+
+void WinFinder::on_regex_toggled(bool on) {
+    const bool dark = tav::KernelGUI::isTavStyleDark();
+    QColor c;
+    if (on) c = QColor(dark ? "#1a057b" : "#fcfbed");
+    else c = dark ? QColor("#2d3339") : QColor(Qt::white);
+    tav::XTools::setBackgroundColor(comboContent_, c);
+    if (comboContent_->lineEdit()) tav::XTools::setBackgroundColor(comboContent_->lineEdit(), c);
+    comboContent_->setToolTip(on ? xt("Type your regular expression") : xt("Type simple expression"));
+}
+
+tav::find::XFilter WinFinder::filter_from_GUI() {
+    tav::find::XFilter filter;
+    filter.pErrorWidget = nullptr;
+    const uint32_t bits = filterFlags_.flags();
+    tav::XFileFilter& ff = filter.fileFilter;
+
+    if (bits & FILTER_PATTERN) {
+        const QString text = comboPattern_->currentText().trimmed();
+        if (!text.isEmpty()) ff.setPattern(text, false);
+    }
+    if (bits & FILTER_NOT_PATTERN) {
+        const QString text = comboNotPattern_->currentText().trimmed();
+        if (!text.isEmpty()) ff.setPattern(text, true);
+    }
+    if (bits & FILTER_TIME) {
+        const uint32_t area = comboTimeArea_->selected();
+        if (area != tav::XFileFilter::NONE) {
+            auto midnight = [](const QDate& d) { return QDateTime(d, QTime(0, 0)).toMSecsSinceEpoch(); };
+            const QDate d1 = date1_->date();
+            ff.timeArea = area;
+            ff.time1 = midnight(d1);
+            if (area == tav::XFileFilter::YEAR) {
+                ff.time1 = midnight(QDate(d1.year(), 1, 1));
+                ff.time2 = midnight(QDate(d1.year() + 1, 1, 1)) - 1000;
+                ff.timeArea = tav::XFileFilter::BETWEEN;
+            } else if (area == tav::XFileFilter::BETWEEN) {
+                ff.time2 = midnight(date2_->date());
+            }
+        }
+    }
+    if (bits & FILTER_SIZE) {
+        const uint32_t area = comboSizeArea_->selected();
+        if (area != tav::XFileFilter::NONE && area != tav::XFileFilter::YEAR) {
+            const QString s1 = size1_->text().trimmed();
+            if (s1.isEmpty()) {
+                log(8, "WinFinder::filter_from_GUI, size 1 - empty");
+            } else {
+                ff.sizeArea = area;
+                ff.size1 = uint64_t(tav::get_bytes_number(s1));
+                if (area == tav::XFileFilter::BETWEEN) {
+                    const QString s2 = size2_->text().trimmed();
+                    // Without the upper bound the whole condition goes (size1 stays set).
+                    if (s2.isEmpty()) {
+                        log(8, "WinFinder::filter_from_GUI, size 2 - empty");
+                        ff.sizeArea = tav::XFileFilter::NONE;
+                    } else {
+                        ff.size2 = uint64_t(tav::get_bytes_number(s2));
+                    }
+                }
+            }
+        }
+    }
+    if (bits & FILTER_CONTENT) {
+        const QString text = comboContent_->currentText().trimmed();
+        if (text.isEmpty()) {
+            log(8, "WinFinder::filter_from_GUI, search for text but text ist empty");
+        } else {
+            tav::find::XContentFilter cf;
+            cf.setScope(comboScope_->selected());
+            if (cf.createSymbols(text, propRegEx_.value())) {
+                filter.contentFilter = cf;
+            } else {
+                filter.pErrorWidget = comboContent_;
+                log(8, "WinFinder::filter_from_GUI, problems with expression '$'", text);
+            }
+        }
+    }
+    if (bits & FILTER_TEXT_FILES) ff.textFileExtensions = cfg().extSet();
+    return filter;
 }
 
 } // namespace tavFinder

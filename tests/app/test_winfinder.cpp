@@ -286,7 +286,7 @@ void TestWinFinder::keysReachTheirActions() {
              {Qt::Key_Return, Qt::NoModifier, "*** WinFinder::on_find"},
              {Qt::Key_B, Qt::AltModifier, "WinFinder::on_bookmarks"},
              {Qt::Key_F2, Qt::NoModifier, "WinFinder::on_rename"},
-             {Qt::Key_Escape, Qt::NoModifier, "WinFinder::on_escape_key"}}) {
+             {Qt::Key_Escape, Qt::NoModifier, "WinFinder_find::on_escape_key"}}) {
         logs.clear();
         QTest::keyClick(w, key, mod);
         QVERIFY2(logs.contains(line), qPrintable(line));

@@ -93,6 +93,10 @@ public:
         return XView<QFileInfo*>(ar_filtered_files.data(), ar_filtered_files.data() + ar_filtered_files.size());
     }
 
+    // Keeps the current filtered list alive for a holder (a search still reading
+    // it) beyond the next-but-one setup.
+    std::shared_ptr<const std::vector<QFileInfo>> filtered_files_owner() const { return infos_; }
+
     bool isStopped() const { return flagStop.load(); }
     // Number of files recorded by the last scan.
     size_t countScannedFiles() const { return files_.size(); }

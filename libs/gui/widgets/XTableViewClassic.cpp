@@ -9,7 +9,14 @@ XTableViewClassic::XTableViewClassic(QWidget* parent) : QTableView(parent) {
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setContextMenuPolicy(Qt::CustomContextMenu);
     verticalHeader()->hide();
-    connect(horizontalHeader(), &QHeaderView::sectionClicked, this, [this](int c) { eventHeader_.fire(c); });
+    // A click makes the section the active column but keeps the order shown before
+    // the click (the header would flip it itself); the listener decides the order.
+    connect(horizontalHeader(), &QHeaderView::sectionPressed, this,
+            [this](int) { orderPressed_ = horizontalHeader()->sortIndicatorOrder(); });
+    connect(horizontalHeader(), &QHeaderView::sectionClicked, this, [this](int c) {
+        if (horizontalHeader()->isSortIndicatorShown()) horizontalHeader()->setSortIndicator(c, orderPressed_);
+        eventHeader_.fire(c);
+    });
     connect(this, &QWidget::customContextMenuRequested, this, [this](const QPoint& p) {
         const QModelIndex i = indexAt(p);
         eventContext_.fire(i.isValid() ? i.row() : -1);

@@ -14,7 +14,8 @@ public:
 
     // 'singleSelection' 1: one row at a time; 'stretchLast' 1: the last column stretches.
     void set_args(int singleSelection, int stretchLast);
-    // The sort indicator; 'descending' 1 or 0.
+    // The sort indicator; 'descending' 1 or 0. A click on a section moves the
+    // indicator there with the order it showed; eventHeaderClicked decides the rest.
     void setSortColum(int column, int descending);
     int activeColumn() const;
     bool isDescending() const;
@@ -35,6 +36,7 @@ private:
     XEventListener<std::function<void(int)>> eventContext_;
     XEventListener<std::function<void(const QModelIndex&)>> eventDouble_;
     bool silent_ = false;
+    Qt::SortOrder orderPressed_ = Qt::AscendingOrder;
 };
 
 } // namespace tav

@@ -1,0 +1,194 @@
+#include "src/gui/FileResultModel.h"
+
+#include "base/log/Logger.h"
+#include "base/util/Format.h"
+
+#include <QApplication>
+#include <QDateTime>
+#include <QFileIconProvider>
+#include <QPalette>
+#include <algorithm>
+#include <utility>
+
+namespace tavFinder {
+
+using tav::log;
+
+namespace {
+QFileIconProvider& iconProvider() {
+    static QFileIconProvider provider;
+    return provider;
+}
+
+FileResult& emptyFileResult() {
+    static FileResult empty;
+    // A caller may have written into it; it must stay empty for the next one.
+    empty = FileResult();
+    return empty;
+}
+
+// Sorts 'v' by a key computed once per element (folding texts in every
+// comparison made large lists slow). Elements with equal keys end in no defined order.
+template <typename T, typename KeyFn>
+void sortByKey(std::vector<T>& v, KeyFn keyOf, bool ascending) {
+    using Key = decltype(keyOf(v.front()));
+    if (v.size() < 2) return;
+    std::vector<std::pair<Key, size_t>> keys;
+    keys.reserve(v.size());
+    for (size_t i = 0; i < v.size(); ++i) keys.emplace_back(keyOf(v[i]), i);
+    if (ascending) std::sort(keys.begin(), keys.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+    else std::sort(keys.begin(), keys.end(), [](const auto& a, const auto& b) { return b.first < a.first; });
+    std::vector<T> sorted;
+    sorted.reserve(v.size());
+    for (const auto& k : keys) sorted.push_back(std::move(v[k.second]));
+    v = std::move(sorted);
+}
+
+template <typename T, typename FiOf>
+void sortColumn(std::vector<T>& v, int column, bool ascending, FiOf fiOf) {
+    switch (column) {
+    case FileResultModel::COL_NAME:
+        sortByKey(v, [&](const T& e) { return fiOf(e).fileName().toCaseFolded(); }, ascending);
+        break;
+    case FileResultModel::COL_SIZE:
+        sortByKey(v, [&](const T& e) { return int64_t(fiOf(e).size()); }, ascending);
+        break;
+    case FileResultModel::COL_DATE:
+        sortByKey(v, [&](const T& e) { return fiOf(e).lastModified().toMSecsSinceEpoch(); }, ascending);
+        break;
+    case FileResultModel::COL_PATH:
+        sortByKey(v, [&](const T& e) { return fiOf(e).absoluteFilePath().toCaseFolded(); }, ascending);
+        break;
+    default:
+        break;
+    }
+}
+}
+
+FileResultModel::FileResultModel(QObject* parent) : QStandardItemModel(parent) {}
+
+void FileResultModel::setFileResults(std::vector<FileResult>&& ar) {
+    basicMode = false;
+    arFileResults = std::move(ar);
+    ar.clear();
+}
+
+void FileResultModel::setFiles(std::vector<QFileInfo>&& ar) {
+    basicMode = true;
+    arFiles = std::move(ar);
+    ar.clear();
+}
+
+QString FileResultModel::columnText(const QFileInfo& fi, int column) {
+    switch (column) {
+    case COL_NAME:
+        return tav::fill("$", fi.fileName());
+    case COL_SIZE:
+        return tav::format1000(int64_t(fi.size()));
+    case COL_DATE:
+        return fi.lastModified().toString(QStringLiteral("yyyy/MM/dd - hh:mm"));
+    case COL_PATH:
+        return fi.absolutePath();
+    default:
+        return QString();
+    }
+}
+
+// Roles that do not depend on the mode.
+QVariant FileResultModel::commonRole(const QModelIndex& index, int role, const QFileInfo& fi) const {
+    switch (role) {
+    case Qt::DecorationRole:
+        if (index.column() == COL_NAME) return iconProvider().icon(fi);
+        return QVariant();
+    case Qt::BackgroundRole:
+        return index.row() % 2 == 0 ? QApplication::palette().alternateBase() : QApplication::palette().base();
+    case Qt::TextAlignmentRole:
+        if (index.column() == COL_SIZE || index.column() == COL_HITS) return int(Qt::AlignRight);
+        return QVariant();
+    default:
+        return QVariant();
+    }
+}
+
+QVariant FileResultModel::data(const QModelIndex& index, int role) const {
+    if (!index.isValid() || index.row() < 0 || index.row() >= rowCount()) return QVariant();
+    if (basicMode) return data_simple(index, role);
+    const size_t row = size_t(index.row());
+    if (row >= arFileResults.size()) return QVariant();
+    const FileResult& r = arFileResults[row];
+    if (role == Qt::DisplayRole) {
+        if (index.column() == COL_HITS) return tav::format1000(int64_t(r.layer.size()));
+        return columnText(r.fileInfo, index.column());
+    }
+    return commonRole(index, role, r.fileInfo);
+}
+
+QVariant FileResultModel::data_simple(const QModelIndex& index, int role) const {
+    const size_t row = size_t(index.row());
+    if (row >= arFiles.size()) return QVariant();
+    const QFileInfo& fi = arFiles[row];
+    if (role == Qt::DisplayRole) {
+        if (index.column() == COL_HITS) {
+            log(4, "FileResultModel::data_simple, SHOULD NOT BE HERE");
+            return QStringLiteral("0");
+        }
+        return columnText(fi, index.column());
+    }
+    return commonRole(index, role, fi);
+}
+
+void FileResultModel::sort(int column, bool ascending) {
+    if (basicMode) {
+        sortColumn(arFiles, column, ascending, [](const QFileInfo& fi) -> const QFileInfo& { return fi; });
+        return;
+    }
+    if (column == COL_HITS) {
+        sortByKey(arFileResults, [](const FileResult& r) { return r.layer.size(); }, ascending);
+        return;
+    }
+    sortColumn(arFileResults, column, ascending, [](const FileResult& r) -> const QFileInfo& { return r.fileInfo; });
+}
+
+void FileResultModel::sort(int column, Qt::SortOrder order) {
+    sort(column, order == Qt::AscendingOrder);
+    refreshAll();
+}
+
+void FileResultModel::refreshAll() {
+    log(32, "FileResultModel::refreshAll");
+    beginResetModel();
+    endResetModel();
+}
+
+FileResult& FileResultModel::fileResultFromRow(int row) {
+    if (basicMode) {
+        log(4, "FileResultModel::fileResultFromRow, row:$ - BASIC MODE VORBIDDEN", row);
+        return emptyFileResult();
+    }
+    if (row < 0 || row >= rowCount() || size_t(row) >= arFileResults.size()) {
+        log(32, "FileResultModel::fileResultFromRow, row:$, but rowCount():$", row, rowCount());
+        return emptyFileResult();
+    }
+    return arFileResults[size_t(row)];
+}
+
+QFileInfo FileResultModel::fromRow(int row) const {
+    const size_t n = basicMode ? arFiles.size() : arFileResults.size();
+    if (row < 0 || row >= rowCount() || size_t(row) >= n) {
+        log(32, "FileResultModel::fromRow, row:$, but rowCount():$", row, rowCount());
+        return QFileInfo();
+    }
+    return basicMode ? arFiles[size_t(row)] : arFileResults[size_t(row)].fileInfo;
+}
+
+uint32_t FileResultModel::hits() const {
+    if (basicMode) {
+        log(4, "FileResultModel::hits(), we are in basic mode !");
+        return 0;
+    }
+    uint32_t n = 0;
+    for (const FileResult& r : arFileResults) n += uint32_t(r.layer.size());
+    return n;
+}
+
+} // namespace tavFinder
