@@ -1,0 +1,514 @@
+// The search in the real main window: the filter built from the panel, the
+// history of the combo boxes, and whole searches started with Return on a
+// generated folder, with their pages, summaries and result tables.
+#include "common/TestEnv.h"
+
+#include "base/node/XNode.h"
+#include "base/thread/XThread.h"
+#include "base/util/Format.h"
+#include "gui/kernel/KernelGUI.h"
+#include "gui/panel/XPanelStacked.h"
+#include "gui/widgets/XBrowser.h"
+#include "gui/widgets/XComboBox.h"
+#include "gui/widgets/XTableViewClassic.h"
+#include "gui/widgets/XTreeViewFiles.h"
+#include "gui/widgets/XTypedComboBox.h"
+#include "src/dir/XContainerPreviews.h"
+#include "src/find/TavFind.h"
+#include "src/gui/FileResultModel.h"
+#include "src/gui/PanelResults.h"
+#include "src/gui/ThreadScanDir.h"
+#include "src/gui/WinFinder.h"
+#include "src/gui/WinTray.h"
+#include "src/gui/config/ConfigTavFinder.h"
+
+#include <QDateEdit>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPointer>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QToolButton>
+#include <QtTest>
+
+using tavFinder::WinFinder;
+
+class TestSearchWindow : public QObject {
+    Q_OBJECT
+    tftest::TestEnv env;
+    tav::KernelGUI kernel{QStringLiteral("talvoEngine"), QStringLiteral("app"), QStringList(), true};
+    tftest::TestDir tree;
+    qint64 bytesSearched = 0;
+
+    tav::XNode* windowNode() {
+        return kernel.getCreateNodeApplication()->getCreateNode(QStringLiteral("GUI"))->getCreateNode(QStringLiteral("Window"));
+    }
+    WinFinder* open(const QString& select) {
+        auto* w = new WinFinder(true);
+        w->init(&kernel, windowNode());
+        w->setupTray();
+        w->setUp(select);
+        w->setGeometry(40, 40, 1100, 600);
+        w->show();
+        w->activateWindow();
+        if (!QTest::qWaitForWindowActive(w)) qWarning("window not active");
+        return w;
+    }
+    static void closeNow(QPointer<WinFinder> w) {
+        if (w) w->close();
+        QTRY_VERIFY(w.isNull());
+    }
+    QString abs(const QString& rel) const { return QFileInfo(tree.abs(rel)).absoluteFilePath(); }
+    // The window's bits, set the way the user's keys set them.
+    static void setBits(WinFinder* w, uint32_t bits) { w->filterFlags().set_flags(bits); }
+
+private slots:
+    void initTestCase();
+    void filterFromThePanel();
+    void historySavedAndRestored();
+    void comboMenus();
+    void contentSearchEndToEnd();
+    void escapeDuringContentSearch();
+    void fileOnlySearch();
+    void refusedAndCancelledSearches();
+};
+
+void TestSearchWindow::initTestCase() {
+    tavFinder::WinTray::setWatchdogEnabled(false);
+    tavFinder::cfg().sRootFolder.clear();
+    tavFinder::cfg().flagUseRootFolder = false;
+    tavFinder::cfg().ext_from_string(QStringLiteral("txt,log,cpp"));
+    // "docs": hits in a .log, a .txt and a binary file, a file without hits, a hidden one.
+    const std::vector<std::pair<QString, QByteArray>> files{
+        {"docs/one.txt", "needle\nhay\nneedle and needle\n"},
+        {"docs/sub/most.log", "needle needle needle\n\nneedle\nneedle\n"},
+        {"docs/none.txt", "nothing to see\n"},
+        {"docs/bin.dat", QByteArray("ab\0needle\0cd", 12)},
+        {"docs/.hidden.txt", "needle\n"},
+    };
+    for (const auto& [rel, content] : files) {
+        tree.file(rel, content);
+        if (!rel.contains(QLatin1String(".hidden"))) bytesSearched += content.size();
+    }
+    // "many": enough files that a search with one worker is still running when Escape comes.
+    for (int i = 0; i < 300; ++i) tree.file(QStringLiteral("many/f%1.txt").arg(i, 3, 10, QLatin1Char('0')), QByteArray("needle\n").repeated(200));
+}
+
+void TestSearchWindow::filterFromThePanel() {
+    QPointer<WinFinder> w = open(abs("docs"));
+    tftest::LogCapture logs;
+    w->comboPattern()->setEditText(QStringLiteral("  *.txt  "));
+    w->comboNotPattern()->setEditText(QStringLiteral("none*"));
+    w->comboContent()->setEditText(QStringLiteral("needle"));
+    w->size1()->setText(QStringLiteral("10kb"));
+
+    // Inputs without their bit count for nothing.
+    setBits(w, 0);
+    tav::find::XFilter f = w->filter_from_GUI();
+    QVERIFY(f.fileFilter.isEmpty() && !f.has_content_filter() && f.isUsable());
+    QCOMPARE(f.fileFilter.timeArea, 0u);
+    QCOMPARE(f.fileFilter.sizeArea, 0u);
+
+    // Patterns are trimmed; the excluded one lands on its own side.
+    setBits(w, WinFinder::FILTER_PATTERN | WinFinder::FILTER_NOT_PATTERN | WinFinder::FILTER_HIDDEN);
+    f = w->filter_from_GUI();
+    QCOMPARE(f.pattern(false), QStringLiteral("*.txt"));
+    QCOMPARE(f.pattern(true), QStringLiteral("none*"));
+    QVERIFY(f.fileFilter.textFileExtensions.empty());
+    w->comboPattern()->setEditText(QStringLiteral("   "));
+    QVERIFY(!w->filter_from_GUI().has_pattern(false));
+
+    // Time: "<=" takes the first date at local midnight; "year" the whole calendar year.
+    setBits(w, WinFinder::FILTER_TIME);
+    auto midnight = [](int y, int m, int d) { return QDateTime(QDate(y, m, d), QTime(0, 0)).toMSecsSinceEpoch(); };
+    w->date1()->setDate(QDate(2021, 6, 17));
+    w->date2()->setDate(QDate(2021, 8, 1));
+    QVERIFY(w->comboTimeArea()->setSelected(tav::XFileFilter::LESS_EQUAL));
+    f = w->filter_from_GUI();
+    QCOMPARE(f.fileFilter.timeArea, uint32_t(tav::XFileFilter::LESS_EQUAL));
+    QCOMPARE(f.fileFilter.time1, midnight(2021, 6, 17));
+    QCOMPARE(f.fileFilter.time2, int64_t(0));
+    QVERIFY(w->comboTimeArea()->setSelected(tav::XFileFilter::YEAR));
+    QCOMPARE(w->date1()->displayFormat(), QStringLiteral("yyyy"));
+    QVERIFY(!w->date2()->isVisibleTo(w));
+    f = w->filter_from_GUI();
+    QCOMPARE(f.fileFilter.timeArea, uint32_t(tav::XFileFilter::BETWEEN));
+    QCOMPARE(f.fileFilter.time1, midnight(2021, 1, 1));
+    QCOMPARE(f.fileFilter.time2, midnight(2022, 1, 1) - 1000);
+    QCOMPARE(QDateTime::fromMSecsSinceEpoch(f.fileFilter.time2).toString("yyyy/MM/dd hh:mm:ss.zzz"),
+             QStringLiteral("2021/12/31 23:59:59.000"));
+    QVERIFY(w->comboTimeArea()->setSelected(tav::XFileFilter::BETWEEN));
+    QCOMPARE(w->date1()->displayFormat(), QStringLiteral("MMMM dd yyyy"));
+    QVERIFY(w->date2()->isVisibleTo(w));
+    f = w->filter_from_GUI();
+    QCOMPARE(f.fileFilter.time1, midnight(2021, 6, 17));
+    QCOMPARE(f.fileFilter.time2, midnight(2021, 8, 1));
+
+    // Size: the parser's value; "between" without a second value drops the condition.
+    setBits(w, WinFinder::FILTER_SIZE);
+    QVERIFY(w->comboSizeArea()->setSelected(tav::XFileFilter::GREATER_EQUAL));
+    QVERIFY(!w->size2()->isVisibleTo(w));
+    f = w->filter_from_GUI();
+    QCOMPARE(f.fileFilter.sizeArea, uint32_t(tav::XFileFilter::GREATER_EQUAL));
+    QCOMPARE(f.fileFilter.size1, uint64_t(tav::get_bytes_number(QStringLiteral("10kb"))));
+    QVERIFY(f.fileFilter.size1 >= 10000);
+    QVERIFY(w->comboSizeArea()->setSelected(tav::XFileFilter::BETWEEN));
+    QVERIFY(w->size2()->isVisibleTo(w));
+    logs.clear();
+    f = w->filter_from_GUI();
+    QCOMPARE(f.fileFilter.sizeArea, 0u);
+    QCOMPARE(f.fileFilter.size1, uint64_t(tav::get_bytes_number(QStringLiteral("10kb"))));
+    QCOMPARE(logs.linesAtLevel(8), QStringList{"WinFinder::filter_from_GUI, size 2 - empty"});
+    w->size2()->setText(QStringLiteral("2mb"));
+    f = w->filter_from_GUI();
+    QCOMPARE(f.fileFilter.sizeArea, uint32_t(tav::XFileFilter::BETWEEN));
+    QCOMPARE(f.fileFilter.size2, uint64_t(tav::get_bytes_number(QStringLiteral("2mb"))));
+    w->size1()->setText(QStringLiteral(" "));
+    logs.clear();
+    QCOMPARE(w->filter_from_GUI().fileFilter.sizeArea, 0u);
+    QCOMPARE(logs.linesAtLevel(8), QStringList{"WinFinder::filter_from_GUI, size 1 - empty"});
+
+    // Content: the scope of the combo, the simple or the regular language, empty text = no content.
+    setBits(w, WinFinder::FILTER_CONTENT | WinFinder::FILTER_TEXT_FILES);
+    QVERIFY(w->comboScope()->setSelected(2));
+    f = w->filter_from_GUI();
+    QVERIFY(f.has_content_filter() && f.isUsable());
+    QCOMPARE(f.contentFilter.text(), QStringLiteral("needle"));
+    QCOMPARE(f.contentFilter.scope(), 2u);
+    QVERIFY(!f.contentFilter.isRegEx());
+    QCOMPARE(f.fileFilter.textFileExtensions, tavFinder::cfg().extSet());
+    QVERIFY(!f.fileFilter.textFileExtensions.empty());
+    w->comboContent()->setEditText(QStringLiteral("nee(d|x)le"));
+    w->buttonRegEx()->click();
+    QVERIFY(w->propRegEx().value());
+    QCOMPARE(w->comboContent()->toolTip(), QStringLiteral("Type your regular expression"));
+    f = w->filter_from_GUI();
+    QVERIFY(f.has_content_filter() && f.contentFilter.isRegEx());
+    w->comboContent()->setEditText(QStringLiteral("nee(dle"));
+    logs.clear();
+    f = w->filter_from_GUI();
+    QCOMPARE(f.pErrorWidget, static_cast<QObject*>(w->comboContent()));
+    QVERIFY(!f.has_content_filter());
+    QVERIFY(logs.linesAtLevel(8).contains(QStringLiteral("WinFinder::filter_from_GUI, problems with expression 'nee(dle'")));
+    w->buttonRegEx()->click();
+    QCOMPARE(w->comboContent()->toolTip(), QStringLiteral("Type simple expression"));
+    w->comboContent()->setEditText(QStringLiteral("  "));
+    logs.clear();
+    f = w->filter_from_GUI();
+    QVERIFY(f.isUsable() && !f.has_content_filter());
+    QCOMPARE(logs.linesAtLevel(8), QStringList{"WinFinder::filter_from_GUI, search for text but text ist empty"});
+    // The simple language refuses an unbalanced quote as well.
+    w->comboContent()->setEditText(QStringLiteral("\"needle"));
+    QVERIFY(!w->filter_from_GUI().isUsable());
+
+    w->comboScope()->setSelected(tavFinder::cfg().scope);
+    setBits(w, 0);
+    closeNow(w);
+}
+
+void TestSearchWindow::historySavedAndRestored() {
+    tavFinder::cfg().scope = 2;
+    windowNode()->removeNode(windowNode()->query(QStringLiteral("SearchHistory")), true);
+    QPointer<WinFinder> w = open(abs("docs"));
+    // An empty node: empty boxes and the configured scope.
+    QCOMPARE(w->comboPattern()->count(), 0);
+    QCOMPARE(w->comboContent()->count(), 0);
+    QCOMPARE(w->comboScope()->currentIndex(), 2);
+
+    tftest::LogCapture logs;
+    // Case counts: "A*" beside "a*"; an exact repeat is not appended.
+    w->manage_combo_History(w->comboPattern(), QStringLiteral("a*"));
+    w->manage_combo_History(w->comboPattern(), QStringLiteral("A*"));
+    w->manage_combo_History(w->comboPattern(), QStringLiteral("a*"));
+    w->manage_combo_History(w->comboPattern(), QString());
+    w->manage_combo_History(w->comboPattern(), QStringLiteral("*.cpp"));
+    QCOMPARE(w->comboPattern()->get_string_items(), (QStringList{"a*", "A*", "*.cpp"}));
+    QCOMPARE(logs.count(QStringLiteral("WinFinder::manage_combo_History, add:")), 3);
+    w->comboNotPattern()->set_data({QStringLiteral("x1"), QStringLiteral("x2"), QStringLiteral("x3")});
+    w->comboContent()->set_data({QStringLiteral("c1"), QStringLiteral("c2")});
+    w->comboNotPattern()->setCurrentIndex(2);
+    w->comboContent()->setCurrentIndex(0);
+    w->comboPattern()->setCurrentIndex(1);
+    w->comboScope()->setCurrentIndex(0);
+    closeNow(w);
+
+    tav::XNode* h = windowNode()->query(QStringLiteral("SearchHistory"));
+    QVERIFY(h);
+    QCOMPARE(h->query(QStringLiteral("PatternFile"))->get_string_array(QStringLiteral("pattern")), (QStringList{"a*", "A*", "*.cpp"}));
+    QCOMPARE(h->query(QStringLiteral("NPatternFile"))->get_string_array(QStringLiteral("pattern")), (QStringList{"x1", "x2", "x3"}));
+    // Every box saves the index of the pattern box.
+    for (const char* name : {"PatternFile", "NPatternFile", "Content"}) QCOMPARE(h->query(name)->getInt(QStringLiteral("currIndex"), -9), 1);
+    QCOMPARE(h->query(QStringLiteral("Content"))->getInt(QStringLiteral("scopeIndex"), -9), 0);
+
+    w = open(abs("docs"));
+    QCOMPARE(w->comboPattern()->get_string_items(), (QStringList{"a*", "A*", "*.cpp"}));
+    QCOMPARE(w->comboPattern()->currentText(), QStringLiteral("A*"));
+    QCOMPARE(w->comboNotPattern()->currentIndex(), 1);
+    QCOMPARE(w->comboNotPattern()->currentText(), QStringLiteral("x2"));
+    QCOMPARE(w->comboContent()->currentText(), QStringLiteral("c2"));
+    QCOMPARE(w->comboScope()->currentIndex(), 0);
+
+    // A search puts its texts first in their boxes.
+    setBits(w, WinFinder::FILTER_PATTERN | WinFinder::FILTER_CONTENT);
+    w->comboPattern()->setEditText(QStringLiteral("*.cpp"));
+    w->comboContent()->setEditText(QStringLiteral("needle"));
+    w->treeView()->setFocus();
+    QTest::keyClick(w, Qt::Key_Return);
+    QTRY_COMPARE(w->findState(), uint32_t(WinFinder::FIND_DONE));
+    QCOMPARE(w->comboPattern()->get_string_items(), (QStringList{"*.cpp", "a*", "A*"}));
+    QCOMPARE(w->comboContent()->itemText(0), QStringLiteral("needle"));
+    QCOMPARE(w->labelDone()->text(), QStringLiteral("Nothing found"));   // no .cpp file holds it
+    QVERIFY(!w->buttonResultsDone()->isEnabled());
+    setBits(w, 0);
+    closeNow(w);
+    windowNode()->removeNode(windowNode()->query(QStringLiteral("SearchHistory")), true);
+    tavFinder::cfg().scope = 1;
+}
+
+void TestSearchWindow::comboMenus() {
+    QPointer<WinFinder> w = open(abs("docs"));
+    auto entries = [](QMenu& m) {
+        QStringList out;
+        for (QAction* a : m.actions())
+            if (!a->isSeparator()) out << a->text();
+        return out;
+    };
+    QMenu plain;
+    w->fill_combo_menu(plain, w->comboPattern());
+    QVERIFY(entries(plain).contains(QStringLiteral("Edit History")));
+    QVERIFY(!entries(plain).contains(QStringLiteral("Regular Expression")));
+
+    w->buttonRegEx()->click();
+    QMenu regex;
+    w->fill_combo_menu(regex, w->comboNotPattern());
+    QAction* sub = nullptr;
+    for (QAction* a : regex.actions())
+        if (a->text() == QStringLiteral("Regular Expression")) sub = a;
+    QVERIFY(sub && sub->menu());
+    QCOMPARE(entries(*sub->menu()), (QStringList{"EMails", "HTML Title", "XML Entities"}));
+    // Opened on the excluded-pattern box, the expression still goes to the content box.
+    w->comboNotPattern()->setEditText(QStringLiteral("keep"));
+    sub->menu()->actions().at(1)->trigger();
+    QCOMPARE(w->comboContent()->currentText(), QStringLiteral("<title[^>]*>([^<]+)</title>"));
+    QCOMPARE(w->comboNotPattern()->currentText(), QStringLiteral("keep"));
+    sub->menu()->actions().at(0)->trigger();
+    QCOMPARE(w->comboContent()->currentText(), QStringLiteral("([\\w\\.-]+@[\\w\\.-]+)"));
+    sub->menu()->actions().at(2)->trigger();
+    QCOMPARE(w->comboContent()->currentText(), QStringLiteral("&#([0-9]+);"));
+    w->buttonRegEx()->click();
+    closeNow(w);
+}
+
+void TestSearchWindow::contentSearchEndToEnd() {
+    QPointer<WinFinder> w = open(abs("docs"));
+    QTRY_COMPARE(w->treeView()->selectedFile().absoluteFilePath(), abs("docs"));
+    setBits(w, WinFinder::FILTER_CONTENT);
+    QVERIFY(w->rowContent()->isVisible());
+    w->comboContent()->setEditText(QStringLiteral("needle"));
+    tftest::LogCapture logs;
+    // Return with the focus in the content box starts the search.
+    QCOMPARE(QApplication::focusWidget(), static_cast<QWidget*>(w->comboContent()));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    QCOMPARE(w->findPage(), int(WinFinder::PAGE_SCAN));
+    QTRY_COMPARE(w->findPage(), int(WinFinder::PAGE_DONE));
+    QCOMPARE(w->findState(), uint32_t(WinFinder::FIND_DONE));
+    QVERIFY(logs.contains(QStringLiteral("WinFinder::on_find - <") + abs("docs") + QStringLiteral(">")));
+    QVERIFY(logs.containsLine(QStringLiteral("WinFinder::setup_thread_scan_dir, scan done!")));
+
+    // Four files searched (the hidden one is not), three with hits, nine hits.
+    const QString expected = QStringLiteral("files-total:4 => %1, files-match:3, match-total:9 - ").arg(tav::formatBytes(uint64_t(bytesSearched)));
+    QTRY_VERIFY2(w->labelDone()->text().startsWith(expected), qPrintable(w->labelDone()->text()));
+    QVERIFY(QRegularExpression(QStringLiteral(" - \\d+\\.\\d{3} sec$")).match(w->labelDone()->text()).hasMatch());
+    QVERIFY(w->buttonResultsDone()->isEnabled());
+    QCOMPARE(w->editPattern()->text(), QStringLiteral("needle"));
+    QCOMPARE(w->buttonScope()->text(), tav::find::XContentFilter::scope_to_string(tavFinder::cfg().scope));
+
+    // The table: most hits first, the .log file included, the Hits column shown.
+    tavFinder::PanelResults* panel = w->panelResults();
+    QVERIFY(w->stacked()->isShowing(panel));
+    tavFinder::FileResultModel* m = panel->model();
+    QCOMPARE(m->rowCount(), 3);
+    QStringList rows;
+    for (int r = 0; r < 3; ++r) rows << m->fromRow(r).fileName() + QLatin1Char(':') + m->data(m->index(r, 3)).toString();
+    QCOMPARE(rows, (QStringList{"most.log:5", "one.txt:3", "bin.dat:1"}));
+    QCOMPARE(m->data(m->index(0, 4)).toString(), abs("docs/sub"));
+    QVERIFY(!panel->tableResult()->isColumnHidden(3));
+    QCOMPARE(panel->tableResult()->currentRow(), 0);
+    QVERIFY(panel->flagContent);
+    QVERIFY(logs.contains(QStringLiteral("PanelResults::setFileResults, ar.size():3")));
+    // The search's own list was handed over, not copied.
+    QCOMPARE(w->tavFind().countResults(), size_t(0));
+
+    // The progress pages were passed through on the way.
+    QVERIFY(logs.contains(QStringLiteral("WinFinder::on_find_dir_scanned, has content filter")));
+    QVERIFY(logs.contains(QStringLiteral("TavFind2::prepareFiles, arTextFiles:4")));
+
+    // "Back" returns to the filter page and the previews of the tree.
+    logs.clear();
+    QPushButton* back = w->panelFind()->widget(WinFinder::PAGE_DONE)->findChild<QPushButton*>();
+    QVERIFY(back);
+    back->click();
+    QCOMPARE(w->findPage(), int(WinFinder::PAGE_FILTER));
+    QCOMPARE(w->findState(), uint32_t(WinFinder::FIND_IDLE));
+    QVERIFY(!w->stacked()->isShowing(panel));
+    QVERIFY(logs.contains(QStringLiteral("TavFind::stop_search - not running")));
+    // "Results" brings the table back.
+    w->buttonResultsDone()->click();
+    QVERIFY(w->stacked()->isShowing(panel));
+    QCOMPARE(m->rowCount(), 3);
+    setBits(w, 0);
+    closeNow(w);
+}
+
+void TestSearchWindow::escapeDuringContentSearch() {
+    const unsigned threads = tavFinder::cfg().countThreads;
+    tavFinder::cfg().countThreads = 1;
+    QPointer<WinFinder> w = open(abs("many"));
+    QTRY_COMPARE(w->treeView()->selectedFile().absoluteFilePath(), abs("many"));
+    setBits(w, WinFinder::FILTER_CONTENT);
+    w->comboContent()->setEditText(QStringLiteral("needle"));
+
+    // Right after the content search has started (this listener runs after the
+    // window's), wait for the worker to finish two files, then press Escape.
+    int pageAfterEscape = -1;
+    uint32_t stateAfterEscape = 99;
+    bool wasRunning = false;
+    w->threadScanDir().addListener([&]() {
+        if (w->findState() != WinFinder::FIND_CONTENT) return;
+        QElapsedTimer t;
+        t.start();
+        while (w->tavFind().workerStats().countFiles.load() < 3 && t.elapsed() < 10000) tav::xSleep(1);
+        wasRunning = w->tavFind().isRunning();
+        QTest::keyClick(w, Qt::Key_Escape);
+        pageAfterEscape = w->findPage();
+        stateAfterEscape = w->findState();
+    });
+    tftest::LogCapture logs;
+    QTest::keyClick(w, Qt::Key_Return);
+    QTRY_VERIFY(pageAfterEscape >= 0);
+    QVERIFY(wasRunning);
+    QCOMPARE(pageAfterEscape, int(WinFinder::PAGE_FILTER));
+    QCOMPARE(stateAfterEscape, uint32_t(WinFinder::FIND_IDLE));
+    QVERIFY(logs.contains(QStringLiteral("TavFind::stop_search - will stop now")));
+    // The stopped search still ends on the done page, with what it found so far.
+    QTRY_COMPARE(w->findPage(), int(WinFinder::PAGE_DONE));
+    QCOMPARE(w->findState(), uint32_t(WinFinder::FIND_DONE));
+    const int found = w->panelResults()->model()->rowCount();
+    QVERIFY2(found >= 2 && found < 300, qPrintable(QString::number(found)));
+    QTRY_VERIFY(w->labelDone()->text().startsWith(QStringLiteral("files-total:300 => ")));
+    QVERIFY(w->labelDone()->text().contains(QStringLiteral(", files-match:%1, match-total:%2 - ").arg(found).arg(tav::format1000(found * 200))));
+    QVERIFY(w->stacked()->isShowing(w->panelResults()));
+    tavFinder::cfg().countThreads = threads;
+    setBits(w, 0);
+    closeNow(w);
+}
+
+void TestSearchWindow::fileOnlySearch() {
+    // A fresh window: no content search before, so the summary's pattern is empty.
+    QPointer<WinFinder> w = open(abs("docs/one.txt"));
+    QTRY_COMPARE(w->treeView()->selectedFile().absoluteFilePath(), abs("docs/one.txt"));
+    setBits(w, WinFinder::FILTER_PATTERN);
+    w->comboPattern()->setEditText(QStringLiteral("*.txt"));
+    tftest::LogCapture logs;
+    w->on_find();
+    // A selected file searches its folder.
+    QVERIFY(logs.contains(QStringLiteral("WinFinder::on_find - <") + abs("docs/one.txt") + QStringLiteral("> not dir, go one level up")));
+    QTRY_COMPARE(w->findPage(), int(WinFinder::PAGE_FILE_RESULTS));
+    QTRY_COMPARE(w->labelFileTotals()->text(), QStringLiteral("files: total:4, files match:2"));
+    QCOMPARE(w->labelFileFilter()->text(), w->currentFilter().toString(false));
+    QVERIFY(w->labelFileFilter()->text().contains(QStringLiteral("*.txt")));
+    QVERIFY(!w->timerProgress().isActive());
+
+    tavFinder::PanelResults* panel = w->panelResults();
+    QVERIFY(w->stacked()->isShowing(panel));
+    QVERIFY(!panel->flagContent);
+    QCOMPARE(panel->stack()->currentWidget(), static_cast<QWidget*>(panel->summaryPanel()));
+    tavFinder::FileResultModel* m = panel->model();
+    QCOMPARE(m->rowCount(), 2);
+    QCOMPARE(m->fromRow(0).absoluteFilePath(), abs("docs/none.txt"));
+    QCOMPARE(m->fromRow(1).absoluteFilePath(), abs("docs/one.txt"));
+    QVERIFY(panel->tableResult()->isColumnHidden(3));
+    QCOMPARE(panel->tableResult()->activeColumn(), 4);
+    const QString summary = panel->browser()->toPlainText();
+    QVERIFY2(summary.contains(QStringLiteral("Pattern '' found 2 times")), qPrintable(summary));
+    QVERIFY(summary.contains(QStringLiteral("Files total:4, found in files:2")));
+    QVERIFY(w->comboPattern()->get_string_items().contains(QStringLiteral("*.txt")));
+    QVERIFY(logs.contains(QStringLiteral("view:[2] {0x")));
+
+    // Nothing matching: the page still comes, with 0 files.
+    w->comboPattern()->setEditText(QStringLiteral("*.nothing"));
+    w->treeView()->setFocus();
+    QTest::keyClick(w, Qt::Key_Return);
+    QTRY_COMPARE(w->labelFileTotals()->text(), QStringLiteral("files: total:4, files match:0"));
+    QCOMPARE(m->rowCount(), 0);
+    QTRY_COMPARE(w->findPage(), int(WinFinder::PAGE_FILE_RESULTS));
+
+    // Selecting a listed file shows it in the panel's previews; "Back" ends it.
+    w->comboPattern()->setEditText(QStringLiteral("one*"));
+    QTest::keyClick(w, Qt::Key_Return);
+    QTRY_COMPARE(m->rowCount(), 1);
+    logs.clear();
+    QVERIFY(panel->tableResult()->selectRow(0, true));
+    QVERIFY(logs.contains(QStringLiteral("PanelResults::on_jump_to_result_simple")));
+    QCOMPARE(panel->stack()->currentWidget(), static_cast<QWidget*>(panel->container()));
+    w->on_escape_key();
+    QCOMPARE(w->findPage(), int(WinFinder::PAGE_FILTER));
+    setBits(w, 0);
+    closeNow(w);
+}
+
+void TestSearchWindow::refusedAndCancelledSearches() {
+    QPointer<WinFinder> w = open(abs("docs"));
+    QTRY_COMPARE(w->treeView()->selectedFile().absoluteFilePath(), abs("docs"));
+    setBits(w, WinFinder::FILTER_CONTENT);
+    w->buttonRegEx()->click();
+    w->comboContent()->setEditText(QStringLiteral("([a-z]"));
+    tftest::LogCapture logs;
+    QTest::keyClick(w, Qt::Key_Return);
+    // Refused: no scan, the filter page stays, the box blinks red and comes back.
+    QVERIFY(logs.containsLine(QStringLiteral("WinFinder::on_find, !filter")));
+    QVERIFY(!logs.contains(QStringLiteral("filterCurrent:")));
+    QCOMPARE(w->findPage(), int(WinFinder::PAGE_FILTER));
+    QCOMPARE(w->findState(), uint32_t(WinFinder::FIND_IDLE));
+    QVERIFY(!w->threadScanDir().isActive());
+    QLineEdit* edit = w->comboContent()->lineEdit();
+    QTRY_VERIFY(edit->styleSheet().contains(QStringLiteral("#d32f2f")));
+    QVERIFY(QApplication::focusWidget() == edit || QApplication::focusWidget() == w->comboContent());
+    QTRY_VERIFY_WITH_TIMEOUT(!edit->styleSheet().contains(QStringLiteral("#d32f2f")), 2000);
+    QVERIFY(w->comboContent()->get_string_items().isEmpty() || !w->comboContent()->get_string_items().contains("([a-z]"));
+    w->buttonRegEx()->click();
+
+    // Escape after the scan, before its end is handled: the end only logs.
+    setBits(w, 0);
+    logs.clear();
+    w->on_find();
+    QVERIFY(w->threadScanDir().waitDone(10000));
+    w->on_escape_key();
+    QTRY_VERIFY(logs.contains(QStringLiteral("WinFinder_find::on_find_dir_scanned - CANCEL")));
+    QCOMPARE(w->findPage(), int(WinFinder::PAGE_FILTER));
+    QCOMPARE(w->findState(), uint32_t(WinFinder::FIND_IDLE));
+    QVERIFY(!logs.contains(QStringLiteral("PanelResults::setFileResultsSimple")));
+
+    // Nothing selected and no root folder: nothing happens.
+    w->treeView()->setCurrentIndex(QModelIndex());
+    QVERIFY(!w->treeView()->selectedFile().exists());
+    {
+        logs.clear();
+        w->on_find();
+        QVERIFY(logs.contains(QStringLiteral("WinFinder::on_find - folder set to <>")));
+        QVERIFY(logs.contains(QStringLiteral("WinFinder::on_find - <> 404")));
+        QCOMPARE(w->findPage(), int(WinFinder::PAGE_FILTER));
+        // The configured root takes over.
+        tavFinder::cfg().sRootFolder = abs("docs/sub");
+        w->on_find();
+        QVERIFY(logs.contains(QStringLiteral("WinFinder::on_find - <") + abs("docs/sub") + QStringLiteral(">")));
+        QTRY_COMPARE(w->findPage(), int(WinFinder::PAGE_FILE_RESULTS));
+        QTRY_COMPARE(w->labelFileTotals()->text(), QStringLiteral("files: total:1, files match:1"));
+        tavFinder::cfg().sRootFolder.clear();
+    }
+    closeNow(w);
+}
+
+QTEST_MAIN(TestSearchWindow)
+#include "test_search_window.moc"
