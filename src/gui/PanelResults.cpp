@@ -152,7 +152,7 @@ void PanelResults::on_jump_to_result(int row) {
         log(32, "PanelResults::on_jump_to_result, BIN FILE !");
         if (tav::Preview* hex = container_->hexPreview()) {
             hex->open_file(fi);
-            if (hex->widget_preview()) container_->showPanel(hex->widget_preview());
+            container_->showPreview(hex);
         } else {
             X_ASSERT_MSG(nullptr, "previewHex == NULL");
         }
@@ -172,7 +172,7 @@ void PanelResults::on_jump_to_result(int row) {
     auto* ascii = dynamic_cast<tav::PreviewAscii*>(p);
     if (!ascii) {
         p->open_file(fi);
-        if (p->widget_preview()) container_->showPanel(p->widget_preview());
+        container_->showPreview(p);
         log(4, "PanelResults::on_jump_to_result, previewAscii == nullptr");
         return;
     }
@@ -206,7 +206,7 @@ void PanelResults::on_jump_to_result(int row) {
     }
     view->viewport()->update();
     view->setFocus();
-    if (p->widget_preview()) container_->showPanel(p->widget_preview());
+    container_->showPreview(p);
 }
 
 void PanelResults::on_jump_to_result_simple(int row) {

@@ -170,6 +170,7 @@ void WinFinder::setUp(const QString& selectPath) {
 
     // 8
     container_preview_->eventPreviewAppears().add([this](tav::Preview* p) { eventPreviewAppears_.fire(p); });
+    findResults_->container()->eventPreviewAppears().add([this](tav::Preview* p) { eventPreviewAppears_.fire(p); });
     eventPreviewAppears_.add([this](tav::Preview* p) {
         if (!p) return;
         log(32, "WinFinder::setUp, will appear:$", p->name());

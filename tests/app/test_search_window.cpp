@@ -8,6 +8,10 @@
 #include "base/util/Format.h"
 #include "gui/kernel/KernelGUI.h"
 #include "gui/panel/XPanelStacked.h"
+#include "gui/previews/PreviewAscii.h"
+#include "gui/previews/PreviewHex.h"
+#include "gui/tools/XTools.h"
+#include "gui/viewText/XTextView.h"
 #include "gui/widgets/XBrowser.h"
 #include "gui/widgets/XComboBox.h"
 #include "gui/widgets/XTableViewClassic.h"
@@ -82,7 +86,7 @@ void TestSearchWindow::initTestCase() {
     // "docs": hits in a .log, a .txt and a binary file, a file without hits, a hidden one.
     const std::vector<std::pair<QString, QByteArray>> files{
         {"docs/one.txt", "needle\nhay\nneedle and needle\n"},
-        {"docs/sub/most.log", "needle needle needle\n\nneedle\nneedle\n"},
+        {"docs/sub/most.log", QByteArray("filler line\n").repeated(400) + "needle needle needle\n\nneedle\nneedle\n"},
         {"docs/none.txt", "nothing to see\n"},
         {"docs/bin.dat", QByteArray("ab\0needle\0cd", 12)},
         {"docs/.hidden.txt", "needle\n"},
@@ -343,6 +347,45 @@ void TestSearchWindow::contentSearchEndToEnd() {
     // The progress pages were passed through on the way.
     QVERIFY(logs.contains(QStringLiteral("WinFinder::on_find_dir_scanned, has content filter")));
     QVERIFY(logs.contains(QStringLiteral("TavFind2::prepareFiles, arTextFiles:4")));
+
+    // Row 0 is open in the text preview (a .log file too), its hits in layer 1000, green,
+    // and the first hit scrolled into view a moment later.
+    tavFinder::XContainerPreviews* c = panel->container();
+    QCOMPARE(panel->stack()->currentWidget(), static_cast<QWidget*>(c));
+    auto* text = dynamic_cast<tav::PreviewAscii*>(c->previewByExtension(QStringLiteral("txt")));
+    QVERIFY(text && text->get_XTextView());
+    QCOMPARE(c->currentWidget(), text->widget_preview());
+    QCOMPARE(text->file_info().absoluteFilePath(), abs("docs/sub/most.log"));
+    tav::viewText::XTextView* view = text->get_XTextView();
+    tav::find::XRamLayer* layer = view->layers().layer_by_ID(tavFinder::PanelResults::LAYER_RESULT);
+    QVERIFY(layer);
+    QCOMPARE(layer->size(), 5);
+    QCOMPARE(layer->at(0).pos(), qint64(400 * 12));
+    QCOMPARE(QColor::fromRgba(layer->color_background()), QColor(Qt::green));
+    QCOMPARE(layer->active_mark_index(), 0);
+    QCOMPARE(view->activeLayer(), layer);
+    QVERIFY(view->layers().isEnabled(tavFinder::PanelResults::LAYER_RESULT));
+    QTRY_VERIFY(view->firstVisibleLine() > 300);
+    QVERIFY(view->firstVisibleLine() <= 400);
+
+    // Another row replaces the layer's marks; a binary file goes to the hex preview.
+    QVERIFY(panel->tableResult()->selectRow(1, true));
+    QCOMPARE(text->file_info().absoluteFilePath(), abs("docs/one.txt"));
+    QCOMPARE(layer->size(), 3);
+    QCOMPARE(layer->at(1).pos(), qint64(11));
+    logs.clear();
+    QVERIFY(panel->tableResult()->selectRow(2, true));
+    QVERIFY(logs.contains(QStringLiteral("PanelResults::on_jump_to_result, BIN FILE !")));
+    QCOMPARE(c->currentWidget(), c->hexPreview()->widget_preview());
+    QCOMPARE(c->hexPreview()->file_info().absoluteFilePath(), abs("docs/bin.dat"));
+    // With Control held the row is dragged out instead; the preview stays.
+    logs.clear();
+    tav::XTools::set_modifier(Qt::ControlModifier);
+    QVERIFY(panel->tableResult()->selectRow(0, true));
+    QVERIFY(logs.contains(QStringLiteral("PanelResults::on_jump_to_result, fi '") + abs("docs/sub/most.log")));
+    QCOMPARE(tav::XTools::get_modifier(), 0u);
+    QCOMPARE(c->currentWidget(), c->hexPreview()->widget_preview());
+
 
     // "Back" returns to the filter page and the previews of the tree.
     logs.clear();
