@@ -103,7 +103,8 @@ QVariant FileResultModel::commonRole(const QModelIndex& index, int role, const Q
     case Qt::BackgroundRole:
         return index.row() % 2 == 0 ? QApplication::palette().alternateBase() : QApplication::palette().base();
     case Qt::TextAlignmentRole:
-        if (index.column() == COL_SIZE || index.column() == COL_HITS) return int(Qt::AlignRight);
+        // Vertically centred like the other columns (the view's default for them).
+        if (index.column() == COL_SIZE || index.column() == COL_HITS) return int(Qt::AlignRight | Qt::AlignVCenter);
         return QVariant();
     default:
         return QVariant();

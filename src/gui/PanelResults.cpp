@@ -46,8 +46,10 @@ PanelResults::PanelResults(QWidget* parent)
     splitter_ = new tav::XSplitter(Qt::Horizontal, this);
     splitter_->addWidget(tableResult_);
     splitter_->addWidget(stack_);
+    // Half and half: a narrower preview cuts the text lines too short to read.
     splitter_->setStretchFactor(0, 1);
     splitter_->setStretchFactor(1, 1);
+    splitter_->setSizes({500, 500});
     add(splitter_, 1);
 
     tableResult_->eventHeaderClicked().add([this](int column) { onTableHeaderSelected(column); });

@@ -81,6 +81,7 @@ void WinFinder::setup_panel_find_pages() {
     labelFileFilter_ = files->createLabel(QString());
     labelFileFilter_->setObjectName(QStringLiteral("labelFileFilter"));
     labelFileFilter_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    labelFileFilter_->setContentsMargins(0, 0, 8, 0);
 
     // content progress
     tav::XPanel* content = page(QStringLiteral("pageContent"));
