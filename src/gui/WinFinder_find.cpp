@@ -314,7 +314,8 @@ void WinFinder::on_contextMenu_fileResult(const FileResult& fr) {
 
 void WinFinder::on_open_fileResult(const FileResult& fr) {
     log(32, "WinFinder::setUp - double click file result ....");
-    open_stand_alone_preview(fr.fileInfo);
+    // The filter that found these hits, so the details window can mark them again.
+    open_stand_alone_preview(fr.fileInfo, fr.layer, pTavFind->contentFilter());
 }
 
 } // namespace tavFinder

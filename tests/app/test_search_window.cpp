@@ -12,6 +12,7 @@
 #include "gui/previews/PreviewHex.h"
 #include "gui/tools/XTools.h"
 #include "gui/viewText/XTextView.h"
+#include "gui/window/AbstractWindow.h"
 #include "gui/widgets/XBrowser.h"
 #include "gui/widgets/XComboBox.h"
 #include "gui/widgets/XTableViewClassic.h"
@@ -22,6 +23,7 @@
 #include "src/gui/FileResultModel.h"
 #include "src/gui/PanelResults.h"
 #include "src/gui/ThreadScanDir.h"
+#include "src/gui/WinDetails.h"
 #include "src/gui/WinFinder.h"
 #include "src/gui/WinTray.h"
 #include "src/gui/config/ConfigTavFinder.h"
@@ -386,6 +388,18 @@ void TestSearchWindow::contentSearchEndToEnd() {
     QCOMPARE(tav::XTools::get_modifier(), 0u);
     QCOMPARE(c->currentWidget(), c->hexPreview()->widget_preview());
 
+
+    // A double click opens the details window on the file of the row.
+    const size_t windows = tav::XTools::getAbstractWindows(true, true).size();
+    logs.clear();
+    panel->tableResult()->eventDoubleClick().fire(m->index(1, 0));
+    QVERIFY(logs.contains(QStringLiteral("PanelResults::setup, double click, fileResult <<<3>>>")));
+    QCOMPARE(tav::XTools::getAbstractWindows(true, true).size(), windows + 1);
+    QPointer<tavFinder::WinDetails> details = qobject_cast<tavFinder::WinDetails*>(tav::XTools::getAbstractWindows(true, true).back()->widget());
+    QVERIFY(details);
+    QCOMPARE(details->getCurrentFile().absoluteFilePath(), abs("docs/one.txt"));
+    details->close();
+    QTRY_VERIFY(details.isNull());
 
     // "Back" returns to the filter page and the previews of the tree.
     logs.clear();
