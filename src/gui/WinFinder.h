@@ -163,6 +163,7 @@ public:
     void show_results_panel(const char* logLine);
     // Menu and double click of a hit file in the results panel.
     void on_contextMenu_fileResult(const FileResult& fr);
+    void fill_contextMenu_fileResult(tav::XMenu& menu, const FileResult& fr);
     void on_open_fileResult(const FileResult& fr);
     uint32_t findState() const { return stateFind; }
     int findPage() const;

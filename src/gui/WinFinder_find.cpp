@@ -7,6 +7,7 @@
 #include "gui/panel/XPanelStacked.h"
 #include "gui/tools/XTools.h"
 #include "gui/widgets/XComboBox.h"
+#include "gui/widgets/XMenu.h"
 #include "gui/widgets/XTableViewClassic.h"
 #include "gui/widgets/XTreeViewFiles.h"
 #include "gui/widgets/XTypedComboBox.h"
@@ -14,6 +15,7 @@
 #include "src/find/TavFind.h"
 #include "src/gui/PanelResults.h"
 #include "src/gui/ThreadScanDir.h"
+#include "src/gui/apps/Terminal.h"
 #include "src/gui/WinFinder.h"
 #include "src/gui/config/ConfigTavFinder.h"
 
@@ -309,7 +311,26 @@ void WinFinder::on_escape_key() {
 
 void WinFinder::on_contextMenu_fileResult(const FileResult& fr) {
     log(32, "WinFinder::onContextMenu_rightSide_FileResults, fResult:$", fr.toString());
-    on_contextMenu_rightSide(fr.fileInfo, nullptr);
+    tav::XMenu menu(this);
+    fill_contextMenu_fileResult(menu, fr);
+    menu.execAt();
+}
+
+void WinFinder::fill_contextMenu_fileResult(tav::XMenu& menu, const FileResult& fr) {
+    // Copies: the menu must not follow later changes of the results.
+    const QFileInfo fi = fr.fileInfo;
+    const tav::find::XRamLayer layer = fr.layer;
+    menu.createAction(xt("View"), [this, fi, layer]() { open_stand_alone_preview(fi, layer, pTavFind->contentFilter()); },
+                      icon(QStringLiteral("show.svg")));
+    menu.createAction(xt("Tree"), [this, fi]() { treeView_->selectFile(fi.absoluteFilePath(), true); },
+                      icon(QStringLiteral("root.svg")));
+    menu.addSeparator();
+    menu.createAction(xt("Window"), [this, fi]() { on_open_new_win_here(fi); }, icon(QStringLiteral("window.svg")));
+    menu.createAction(xt("File Manager"), [fi]() { tav::XTools::showFolderInFileManager(fi.absoluteFilePath()); },
+                      icon(QStringLiteral("fileManager1.svg")));
+    menu.createAction(xt("Terminal"), [fi]() { Terminal::open_here(fi); });
+    menu.createAction(xt("Open With Default Program"), [fi]() { tav::XTools::open_file_with_default_program(fi); });
+    menu.createAction(xt("Properties"), [this, fi]() { open_properties(fi); });
 }
 
 void WinFinder::on_open_fileResult(const FileResult& fr) {

@@ -15,6 +15,7 @@
 #include "gui/window/AbstractWindow.h"
 #include "gui/widgets/XBrowser.h"
 #include "gui/widgets/XComboBox.h"
+#include "gui/widgets/XMenu.h"
 #include "gui/widgets/XTableViewClassic.h"
 #include "gui/widgets/XTreeViewFiles.h"
 #include "gui/widgets/XTypedComboBox.h"
@@ -388,6 +389,17 @@ void TestSearchWindow::contentSearchEndToEnd() {
     QCOMPARE(tav::XTools::get_modifier(), 0u);
     QCOMPARE(c->currentWidget(), c->hexPreview()->widget_preview());
 
+
+    // The menu of a hit file.
+    {
+        tav::XMenu menu(nullptr);
+        w->fill_contextMenu_fileResult(menu, m->fileResultFromRow(0));
+        QStringList entries;
+        for (QAction* a : menu.actions()) entries << (a->isSeparator() ? QStringLiteral("-") : a->text());
+        QCOMPARE(entries, (QStringList{"View", "Tree", "-", "Window", "File Manager", "Terminal", "Open With Default Program", "Properties"}));
+        menu.actions().at(1)->trigger();
+        QCOMPARE(w->treeView()->selectedFile().absoluteFilePath(), abs("docs/sub/most.log"));
+    }
 
     // A double click opens the details window on the file of the row.
     const size_t windows = tav::XTools::getAbstractWindows(true, true).size();
