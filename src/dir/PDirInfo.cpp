@@ -43,6 +43,7 @@ void PDirInfo::visit(const QString& dir) {
                 textBytes += uint64_t(fi.size());
             }
         }
+        if (onEntry) onEntry(*this);
     }
 }
 

@@ -5,6 +5,7 @@
 #include <QString>
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <unordered_set>
 
 namespace tavFinder {
@@ -26,6 +27,8 @@ public:
     std::atomic<uint64_t> bytes{0};
     std::atomic<uint64_t> textBytes{0};
     std::unordered_set<QString> textExtensions;   // lower case, no dot
+    // Called on the scanning thread after each entry is counted (progress).
+    std::function<void(const PDirInfo&)> onEntry;
 
     // Counts 'dir' recursively; returns when done or when 'running' was cleared.
     void scan_dir(const QString& dir);

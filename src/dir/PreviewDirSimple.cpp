@@ -143,6 +143,10 @@ void PreviewDirSimple::set_text_file_extensions(const std::unordered_set<QString
 
 bool PreviewDirSimple::isScanning() const { return scanner_->isActive(); }
 
+void PreviewDirSimple::setScanProgress(std::function<void(const PDirInfo&)> f) {
+    if (!isScanning()) scanner_->info.onEntry = std::move(f);
+}
+
 void PreviewDirSimple::onDeepInfo() {
     log(32, "PreviewDirSimple::onDeepInfo");
     if (!panel_) ini();

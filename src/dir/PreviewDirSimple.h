@@ -34,6 +34,8 @@ public:
     void onDeepInfo() override;
 
     bool isScanning() const;
+    // Runs on the scanning thread after each entry of a deep count.
+    void setScanProgress(std::function<void(const PDirInfo&)> f);
     QString html() const { return html_; }
     tav::XBrowser* browser() const { return browser_; }
 

@@ -12,6 +12,7 @@
 #include "src/dir/PreviewDirSimple.h"
 
 #include <QHeaderView>
+#include <QSemaphore>
 #include <QtTest>
 
 using namespace tavFinder;
@@ -90,15 +91,31 @@ private slots:
         QVERIFY(logs.contains(QStringLiteral("PreviewDirSimple::ini, done")));
 
         // A second Deep Info while the count runs cancels it: the page shows partial totals.
-        for (int i = 0; i < 300; ++i) d.file(QStringLiteral("many/%1/f.txt").arg(i), "x");
+        // The count is held after its third entry until the cancel was given.
+        for (int i = 0; i < 30; ++i) d.file(QStringLiteral("many/%1/f.txt").arg(i), "x");
+        QSemaphore third, resume;
+        std::atomic<bool> held{false};
+        p.setScanProgress([&](const PDirInfo& info) {
+            if (info.files.load() + info.dirs.load() >= 3 && !held.exchange(true)) {
+                third.release();
+                resume.acquire();
+            }
+        });
         p.open_file(QFileInfo(d.path()));
         logs.clear();
         p.onDeepInfo();
+        QVERIFY(third.tryAcquire(1, 5000));
         p.onDeepInfo();
+        resume.release();
         QVERIFY(logs.containsLine(QStringLiteral("PreviewDirSimple::onDeepInfo - Cancelled")));
         QTRY_VERIFY(!p.isScanning());
         QTRY_VERIFY(p.html().contains(QStringLiteral("Total (recursive)")));
-        QVERIFY(!p.html().contains(pair(QStringLiteral("Files"), 304)));
+        QVERIFY(!p.html().contains(pair(QStringLiteral("Files"), 34)));   // not the full count
+        // Cancelled before it began, a count ends at once.
+        PDirInfo early;
+        early.cancel();
+        early.scan_dir(d.path());
+        QCOMPARE(early.files.load() + early.dirs.load(), 0u);
     }
 
     void tableListsSortsAndHidesHiddenEntries() {

@@ -41,9 +41,10 @@ void XThumbJob::work() {
         realSize_ = real;
     }
     ini_ = false;
-    QPointer<XThumb> owner = owner_;
-    run_in_gui_thread([owner]() {
-        if (owner) owner->ready();
+    XThumb* owner = owner_;
+    std::weak_ptr<bool> alive = alive_;
+    run_in_gui_thread([owner, alive]() {
+        if (alive.lock()) owner->ready();
     });
 }
 
@@ -67,6 +68,7 @@ void XThumb::set_file(const QString& absolutePath, int width) {
     job_->path_ = absolutePath;
     job_->width_ = std::max(16, width);
     job_->owner_ = this;
+    job_->alive_ = alive_;
     job_->ini_ = true;
     setMinimumSize(job_->width_, job_->width_);
     updateGeometry();

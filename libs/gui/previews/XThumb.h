@@ -7,7 +7,6 @@
 
 #include <QImage>
 #include <QMutex>
-#include <QPointer>
 #include <QWidget>
 #include <atomic>
 #include <functional>
@@ -37,7 +36,10 @@ private:
     mutable QMutex mutex_;
     QImage image_;
     QSize realSize_;
-    QPointer<XThumb> owner_;
+    // The tile to tell when the picture is ready; used only on the GUI thread,
+    // and only while 'alive_' says the tile still exists.
+    XThumb* owner_ = nullptr;
+    std::weak_ptr<bool> alive_;
 };
 
 class XThumb : public QWidget {
@@ -71,6 +73,7 @@ private:
     friend class XThumbJob;
     void ready();
     std::shared_ptr<XThumbJob> job_;
+    std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
     XEventListener<std::function<void()>> evReady_;
 };
 
