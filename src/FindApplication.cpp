@@ -15,6 +15,7 @@
 #include "src/gui/WinTray.h"
 #include "src/gui/apps/XAppManager.h"
 #include "src/gui/config/ConfigTavFinder.h"
+#include "src/gui/dia/DiaFirstMessage.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -79,8 +80,8 @@ int FindApplication::tavFind(tav::KernelGUI& kernel) {
     // 3
     tav::XNode* nApp = kernel.getCreateNodeApplication();
     tav::XNode* root = nApp ? nApp->root() : nullptr;
-    // 4: first-run message
-    (void)root;
+    // 4
+    first_run_message(root);
     // 5
     cfg().fromNode(nApp->getCreateNode(QStringLiteral("Config")));
     // 6
@@ -138,6 +139,23 @@ int FindApplication::tavFind(tav::KernelGUI& kernel) {
 
 void FindApplication::quit_application() { WinFinder::quit_application(); }
 void FindApplication::quit_the_app() { WinFinder::quit_the_app(); }
+
+void FindApplication::first_run_message(tav::XNode* root) {
+    if (!root || !root->isBool(QStringLiteral("flagSeeIniMessage"), true)) return;
+    const auto [code, sLang] = DiaFirstMessage::show_first_message(nullptr);
+    const QString result = code == DiaFirstMessage::OK ? QStringLiteral("OK")
+                           : code == DiaFirstMessage::OK_SAVE ? QStringLiteral("OK_SAVE")
+                                                               : QStringLiteral("CANCEL");
+    log(32, "$, return:$", result, code);
+    log(32, "sLang:$", sLang);
+    if (code != DiaFirstMessage::OK && code != DiaFirstMessage::OK_SAVE) return;
+    tav::XTools::set_lang(sLang);
+    if (code == DiaFirstMessage::OK_SAVE) {
+        tav::XTools::set_lang(sLang);
+        root->setString(QStringLiteral("lang"), sLang);
+        root->setBool(QStringLiteral("flagSeeIniMessage"), false);
+    }
+}
 
 void FindApplication::restart_later() {
     tav::run_in_gui_thread([]() {

@@ -33,6 +33,10 @@ public:
     // wait for the pool, leave the event loop with 0).
     static void quit_application();
     static void quit_the_app();
+    // The first-run message at start: shown while the root's "flagSeeIniMessage"
+    // is true; "OK" sets the language for this run, "OK + save" also stores it
+    // and switches the message off.
+    static void first_run_message(tav::XNode* root);
     // Restart one second later (after the configuration dialog).
     static void restart_later();
 };

@@ -153,6 +153,10 @@ public:
     // Appends 'text' unless an item equals it exactly (case counts).
     void manage_combo_History(tav::XComboBox* combo, const QString& text);
 
+    // ---- settings (WinFinder_config.cpp) ------------------------------------------------------
+    void on_config();
+    void on_lang_editor();
+
     // ---- search (WinFinder_find.cpp) ---------------------------------------------------------------
     void on_find();
     void on_escape_key();

@@ -268,6 +268,10 @@ void WinFinder::fill_settings_menu(tav::XMenu& menu) {
         statusBar()->setVisible(on);
     });
     menu.addSeparator();
+    menu.createAction(xt("Configuration Dialog"), [this]() { on_config(); }, WindowBase::icon(QStringLiteral("wheel.svg")));
+    menu.addSeparator();
+    menu.createAction(xt("Language Editor"), [this]() { on_lang_editor(); });
+    menu.addSeparator();
     menu.createAction(xt("About Talvo Finder"), [this]() { on_about(); }, QIcon(QStringLiteral(":/tf/icons/find3.svg")));
 }
 

@@ -2,6 +2,7 @@
 #include "base/io/XPaths.h"
 #include "base/kernel/CommandRegistry.h"
 #include "base/kernel/Kernel.h"
+#include "base/node/XNode.h"
 #include "common/TestEnv.h"
 #include "src/FindApplication.h"
 
@@ -23,6 +24,13 @@ class TestStartup : public QObject {
     }
 
 private slots:
+    void initTestCase() {
+        // The started programs must not wait in the first-run message.
+        auto root = tav::XNode::createRoot(QStringLiteral("TalvoEngine"));
+        root->setBool(QStringLiteral("flagSeeIniMessage"), false);
+        QVERIFY(root->saveNodeToXml(tav::Kernel::nodeFilePath()));
+    }
+
     void environmentIsPrepared() {
         tav::setEnv(QStringLiteral("TAV_WINDOWS_DEVELOP"), QString());
         tavFinder::set_env_variables();

@@ -112,6 +112,17 @@ XNode* XTools::nGUI() {
     return s.catalogue.get();
 }
 
+void XTools::set_catalogue_content(const XNode* catalogue) {
+    if (!X_ASSERT_MSG(catalogue, "nLang == NULL")) return;
+    XNode* live = nGUI();
+    LangState& s = S();
+    QMutexLocker l(&s.mutex);
+    // The index points into the old content; it is rebuilt before the lock goes.
+    live->removeChildren();
+    for (XNode* c : catalogue->children()) live->addNode(c, true);
+    rebuildIndex(s);
+}
+
 QStringList XTools::get_ar_lang_from_node(XNode* catalogue) {
     QStringList out;
     if (!catalogue) return out;

@@ -33,6 +33,9 @@ public:
     static QString lang();
     // The live catalogue root ("GUI" with "Message" children).
     static XNode* nGUI();
+    // Replaces the live catalogue's content by deep copies of the children of
+    // 'catalogue', in their order; translations follow at once.
+    static void set_catalogue_content(const XNode* catalogue);
     // Language names of the live catalogue / of a catalogue, in order of first appearance.
     static QStringList get_ar_lang();
     static QStringList get_ar_lang_from_node(XNode* catalogue);

@@ -1,8 +1,11 @@
 #include "gui/widgets/XBrowser.h"
 
+#include "base/env/Env.h"
 #include "base/log/Logger.h"
 
 #include <QFile>
+#include <QFileInfo>
+#include <QTextDocument>
 #include <QUrl>
 
 namespace tav {
@@ -32,5 +35,24 @@ bool XBrowser::showPage(const QString& path) {
     setSource(url);
     return true;
 }
+
+bool XBrowser::setResourceHTML(const QString& path, bool replace) {
+    const QUrl url = pageUrl(path);
+    const QString file = url.scheme() == QLatin1String("qrc") ? QLatin1Char(':') + url.path() : url.toLocalFile();
+    QFile f(file);
+    if (!f.open(QIODevice::ReadOnly)) {
+        log(4, "XBrowser::setResourceHTML, <<<$>>> 404", path);
+        return false;
+    }
+    QString html = QString::fromUtf8(f.readAll());
+    if (replace) html = replaceEnv(html);
+    // Relative links of the page (its style sheet) resolve against the page's own address.
+    document()->setBaseUrl(url);
+    setSearchPaths({QFileInfo(file).absolutePath()});
+    setHtml(html);
+    return true;
+}
+
+void XBrowser::setDocMargin(int pixels) { document()->setDocumentMargin(pixels); }
 
 } // namespace tav

@@ -13,6 +13,12 @@ public:
     // style sheets and pictures resolve beside the page. False for a missing page.
     bool showPage(const QString& path);
     void setHtmlText(const QString& html) { setHtml(html); }
+    // Shows an HTML page from the resources (or a file); 'replaceEnv' replaces
+    // "$(NAME)" references by environment variables first. Style sheets and
+    // pictures with relative paths resolve beside the page. False for a missing page.
+    bool setResourceHTML(const QString& path, bool replaceEnv);
+    // Margin of the document around the page, in pixels.
+    void setDocMargin(int pixels);
     // The page's address as a URL ("qrc:/..." for resources).
     static QUrl pageUrl(const QString& path);
 };

@@ -1,0 +1,86 @@
+// The main window's settings: the configuration dialog and the language editor.
+#include "base/kernel/Kernel.h"
+#include "base/log/Logger.h"
+#include "gui/kernel/KernelGUI.h"
+#include "gui/tools/XTools.h"
+#include "gui/widgets/XBox.h"
+#include "gui/widgets/XTreeViewFiles.h"
+#include "src/FindApplication.h"
+#include "src/dir/XContainerPreviews.h"
+#include "src/gui/WinFinder.h"
+#include "src/gui/config/DiaWinFinderConfig.h"
+#include "src/gui/lang/WinLang.h"
+
+#include <QDir>
+#include <QStatusBar>
+
+namespace tavFinder {
+
+using tav::log;
+using tav::xt;
+
+void WinFinder::on_config() {
+    // 1
+    const bool darkBefore = cfg().flagDarkTheme;
+    DiaTavFinderConfig dia(this);
+    dia.set_gui_from_cfg(cfg());
+    dia.setGeometry(50, 50, 600, 400);
+    // 2
+    if (!dia.isExecOK(false)) {
+        log(32, "dia cancel");
+        return;
+    }
+    // 3
+    cfg() = dia.config();
+    log(32, "$", cfg().toString());
+    // 4: the button of the navigation bar follows the filter switch
+    propUseFilter_.set(cfg().flagUseFilter);
+    if (treeView_) {
+        if (cfg().flagUseFilter) treeView_->setFolderFilter(cfg().filter);
+        else treeView_->removeFolderFilter();
+        treeView_->setDirsOnly(cfg().flagTreeDirOnly);
+        treeView_->invalidateModel();
+    }
+    if (container_preview_) container_preview_->setTextFileExtensions(cfg().extSet());
+    // 5
+    if (cfg().flagDarkTheme) {
+        log(32, "WinFinder_config::on_config - DARK THEME");
+        tav::KernelGUI::setTavStyleNewDark();
+    } else {
+        log(32, "WinFinder_config::on_config - STANDARD THEME");
+        tav::KernelGUI::setTavStyleNewStandard();
+    }
+    if (cfg().flagDarkTheme != darkBefore) {
+        // Cached thumbnails and icons were drawn for the old theme.
+        log(32, "THEME CHANGED !");
+        log(32, "del contents of cache dir");
+        tav::XTools::empty_out_cache_dir();
+        tav::XTools::get_create_cache_dir();
+    }
+    // 6
+    tav::TalvoEngine::setFontScale(kernel_ ? kernel_->getNodeRoot() : nullptr, dia.fontScale());
+    // 7
+    if (tav::XBox::ask_yes_no(this, xt("Restart"),
+                              xt("Some options will work only after restart!\nDo you want to restart Talvo Finder ?")))
+        FindApplication::restart_later();
+    // 8
+    on_refresh();
+    for (tav::AbstractWindow* w : tav::XTools::getAbstractWindows(false, true))
+        if (auto* win = dynamic_cast<WinFinder*>(w)) win->statusBar()->setVisible(cfg().flagStatusBar);
+}
+
+void WinFinder::on_lang_editor() {
+    log(32, "WinFinder_config::on_lang_editor, current lang:$", tav::XTools::lang());
+    if (WinLang::isOpen()) {
+        log(4, "WinFinder_config::on_lang_editor, one instance only!");
+        return;
+    }
+    auto* win = new WinLang(nullptr);
+    tav::XNode* nApp = kernel_ ? kernel_->getCreateNodeApplication() : nullptr;
+    if (nApp) win->setNodeWin(nApp->getCreateNode(QStringLiteral("GUI"))->getCreateNode(QStringLiteral("WinLang")));
+    win->set_lang_root(tav::XTools::nGUI());
+    win->setGeometry(50, 50, 800, 500);
+    win->show();
+}
+
+} // namespace tavFinder

@@ -1,0 +1,83 @@
+#include "src/gui/dia/DiaFirstMessage.h"
+
+#include "base/log/Logger.h"
+#include "gui/panel/XPanel.h"
+#include "gui/tools/XTools.h"
+#include "gui/widgets/XBrowser.h"
+
+#include <QPushButton>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+namespace tavFinder {
+
+using tav::log;
+using tav::xt;
+
+QString DiaFirstMessage::lang_short_name(int daLang) {
+    switch (daLang) {
+    case English: return QStringLiteral("en");
+    case German: return QStringLiteral("de");
+    case Russian: return QStringLiteral("ru");
+    default: return QString();
+    }
+}
+
+QString DiaFirstMessage::page_of(DaLang lang) {
+    return tav::fill(":tf/html/FirstMessage.$.html", lang_short_name(lang));
+}
+
+DiaFirstMessage::DiaFirstMessage(QWidget* parent) : tav::XDialog(parent), group_(this, QStringLiteral("DaLang")) {
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    auto* content = new tav::XPanel(this, tav::XPanel::VERTICAL);
+    layout->addWidget(content);
+    // 1
+    content->setTight();
+    browser_ = content->createBrowser();
+    browser_->setMinimumSize(960, 500);
+    browser_->setOpenExternalLinks(false);
+    browser_->setOpenLinks(false);
+    browser_->setDocMargin(0);
+    browser_->setResourceHTML(page_of(English), true);
+    // 2
+    tav::XPanel* row = content->createPanel(tav::XPanel::HORIZONTAL);
+    row->setMargins(8, 6, 8, 6);
+    for (auto [lang, text] : {std::pair<DaLang, const char*>{English, "English"}, {German, "German"}, {Russian, "Russian"}})
+        group_.addButton(row->add(new QRadioButton(xt(text), row)), lang);
+    group_.addListener([this](DaLang lang) {
+        switch (lang) {
+        case English: log(32, "english"); break;
+        case German: log(32, "deutsch"); break;
+        case Russian: log(32, "russisch"); break;
+        }
+        browser_->setResourceHTML(page_of(lang), true);
+    });
+    const QString current = tav::XTools::lang();
+    int selected = -1;
+    for (DaLang l : {English, German, Russian})
+        if (lang_short_name(l) == current) selected = l;
+    group_.select(DaLang(selected));
+    // 3
+    row->addSpacer();
+    okSave_ = row->createButton(xt("OK + save"), [this]() {
+        result_ = OK_SAVE;
+        accept();
+    });
+    ok_ = row->createButton(xt("OK"), [this]() {
+        result_ = OK;
+        accept();
+    });
+    ok_->setDefault(true);
+    // 4
+    setWindowTitle(xt("Hint"));
+}
+
+std::pair<int, QString> DiaFirstMessage::show_first_message(QWidget* parent) {
+    DiaFirstMessage dia(parent);
+    const bool accepted = dia.exec() == QDialog::Accepted;
+    const QString lang = accepted ? lang_short_name(dia.selected_lang()) : QString();
+    return {dia.result_code(), lang};
+}
+
+} // namespace tavFinder
