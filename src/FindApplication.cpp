@@ -143,10 +143,7 @@ void FindApplication::quit_the_app() { WinFinder::quit_the_app(); }
 void FindApplication::first_run_message(tav::XNode* root) {
     if (!root || !root->isBool(QStringLiteral("flagSeeIniMessage"), true)) return;
     const auto [code, sLang] = DiaFirstMessage::show_first_message(nullptr);
-    const QString result = code == DiaFirstMessage::OK ? QStringLiteral("OK")
-                           : code == DiaFirstMessage::OK_SAVE ? QStringLiteral("OK_SAVE")
-                                                               : QStringLiteral("CANCEL");
-    log(32, "$, return:$", result, code);
+    log(32, "$", DiaFirstMessage::result_text(code));
     log(32, "sLang:$", sLang);
     if (code != DiaFirstMessage::OK && code != DiaFirstMessage::OK_SAVE) return;
     tav::XTools::set_lang(sLang);

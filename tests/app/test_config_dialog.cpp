@@ -169,14 +169,14 @@ void TestConfigDialog::controlsReachTheRecord() {
 void TestConfigDialog::extensionsAreOnlyAdded() {
     QVERIFY(cfg().hasExt(QStringLiteral("txt")));
     QVERIFY(runConfig([](DiaTavFinderConfig* d) {
-        QStringList ext = d->textExtensions()->toPlainText().split(QLatin1Char(','));
+        QStringList ext = d->textExtensions()->toPlainText().split(QStringLiteral(", "));
         QVERIFY(ext.contains(QStringLiteral("txt")));
         QStringList sorted = ext;
         sorted.sort();
         QCOMPARE(ext, sorted);
         ext.removeAll(QStringLiteral("txt"));
         ext << QStringLiteral("zzz\nyyy");
-        d->textExtensions()->setPlainText(ext.join(QLatin1Char(',')));
+        d->textExtensions()->setPlainText(ext.join(QStringLiteral(", ")));
     }));
     QVERIFY(cfg().hasExt(QStringLiteral("txt")));
     QVERIFY(cfg().hasExt(QStringLiteral("zzz")) && cfg().hasExt(QStringLiteral("yyy")));

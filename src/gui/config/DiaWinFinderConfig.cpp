@@ -93,6 +93,7 @@ tav::XPanel* DiaTavFinderConfig::add_row(tav::XPanel* page, const QString& label
     tav::XPanel* row = page->createPanel(tav::XPanel::HORIZONTAL);
     QLabel* l = row->createLabel(label);
     l->setMinimumWidth(140);
+    rowLabels_.push_back(l);
     // The control goes in front of the spacer, the explanation after it.
     row->addSpacer();
     if (!explanation.isEmpty()) {
@@ -141,8 +142,14 @@ void DiaTavFinderConfig::set_gui_from_cfg(const WinFinderConfig& config) {
     };
     for (auto& [title, setup] : pages) {
         auto* page = new tav::XPanel(tabs_, tav::XPanel::VERTICAL);
+        rowLabels_.clear();
         (this->*setup)(page);
         page->addSpacer();
+        // Translated labels differ in length; the controls of a page stay in one column.
+        int width = 140;
+        for (QLabel* l : rowLabels_) width = std::max(width, l->sizeHint().width());
+        for (QLabel* l : rowLabels_) l->setMinimumWidth(width);
+        rowLabels_.clear();
         tabs_->addTab(page, xt(title));
     }
 }
@@ -221,7 +228,6 @@ void DiaTavFinderConfig::setup_tree(QWidget* w) {
     (new QVBoxLayout(show))->addWidget(showPanel);
     auto check = [&](const QString& label, const QString& text, bool value, bool WinFinderConfig::*member) {
         tav::XPanel* row = add_row(showPanel, label);
-        row->boxLayout()->itemAt(0)->widget()->setMinimumWidth(330);
         QCheckBox* c = add_check_in_row(row, text);
         c->setChecked(value);
         connect(c, &QCheckBox::toggled, this, [this, member](bool on) { cfg_.*member = on; });
@@ -318,8 +324,10 @@ void DiaTavFinderConfig::setup_text_view(QWidget* w) {
     l->setMinimumWidth(140);
     l->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     textExt_ = row->add(new QPlainTextEdit(row), 1);
-    textExt_->setPlainText(cfg_.ext_to_string(true));
-    textExt_->setMaximumHeight(90);
+    // A blank after each comma lets long lists wrap between extensions.
+    textExt_->setPlainText(cfg_.ext_to_string(true).replace(QLatin1Char(','), QLatin1String(", ")));
+    textExt_->setMinimumHeight(120);
+    textExt_->setMaximumHeight(200);
 
     row = add_row(page, xt("Font Size"), xt("Text Viewer Default Font Size"), true);
     comboFont_ = insertControl(row, new tav::XTypedComboBox<unsigned>(row));

@@ -11,6 +11,7 @@
 
 class QCheckBox;
 class QComboBox;
+class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
 class QPushButton;
@@ -118,6 +119,7 @@ private:
     QCheckBox* checkAutoWrap_ = nullptr;
     tav::XButtonGroupTyped<int> groupLiPos_;
     std::vector<std::pair<unsigned, QCheckBox*>> filterBits_;
+    std::vector<QLabel*> rowLabels_;   // of the page being built
 };
 
 } // namespace tavFinder

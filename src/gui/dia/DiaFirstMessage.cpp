@@ -23,6 +23,11 @@ QString DiaFirstMessage::lang_short_name(int daLang) {
     }
 }
 
+QString DiaFirstMessage::result_text(int code) {
+    const QString name = code == OK ? QStringLiteral("OK") : code == OK_SAVE ? QStringLiteral("OK_SAVE") : QStringLiteral("CANCEL");
+    return tav::fill("$, return:$", name, code);
+}
+
 QString DiaFirstMessage::page_of(DaLang lang) {
     return tav::fill(":tf/html/FirstMessage.$.html", lang_short_name(lang));
 }

@@ -29,6 +29,8 @@ public:
     static std::pair<int, QString> show_first_message(QWidget* parent = nullptr);
 
     static QString lang_short_name(int daLang);
+    // "CANCEL", "OK" or "OK_SAVE" followed by ", return:" and the code.
+    static QString result_text(int code);
     static QString page_of(DaLang lang);
 
     int result_code() const { return result_; }

@@ -27,9 +27,13 @@ public:
     tav::XPlainTextEdit* editEnglish() const { return editEn_; }
     tav::XPlainTextEdit* editLang() const { return editLang_; }
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     tav::XPlainTextEdit* editEn_;
     tav::XPlainTextEdit* editLang_;
+    bool active_ = false;
 };
 
 } // namespace tavFinder
