@@ -2,7 +2,6 @@
 #include "base/io/XPaths.h"
 #include "base/kernel/CommandRegistry.h"
 #include "base/kernel/Kernel.h"
-#include "base/node/XNode.h"
 #include "common/TestEnv.h"
 #include "src/FindApplication.h"
 
@@ -26,9 +25,7 @@ class TestStartup : public QObject {
 private slots:
     void initTestCase() {
         // The started programs must not wait in the first-run message.
-        auto root = tav::XNode::createRoot(QStringLiteral("TalvoEngine"));
-        root->setBool(QStringLiteral("flagSeeIniMessage"), false);
-        QVERIFY(root->saveNodeToXml(tav::Kernel::nodeFilePath()));
+        env.markFirstRunDone();
     }
 
     void environmentIsPrepared() {

@@ -288,6 +288,7 @@ private slots:
         QFile::remove(configFile(BOOKMARKS_FILE));
         QFile::remove(configFile(APPS_FILE));
         Bookmarks::get_tree() = XTree();
+        env.markFirstRunDone();
         auto run = [](std::function<void()> whileRunning) {
             tav::KernelGUI kernel(QStringLiteral("talvoEngine"), QStringLiteral("app"), {}, true);
             QTimer::singleShot(100, [whileRunning]() {

@@ -1,6 +1,8 @@
 #include "common/TestEnv.h"
 
+#include "base/kernel/Kernel.h"
 #include "base/log/Logger.h"
+#include "base/node/XNode.h"
 
 #include <QDir>
 #include <QFile>
@@ -24,6 +26,13 @@ TestEnv::TestEnv() {
     tav::Logger::setStderrEnabled(qEnvironmentVariableIsSet("TF_TEST_LOG"));
 }
 TestEnv::~TestEnv() = default;
+void TestEnv::markFirstRunDone() const {
+    const QString path = tav::Kernel::nodeFilePath();
+    std::unique_ptr<tav::XNode> root = QFile::exists(path) ? tav::XNode::loadFromXml(path) : nullptr;
+    if (!root) root = tav::XNode::createRoot(QStringLiteral("TalvoEngine"));
+    root->setBool(QStringLiteral("flagSeeIniMessage"), false);
+    root->saveNodeToXml(path);
+}
 QString TestEnv::configHome() const { return dir_.path() + QStringLiteral("/config"); }
 QString TestEnv::cacheHome() const { return dir_.path() + QStringLiteral("/cache"); }
 QString TestEnv::runtimeDir() const { return dir_.path() + QStringLiteral("/runtime"); }

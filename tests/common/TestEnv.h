@@ -21,6 +21,9 @@ public:
     QString cacheHome() const;
     QString runtimeDir() const;
     QString root() const { return dir_.path(); }
+    // Writes the configuration node so that "app" starts without the first-run
+    // message (a modal dialog that would wait for a user).
+    void markFirstRunDone() const;
 
 private:
     QTemporaryDir dir_;
