@@ -34,11 +34,13 @@ private slots:
             "auto c = text(\"not a call\"); auto d = setXt(\"no\");\n"
             "auto e = xt(\"Joined \"\n   \"over lines\");\n"
             "auto f = xt(variable); auto g = \"xt(\\\"in a string\\\")\";\n"
-            "/* xt(\"block comment\") */ auto h = xt( \"Quote \\\" inside\" );\n");
+            "/* xt(\"block comment\") */ auto h = xt( \"Quote \\\" inside\" );\n"
+            "auto i = xt(\"Copy \\u2192 Search\");\n");
         QStringList found;
         for (const tftest::XtLiteral& l : tftest::xtLiteralsOfSource(src, QStringLiteral("x.cpp"))) found << l.text;
         QCOMPARE(found, (QStringList{QStringLiteral("One"), QStringLiteral("Two\nlines"),
-                                     QStringLiteral("Joined over lines"), QStringLiteral("Quote \" inside")}));
+                                     QStringLiteral("Joined over lines"), QStringLiteral("Quote \" inside"),
+                                     QStringLiteral("Copy \u2192 Search")}));
         const auto lines = tftest::xtLiteralsOfSource(src, QStringLiteral("x.cpp"));
         QCOMPARE(lines.at(2).line, 5);
         QCOMPARE(lines.at(3).line, 8);

@@ -60,6 +60,17 @@ inline int readLiteral(const QString& s, int i, QString* out) {
         case 'n': out->append(QLatin1Char('\n')); break;
         case 't': out->append(QLatin1Char('\t')); break;
         case 'r': out->append(QLatin1Char('\r')); break;
+        case 'u':
+        case 'U': {
+            // \uXXXX and \UXXXXXXXX name a code point
+            const int digits = s[i] == QLatin1Char('u') ? 4 : 8;
+            bool ok = false;
+            const uint cp = s.mid(i + 1, digits).toUInt(&ok, 16);
+            if (!ok) return -1;
+            out->append(QString::fromUcs4(&cp, 1));
+            i += digits;
+            break;
+        }
         case '0': out->append(QChar(0)); break;
         default: out->append(s[i]); break;   // \" \\ \'
         }
