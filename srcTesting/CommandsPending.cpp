@@ -7,8 +7,10 @@
 namespace {
 const bool kPending = [] {
     const char* names[] = {
-        "xtree.writeReadTree2", "prog",         "result_full_Window", "filterProxy", "qtreeViewDirs", "result_scan_Window",
-        "testThumbs",         "misc.dir_preview_simple", "preview.ascii", "preview.dir",
+        "xtree.writeReadTree2", "prog",
+        "result_full_Window", "filterProxy", "qtreeViewDirs", "result_scan_Window",
+        "testThumbs",
+        "misc.dir_preview_simple", "preview.ascii", "preview.dir",
         "preview.hex",
     };
     for (const char* n : names) tav::registerPendingCommand(QString::fromLatin1(n), QString());
