@@ -219,9 +219,10 @@ int64_t LineIndex::nextLineStart(int64_t s) const {
 
 int64_t LineIndex::prevLineStart(int64_t s) const {
     if (s <= 0) return 0;
+    const bool cov = covered(s);   // before the anchor, as in lineStartContaining
     const Anchor a = anchorAtOrBefore(s, true, nullptr);
     int64_t to = s - 1;   // the "\n" that ends the previous line is not searched
-    if (covered(s)) to = std::min(to, a.offset + kBytesPerAnchor - 1);
+    if (cov) to = std::min(to, a.offset + kBytesPerAnchor - 1);
     const int64_t nl = src_->findNewlineBack(a.offset, to);
     return nl < 0 ? a.offset : nl + 1;
 }
@@ -233,9 +234,12 @@ int64_t LineIndex::lineStartContaining(int64_t pos) const {
         // The end of a text that ends with "\n" belongs to its last line.
         pos = size - 1;
     }
+    // Coverage first: anchors read after it include every anchor up to 'pos'. Read
+    // the other way round, a stale anchor could be taken as the nearest one.
+    const bool cov = covered(pos);
     const Anchor a = anchorAtOrBefore(pos, false, nullptr);
     int64_t to = pos;
-    if (covered(pos)) to = std::min(to, a.offset + kBytesPerAnchor - 1);
+    if (cov) to = std::min(to, a.offset + kBytesPerAnchor - 1);
     const int64_t nl = src_->findNewlineBack(a.offset, to);
     return nl < 0 ? a.offset : nl + 1;
 }
