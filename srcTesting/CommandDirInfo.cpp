@@ -20,7 +20,7 @@ int dirInfo(tav::KernelGUI& kernel) {
     cl.addMustHaveKeys(QStringLiteral("open"));
     if (!cl.checkKeys()) {
         cl.showExample(QStringLiteral("--open /data/myData"));
-        return 1;
+        return 6;
     }
     const QString dir = QFileInfo(QDir(kStartDir), cl.getString(QStringLiteral("open"))).absoluteFilePath();
     tav::log(32, "Recursive scan <<<$>>>", dir);

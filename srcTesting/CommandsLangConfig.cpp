@@ -11,11 +11,15 @@
 #include "src/gui/dia/DiaFirstMessage.h"
 #include "src/gui/lang/WinLang.h"
 
+#include <QDir>
 #include <QGuiApplication>
 #include <QScreen>
 
 namespace tavFinder {
 namespace {
+
+// main() changes into the program's folder; a relative --file means the caller's folder.
+const QString kStartDir = QDir::currentPath();
 
 using tav::log;
 
@@ -50,7 +54,8 @@ int winLang(tav::KernelGUI& kernel) {
         return 1;
     }
     // A catalogue given on the command line becomes the live one for this run.
-    const QString file = cl.getString(QStringLiteral("file"), QString());
+    QString file = cl.getString(QStringLiteral("file"), QString());
+    if (!file.isEmpty()) file = QFileInfo(QDir(kStartDir), file).absoluteFilePath();
     if (!file.isEmpty()) {
         QString err;
         auto cat = tav::XNode::loadFromXml(file, &err);

@@ -36,7 +36,11 @@ void FindThread::runCustom() {
             tav::XFindStats::add(stats.countBytes, reader_.getMemorySize());
             if (pTavFind->flagCountLines) tav::XFindStats::add(stats.countLines, reader_.countLines());
             reader_.close();
-            if (layer) pController->addResult(FileResult(std::move(layer), *file));
+            if (layer) {
+                tav::XFindStats::add(stats.countMatch, 1);
+                tav::XFindStats::add(stats.countHits, layer.size());
+                pController->addResult(FileResult(std::move(layer), *file));
+            }
         } while (pController->isFlag(tav::AbstractThread::RUNNING));
     }
     pTavFind->workerEnded();

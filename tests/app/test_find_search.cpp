@@ -101,6 +101,8 @@ private slots:
         QCOMPARE(st.countFiles.load(), uint64_t(43));   // every regular file, empty ones included
         QCOMPARE(tf.countResults(), size_t(30));
         QCOMPARE(tf.countHits(), uint32_t(60));
+        QCOMPARE(st.countMatch.load(), uint64_t(30));   // the workers' totals agree with the results
+        QCOMPARE(st.countHits.load(), uint64_t(60));
         QCOMPARE(tf.getBytesRead(), uint32_t(st.countBytes.load()));
         QCOMPARE(st.countLines.load(), uint64_t(40 + 60));
 

@@ -7,6 +7,10 @@
 
 #include <QApplication>
 #include <QCoreApplication>
+#include <QDialog>
+#include <QMenu>
+#include <QTimer>
+#include <QWidget>
 #include <memory>
 #include <unistd.h>
 
@@ -18,6 +22,56 @@ QString XRuntime::commandFromArgs(const QStringList& args, const QString& defaul
     if (!r.isEmpty() && !r.first().startsWith(QLatin1Char('-'))) command = r.takeFirst();
     if (rest) *rest = r;
     return command;
+}
+
+// TAV_AUTO_CLOSE_MS=N: N ms after start, close what a command shows, as a user
+// would (modal dialogs first), then end the loop if nothing is left. Lets a whole
+// command set run unattended; every window closed is reported on standard error.
+static void armAutoClose() {
+    bool ok = false;
+    const int ms = qEnvironmentVariableIntValue("TAV_AUTO_CLOSE_MS", &ok);
+    if (!ok || ms <= 0 || !qobject_cast<QApplication*>(QCoreApplication::instance())) return;
+    auto* timer = new QTimer(QCoreApplication::instance());
+    auto idle = std::make_shared<int>(0);
+    auto rounds = std::make_shared<int>(0);
+    QObject::connect(timer, &QTimer::timeout, [timer, idle, rounds]() {
+        timer->setInterval(200);
+        if (++*rounds > 50) {
+            // Something refuses to close: end with a code of our own rather than hang.
+            Logger::printToCerr(QStringLiteral("auto-close: windows refuse to close"));
+            QCoreApplication::exit(3);
+            return;
+        }
+        auto report = [](QWidget* w) {
+            Logger::printToCerr(QStringLiteral("auto-close: %1 '%2'").arg(QString::fromLatin1(w->metaObject()->className()),
+                                                                          w->windowTitle()));
+        };
+        if (QWidget* popup = QApplication::activePopupWidget()) {
+            popup->close();
+            *idle = 0;
+            return;
+        }
+        if (QWidget* modal = QApplication::activeModalWidget()) {
+            report(modal);
+            if (auto* d = qobject_cast<QDialog*>(modal)) d->reject();
+            else modal->close();
+            *idle = 0;
+            return;
+        }
+        QList<QWidget*> open;
+        for (QWidget* w : QApplication::topLevelWidgets())
+            if (w->isVisible() && w->isWindow() && !qobject_cast<QMenu*>(w)) open << w;
+        if (!open.isEmpty()) {
+            for (QWidget* w : open) {
+                report(w);
+                w->close();
+            }
+            *idle = 0;
+            return;
+        }
+        if (++*idle >= 10) QCoreApplication::exit(0);
+    });
+    timer->start(ms);
 }
 
 static void printCommands() {
@@ -56,6 +110,7 @@ int XRuntime::runStandard(int argc, char** argv, char** /*envp*/, const QString&
         else app = std::make_unique<QCoreApplication>(argc, argv);
         {
             KernelGUI kernel(engineName, command, rest, entry->needsDisplay);
+            armAutoClose();
             result = entry->run(kernel);
             // Work still queued must not outlive the kernel it may use.
             XThreadPool::wait_for_all(-1);

@@ -1,0 +1,139 @@
+// Developer commands for the results panel on its own: a content search over a
+// folder, and a file-name scan, each shown in the panel when it is done.
+#include "base/dir/XDirInfo.h"
+#include "base/find/XContentFilter.h"
+#include "base/kernel/CommandLine.h"
+#include "base/log/Logger.h"
+#include "base/text/TextFiles.h"
+#include "base/util/Format.h"
+#include "gui/kernel/KernelGUI.h"
+#include "gui/kernel/XRuntime.h"
+#include "gui/window/XTestWindow.h"
+#include "src/find/TavFind.h"
+#include "src/gui/FileResultModel.h"
+#include "src/gui/PanelResults.h"
+
+#include <QDir>
+#include <QGuiApplication>
+#include <QPointer>
+#include <memory>
+
+namespace {
+
+using tav::log;
+
+// main() changes into the program's folder; relative paths mean the caller's folder.
+const QString kStartDir = QDir::currentPath();
+
+QString absoluteDir(const QString& path) { return QFileInfo(QDir(kStartDir), path).absoluteFilePath(); }
+
+int resultFullWindow(tav::KernelGUI& kernel) {
+    tav::CommandLine& cl = kernel.commandLine();
+    cl.addMustHaveKeys(QStringLiteral("open,find"));
+    cl.addOptionalKeys(QStringLiteral("regex"));
+    if (!cl.checkKeys()) {
+        cl.showExample(QStringLiteral("--open /data/myData --find hallo"));
+        return 6;
+    }
+    tav::Logger::setLogLevelSimple(5);
+    QGuiApplication::setQuitOnLastWindowClosed(true);
+    const QString sDir = absoluteDir(cl.getString(QStringLiteral("open")));
+    const QString sFind = cl.getString(QStringLiteral("find"));
+    log(32, "sDir <<<$>>>", sDir);
+    log(32, "sFind <<<$>>>", sFind);
+    if (!QFileInfo(sDir).isDir()) {
+        log(4, "folder <<<$>>> does not exist", sDir);
+        return 1;
+    }
+    tav::find::XContentFilter filter;
+    filter.setScope(tav::find::XContentFilter::SCOPE_FILE);
+    if (!filter.createSymbols(sFind, cl.getBool(QStringLiteral("regex"), false))) {
+        log(8, "result_full_Window, problems with expression '$'", sFind);
+        return 1;
+    }
+
+    // The scan owns the file list the search reads; both live until the loop ends.
+    auto dirInfo = std::make_unique<tav::XDirInfo>();
+    const int64_t start = tav::getMicroseconds();
+    dirInfo->scan_dir(sDir);
+    dirInfo->setup_filtered_files(tav::XFileFilter(), true);
+    auto find = std::make_unique<tavFinder::TavFind>();
+    find->request.sPath = sDir;
+    find->setContentFilter(filter);
+    find->prepareFiles(dirInfo->ar_filtered_files);
+
+    auto* panel = new tavFinder::PanelResults();
+    tav::XTestWindow::setTestingStandard(panel, QStringLiteral("Results"), 1100, 700);
+    tavFinder::TavFind* pFind = find.get();
+    QPointer<tavFinder::PanelResults> guard(panel);
+    find->addListener([pFind, guard, sDir, sFind, start]() {
+        log(32, "stats:$", pFind->workerStats().toString());
+        log(32, "$, '$', $ file hits, total hits:$", sDir, sFind, quint64(pFind->countResults()), pFind->countHits());
+        log(32, "search within $ sec", tav::formatMicrosecond_as_Sec(tav::getMicroseconds() - start));
+        if (!guard) return;
+        guard->setFileResults(pFind->getResults());
+        guard->showStack(1);
+        if (pFind->hasResults() || guard->model()->rowCount() > 0) guard->on_jump_to_result(0);
+    });
+    if (!find->start_search()) {
+        log(4, "result_full_Window, the search did not start");
+        return 1;
+    }
+    const int rc = kernel.exec();
+    find->stop_search();
+    find->waitDone();
+    return rc;
+}
+
+int resultScanWindow(tav::KernelGUI& kernel) {
+    tav::CommandLine& cl = kernel.commandLine();
+    cl.addMustHaveKeys(QStringLiteral("dir"));
+    cl.addOptionalKeys(QStringLiteral("sPattern,snPattern,flagTextFiles"));
+    if (!cl.checkKeys()) {
+        cl.showExample(QStringLiteral("--dir /data/myData [--sPattern *bla* --snPattern mist --flagTextFiles true]"));
+        return 6;
+    }
+    tav::Logger::setLogLevelSimple(5);
+    QGuiApplication::setQuitOnLastWindowClosed(true);
+    const QString dir = absoluteDir(cl.getString(QStringLiteral("dir")));
+    const QString sPattern = cl.getString(QStringLiteral("sPattern"));
+    const QString snPattern = cl.getString(QStringLiteral("snPattern"));
+    const bool flagTextFiles = cl.getBool(QStringLiteral("flagTextFiles"), false);
+    log(32, "dir <<<$>>>", dir);
+    log(32, "sPattern <<<$>>>", sPattern);
+    log(32, "snPattern <<<$>>>", snPattern);
+    log(32, "flagTextFiles <<<$>>>", flagTextFiles);
+    if (!QFileInfo(dir).isDir()) {
+        log(4, "folder <<<$>>> does not exist", dir);
+        return 1;
+    }
+    tav::XFileFilter ff;
+    ff.setPattern(sPattern, false);
+    ff.setPattern(snPattern, true);
+    if (flagTextFiles)
+        for (const QString& e : tav::default_text_file_extensions()) ff.textFileExtensions.insert(e);
+
+    const int64_t start = tav::getMicroseconds();
+    tav::XDirInfo dirInfo;
+    dirInfo.scan_dir(dir, &ff);
+    const tav::XFindStats stats = dirInfo.setup_filtered_files(ff, true);
+    log(32, "stats:$", stats.toString());
+    std::vector<QFileInfo> files;
+    files.reserve(dirInfo.ar_filtered_files.size());
+    for (const QFileInfo* fi : dirInfo.ar_filtered_files) files.push_back(*fi);
+
+    auto* panel = new tavFinder::PanelResults();
+    tavFinder::FindRequest request;
+    request.sPath = dir;
+    request.sPattern = sPattern;
+    panel->setFileResultsSimple(files);
+    panel->setResultSummaryHtml(start, stats, request);
+    panel->showStack(0);
+    tav::XTestWindow::setTestingStandard(panel, QStringLiteral("Scan Results"), 1100, 700);
+    return kernel.exec();
+}
+
+const tav::TestGuiContextAdder kFull(&resultFullWindow, QStringLiteral("result_full_Window"), QString());
+const tav::TestGuiContextAdder kScan(&resultScanWindow, QStringLiteral("result_scan_Window"), QString());
+
+} // namespace
