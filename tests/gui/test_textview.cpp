@@ -590,11 +590,17 @@ private slots:
         QVERIFY(v.openFile(path));
         v.scrollToEnd();
         v.viewport()->grab();
+        v.setSelection(text.size() - 4000, text.size());
         {
             QFile f(path);
             QVERIFY(f.open(QIODevice::ReadWrite));
             QVERIFY(f.resize(100));
         }
+        // Copying a selection or a mark's text before the next paint reads the
+        // file itself, not the lost pages.
+        QVERIFY(v.selectedText().isEmpty());
+        QCOMPARE(v.textFromMarkRam(tav::find::XRam(0, 7)), QStringLiteral("entry 0"));
+        QVERIFY(v.textFromMarkRam(tav::find::XRam(text.size() - 100, 20)).isEmpty());
         const QImage img = v.viewport()->grab().toImage();   // would crash reading past the new end
         QVERIFY(!img.isNull());
         QCOMPARE(v.size(), int64_t(100));

@@ -4,12 +4,14 @@
 #include "base/util/Format.h"
 #include "gui/tools/XTools.h"
 
+#include <QFile>
 #include <QFontInfo>
 #include <QFontMetricsF>
 #include <QPainter>
 #include <QPaintEvent>
 #include <QScrollBar>
 #include <algorithm>
+#include <climits>
 #include <cmath>
 
 namespace tav {
@@ -137,6 +139,17 @@ void XTextView::afterOpen() {
     invalidateLayout();
     updateScrollBars();
     viewport()->update();
+}
+
+QString XTextView::textOfBytes(int64_t a, int64_t b) const {
+    if (!src_ || b <= a) return QString();
+    b = std::min<int64_t>(b, a + INT_MAX);
+    if (src_->shrunk()) {
+        QFile f(src_->path());
+        if (!f.open(QIODevice::ReadOnly) || !f.seek(a)) return QString();
+        return QString::fromUtf8(f.read(b - a));
+    }
+    return QString::fromUtf8(src_->data() + a, int(b - a));
 }
 
 bool XTextView::reloadIfShrunk() {
@@ -662,7 +675,7 @@ QString XTextView::textFromMarkRam(const find::XRam& ram) const {
     if (!src_ || ram.pos() < 0 || ram.len() <= 0) return QString();
     const int64_t a = std::min(ram.pos(), src_->size());
     const int64_t b = std::min<int64_t>(ram.end(), std::min<int64_t>(src_->size(), a + 16LL * 1024 * 1024));
-    return QString::fromUtf8(src_->data() + a, int(b - a));
+    return textOfBytes(a, b);
 }
 
 bool XTextView::moveActiveMark(bool down) {

@@ -191,6 +191,9 @@ private:
     void afterOpen();
     // Opens the file again when it became shorter than its mapping; true when it did.
     bool reloadIfShrunk();
+    // Text of the bytes [a, b); reads a file that became shorter than its mapping
+    // through a file handle, as the mapping's lost pages would fault.
+    QString textOfBytes(int64_t a, int64_t b) const;
     void updateMetrics();
     int64_t wrapColumns() const;
     int64_t visibleColumns() const;

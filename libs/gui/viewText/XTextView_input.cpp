@@ -54,7 +54,7 @@ QString XTextView::selectedText(int64_t maxBytes) const {
     const int64_t a = selectionStart();
     int64_t b = selectionEnd();
     if (b - a > maxBytes) b = a + maxBytes;
-    return QString::fromUtf8(src_->data() + a, int(std::min<int64_t>(b - a, INT_MAX)));
+    return textOfBytes(a, b);
 }
 
 void XTextView::copy() const {
