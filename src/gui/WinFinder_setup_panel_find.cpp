@@ -15,6 +15,7 @@
 #include "src/gui/config/ConfigTavFinder.h"
 
 #include <QDateEdit>
+#include <QLocale>
 #include <QLabel>
 #include <QLineEdit>
 #include <QStatusBar>
@@ -106,7 +107,11 @@ void WinFinder::setup_panel_find() {
         comboTimeArea_->addItem(code, QString::fromLatin1(text));
     date1_ = time->add(new QDateEdit(QDate::currentDate(), time));
     date2_ = time->add(new QDateEdit(QDate::currentDate(), time));
-    for (QDateEdit* d : {date1_, date2_}) d->setDisplayFormat(QStringLiteral("MMMM dd yyyy"));
+    for (QDateEdit* d : {date1_, date2_}) {
+        // Month names in the interface's language, not the system's.
+        d->setLocale(QLocale(tav::XTools::lang()));
+        d->setDisplayFormat(QStringLiteral("MMMM dd yyyy"));
+    }
     date2_->setVisible(false);
     rowTime_->setVisible(false);
     connect(comboTimeArea_, QOverload<int>::of(&QComboBox::currentIndexChanged), this, [this](int) { on_time_area(); });

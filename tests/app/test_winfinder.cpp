@@ -20,6 +20,7 @@
 #include "src/gui/config/ConfigTavFinder.h"
 
 #include <QAction>
+#include <QDateEdit>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
@@ -418,6 +419,8 @@ void TestWinFinder::windowTextsFollowTheLanguage() {
              QStringLiteral("Ein Verzeichnis zurück  [ Alt + Pfeil links ]\nRechtsklick für das Kontextmenü !"));
     QCOMPARE(w->naviBar()->buttonRefresh()->toolTip(), QStringLiteral("Aktualisieren [ F5 ]"));
     QCOMPARE(w->comboPattern()->toolTip(), QStringLiteral("Filter: Dateimuster"));
+    w->date1()->setDate(QDate(2024, 3, 5));
+    QCOMPARE(w->date1()->text(), QStringLiteral("M\u00e4rz 05 2024"));
     closeNow(w);
     tav::XTools::set_lang(QStringLiteral("ru"));
     QCOMPARE(tav::xt("Reset Talvo Finder Configuration\nConfirm to bring Talvo Finder\nto initial state and restart program"),
