@@ -5,29 +5,23 @@
 #include "gui/kernel/XRuntime.h"
 #include "gui/window/XTestWindow.h"
 #include "src/gui/stats/Stats.h"
+#include "srcTesting/CommandArgs.h"
 
-#include <QDir>
-#include <QGuiApplication>
 #include <memory>
 
 namespace {
 
-const QString kStartDir = QDir::currentPath();
-
 int previewStats(tav::KernelGUI& kernel) {
     tav::CommandLine& cl = kernel.commandLine();
-    cl.addMustHaveKeys(QStringLiteral("file"));
-    if (!cl.checkKeys()) {
-        cl.showExample(QStringLiteral("--file /tmp/bla.txt"));
+    if (!tavFinder::devcmd::keysOk(cl, QStringLiteral("file"), QString(),
+                                   QStringLiteral("--file /tmp/bla.txt")))
         return 6;
-    }
-    const QFileInfo fi(QDir(kStartDir), cl.getStringExt(QStringLiteral("file")));
+    const QFileInfo fi = tavFinder::devcmd::callerPath(cl.getStringExt(QStringLiteral("file")));
     if (!fi.isFile()) {
         tav::log(4, "file '$' does not exist", fi);
         return 1;
     }
-    tav::Logger::setLogLevelSimple(5);
-    QGuiApplication::setQuitOnLastWindowClosed(true);
+    tavFinder::devcmd::windowCommandSetup();
     auto stats = std::make_unique<tavFinder::Stats>();
     stats->ini();
     stats->open_file(fi);

@@ -7,30 +7,21 @@
 #include "gui/kernel/XRuntime.h"
 #include "src/find/TavFind.h"
 #include "src/gui/WinDetails.h"
-
-#include <QDir>
-#include <QGuiApplication>
+#include "srcTesting/CommandArgs.h"
 
 namespace {
 
-// main() changes into the program's folder; relative paths mean the caller's folder.
-const QString kStartDir = QDir::currentPath();
-
 int winView(tav::KernelGUI& kernel) {
     tav::CommandLine& cl = kernel.commandLine();
-    cl.addMustHaveKeys(QStringLiteral("file"));
-    cl.addOptionalKeys(QStringLiteral("find,stats"));
-    if (!cl.checkKeys()) {
-        cl.showExample(QStringLiteral("--file /data/myData/hello.jpg [--find Vector3]"));
+    if (!tavFinder::devcmd::keysOk(cl, QStringLiteral("file"), QStringLiteral("find,stats"),
+                                   QStringLiteral("--file /data/myData/hello.jpg [--find Vector3]")))
         return 6;
-    }
-    const QFileInfo fi(QDir(kStartDir), cl.getStringExt(QStringLiteral("file")));
+    const QFileInfo fi = tavFinder::devcmd::callerPath(cl.getStringExt(QStringLiteral("file")));
     if (!fi.isFile()) {
         tav::log(4, "file <<<$>>> does not exist", fi);
         return 1;
     }
-    tav::Logger::setLogLevelSimple(5);
-    QGuiApplication::setQuitOnLastWindowClosed(true);
+    tavFinder::devcmd::windowCommandSetup();
     tav::find::XContentFilter filter;
     tav::find::XRamLayer hits;
     const QString text = cl.getString(QStringLiteral("find"));

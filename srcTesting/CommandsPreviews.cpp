@@ -18,12 +18,12 @@
 #include "src/gui/PanThumb.h"
 #include "src/gui/PanelThumbs.h"
 #include "src/gui/ThumbLoader.h"
+#include "srcTesting/CommandArgs.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
 #include <QFileDialog>
-#include <QGuiApplication>
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -37,15 +37,9 @@ namespace {
 
 using tav::log;
 
-// main() changes into the program's folder; relative paths mean the caller's folder.
-const QString kStartDir = QDir::currentPath();
-
-QFileInfo callerPath(const QString& path) { return QFileInfo(QDir(kStartDir), path); }
-
-void standardWindowSetup() {
-    tav::Logger::setLogLevelSimple(5);
-    QGuiApplication::setQuitOnLastWindowClosed(true);
-}
+using tavFinder::devcmd::callerPath;
+using tavFinder::devcmd::keysOk;
+using tavFinder::devcmd::windowCommandSetup;
 
 std::unordered_set<QString> textExtensions() {
     std::unordered_set<QString> ext;
@@ -55,12 +49,10 @@ std::unordered_set<QString> textExtensions() {
 
 int dirPreviewSimple(tav::KernelGUI& kernel) {
     tav::CommandLine& cl = kernel.commandLine();
-    cl.addOptionalKeys(QStringLiteral("select,openDir"));
-    if (!cl.checkKeys()) {
-        cl.showExample(QStringLiteral("[--openDir /tmp] [--select true]"));
+    if (!keysOk(cl, QString(), QStringLiteral("select,openDir"),
+                QStringLiteral("[--openDir /tmp] [--select true]")))
         return 6;
-    }
-    standardWindowSetup();
+    windowCommandSetup();
     QString dir = cl.hasKey(QStringLiteral("openDir")) ? callerPath(cl.getString(QStringLiteral("openDir"))).absoluteFilePath()
                                                        : QDir::homePath();
     if (cl.getBool(QStringLiteral("select"), false)) {
@@ -89,17 +81,13 @@ int dirPreviewSimple(tav::KernelGUI& kernel) {
 
 int previewAscii(tav::KernelGUI& kernel) {
     tav::CommandLine& cl = kernel.commandLine();
-    cl.addMustHaveKeys(QStringLiteral("file"));
-    if (!cl.checkKeys()) {
-        cl.showExample(QStringLiteral("--file /tmp/bla.txt"));
-        return 6;
-    }
+    if (!keysOk(cl, QStringLiteral("file"), QString(), QStringLiteral("--file /tmp/bla.txt"))) return 6;
     const QFileInfo fi = callerPath(cl.getStringExt(QStringLiteral("file")));
     if (!fi.isFile()) {
         log(4, "file '$' does not exist", fi);
         return 1;
     }
-    standardWindowSetup();
+    windowCommandSetup();
     auto preview = std::make_unique<tav::PreviewAscii>();
     preview->ini();
     auto* panel = new tav::XPanel(nullptr, tav::XPanel::VERTICAL);
@@ -118,18 +106,15 @@ int previewAscii(tav::KernelGUI& kernel) {
 
 int previewDir(tav::KernelGUI& kernel) {
     tav::CommandLine& cl = kernel.commandLine();
-    cl.addMustHaveKeys(QStringLiteral("dir"));
-    cl.addOptionalKeys(QStringLiteral("hiddenFiles"));
-    if (!cl.checkKeys()) {
-        cl.showExample(QStringLiteral("--dir /tmp --hiddenFiles true"));
+    if (!keysOk(cl, QStringLiteral("dir"), QStringLiteral("hiddenFiles"),
+                QStringLiteral("--dir /tmp --hiddenFiles true")))
         return 6;
-    }
     const QFileInfo dir = callerPath(cl.getString(QStringLiteral("dir")));
     if (!dir.isDir()) {
         log(4, "folder '$' does not exist", dir);
         return 1;
     }
-    standardWindowSetup();
+    windowCommandSetup();
     auto preview = std::make_unique<tavFinder::PreviewDir>();
     preview->ini();
     preview->set_text_file_extensions(textExtensions());
@@ -157,18 +142,15 @@ int previewDir(tav::KernelGUI& kernel) {
 
 int previewHex(tav::KernelGUI& kernel) {
     tav::CommandLine& cl = kernel.commandLine();
-    cl.addMustHaveKeys(QStringLiteral("file"));
-    cl.addOptionalKeys(QStringLiteral("flagMemory"));
-    if (!cl.checkKeys()) {
-        cl.showExample(QStringLiteral("--file /tmp/bla.txt --flagMemory TRUE"));
+    if (!keysOk(cl, QStringLiteral("file"), QStringLiteral("flagMemory"),
+                QStringLiteral("--file /tmp/bla.txt --flagMemory TRUE")))
         return 6;
-    }
     const QFileInfo fi = callerPath(cl.getStringExt(QStringLiteral("file")));
     if (!fi.isFile()) {
         log(4, "file '$' does not exist", fi);
         return 1;
     }
-    standardWindowSetup();
+    windowCommandSetup();
     auto preview = std::make_unique<tav::PreviewHex>();
     preview->ini();
     if (cl.getBool(QStringLiteral("flagMemory"), false)) {
@@ -193,18 +175,15 @@ int previewHex(tav::KernelGUI& kernel) {
 
 int testThumbs(tav::KernelGUI& kernel) {
     tav::CommandLine& cl = kernel.commandLine();
-    cl.addMustHaveKeys(QStringLiteral("open"));
-    cl.addOptionalKeys(QStringLiteral("size,hiddenFiles"));
-    if (!cl.checkKeys()) {
-        cl.showExample(QStringLiteral("--open /data/myData"));
+    if (!keysOk(cl, QStringLiteral("open"), QStringLiteral("size,hiddenFiles"),
+                QStringLiteral("--open /data/myData")))
         return 6;
-    }
     const QFileInfo dir = callerPath(cl.getString(QStringLiteral("open")));
     if (!dir.isDir()) {
         log(4, "folder '$' does not exist", dir);
         return 1;
     }
-    standardWindowSetup();
+    windowCommandSetup();
     auto loader = std::make_unique<tavFinder::ThumbLoader>();
     auto* thumbs = new tavFinder::PanelThumbs();
     tavFinder::ThumbLoader* l = loader.get();
@@ -229,7 +208,7 @@ int testThumbs(tav::KernelGUI& kernel) {
 }
 
 int treeViewDirs(tav::KernelGUI& kernel) {
-    standardWindowSetup();
+    windowCommandSetup();
     auto* tree = new tav::XTreeViewFiles();
     tree->setDirsOnly(true);
     tree->showHeaderDetails(false);
@@ -239,7 +218,7 @@ int treeViewDirs(tav::KernelGUI& kernel) {
 }
 
 int filterProxy(tav::KernelGUI& kernel) {
-    standardWindowSetup();
+    windowCommandSetup();
     struct Sample {
         const char* name;
         const char* symbol;

@@ -12,9 +12,8 @@
 #include "src/find/TavFind.h"
 #include "src/gui/FileResultModel.h"
 #include "src/gui/PanelResults.h"
+#include "srcTesting/CommandArgs.h"
 
-#include <QDir>
-#include <QGuiApplication>
 #include <QPointer>
 #include <memory>
 
@@ -22,21 +21,16 @@ namespace {
 
 using tav::log;
 
-// main() changes into the program's folder; relative paths mean the caller's folder.
-const QString kStartDir = QDir::currentPath();
+using tavFinder::devcmd::keysOk;
 
-QString absoluteDir(const QString& path) { return QFileInfo(QDir(kStartDir), path).absoluteFilePath(); }
+QString absoluteDir(const QString& path) { return tavFinder::devcmd::callerPath(path).absoluteFilePath(); }
 
 int resultFullWindow(tav::KernelGUI& kernel) {
     tav::CommandLine& cl = kernel.commandLine();
-    cl.addMustHaveKeys(QStringLiteral("open,find"));
-    cl.addOptionalKeys(QStringLiteral("regex"));
-    if (!cl.checkKeys()) {
-        cl.showExample(QStringLiteral("--open /data/myData --find hallo"));
+    if (!keysOk(cl, QStringLiteral("open,find"), QStringLiteral("regex"),
+                QStringLiteral("--open /data/myData --find hallo")))
         return 6;
-    }
-    tav::Logger::setLogLevelSimple(5);
-    QGuiApplication::setQuitOnLastWindowClosed(true);
+    tavFinder::devcmd::windowCommandSetup();
     const QString sDir = absoluteDir(cl.getString(QStringLiteral("open")));
     const QString sFind = cl.getString(QStringLiteral("find"));
     log(32, "sDir <<<$>>>", sDir);
@@ -87,14 +81,10 @@ int resultFullWindow(tav::KernelGUI& kernel) {
 
 int resultScanWindow(tav::KernelGUI& kernel) {
     tav::CommandLine& cl = kernel.commandLine();
-    cl.addMustHaveKeys(QStringLiteral("dir"));
-    cl.addOptionalKeys(QStringLiteral("sPattern,snPattern,flagTextFiles"));
-    if (!cl.checkKeys()) {
-        cl.showExample(QStringLiteral("--dir /data/myData [--sPattern *bla* --snPattern mist --flagTextFiles true]"));
+    if (!keysOk(cl, QStringLiteral("dir"), QStringLiteral("sPattern,snPattern,flagTextFiles"),
+                QStringLiteral("--dir /data/myData [--sPattern *bla* --snPattern mist --flagTextFiles true]")))
         return 6;
-    }
-    tav::Logger::setLogLevelSimple(5);
-    QGuiApplication::setQuitOnLastWindowClosed(true);
+    tavFinder::devcmd::windowCommandSetup();
     const QString dir = absoluteDir(cl.getString(QStringLiteral("dir")));
     const QString sPattern = cl.getString(QStringLiteral("sPattern"));
     const QString snPattern = cl.getString(QStringLiteral("snPattern"));

@@ -33,14 +33,10 @@ class TestCommands : public QObject {
     tftest::TestEnv env;
     tftest::TestDir data;
 
-    QString exe() const { return qEnvironmentVariable("TF_TEST_BINARY_DIR") + QStringLiteral("/talvofinder"); }
+    static QString exe() { return tftest::TestEnv::programPath(); }
 
     QProcessEnvironment procEnv() const {
-        QProcessEnvironment e = QProcessEnvironment::systemEnvironment();
-        e.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-        e.insert(QStringLiteral("XDG_CONFIG_HOME"), env.configHome());
-        e.insert(QStringLiteral("XDG_CACHE_HOME"), env.cacheHome());
-        e.insert(QStringLiteral("XDG_RUNTIME_DIR"), env.runtimeDir());
+        QProcessEnvironment e = env.processEnvironment(true);
         e.insert(QStringLiteral("TAV_AUTO_CLOSE_MS"), QStringLiteral("700"));
         return e;
     }

@@ -17,15 +17,9 @@ class TestFindCommand : public QObject {
 
     Run run(const QStringList& args, const QString& workDir = QString()) {
         QProcess p;
-        QProcessEnvironment e = QProcessEnvironment::systemEnvironment();
-        e.insert(QStringLiteral("XDG_CONFIG_HOME"), env.configHome());
-        e.insert(QStringLiteral("XDG_CACHE_HOME"), env.cacheHome());
-        e.insert(QStringLiteral("XDG_RUNTIME_DIR"), env.runtimeDir());
-        e.remove(QStringLiteral("DISPLAY"));
-        e.remove(QStringLiteral("QT_QPA_PLATFORM"));   // headless: needs no display at all
-        p.setProcessEnvironment(e);
+        p.setProcessEnvironment(env.processEnvironment(false));   // headless: needs no display at all
         if (!workDir.isEmpty()) p.setWorkingDirectory(workDir);
-        p.start(qEnvironmentVariable("TF_TEST_BINARY_DIR") + QStringLiteral("/talvofinder"), QStringList{"find"} + args);
+        p.start(tftest::TestEnv::programPath(), QStringList{"find"} + args);
         Run r;
         if (!p.waitForFinished(60000)) return r;
         r.code = p.exitCode();

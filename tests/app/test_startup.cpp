@@ -11,16 +11,8 @@ class TestStartup : public QObject {
     Q_OBJECT
     tftest::TestEnv env;
 
-    QString exe() const { return qEnvironmentVariable("TF_TEST_BINARY_DIR") + QStringLiteral("/talvofinder"); }
-
-    QProcessEnvironment procEnv() const {
-        QProcessEnvironment e = QProcessEnvironment::systemEnvironment();
-        e.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-        e.insert(QStringLiteral("XDG_CONFIG_HOME"), env.configHome());
-        e.insert(QStringLiteral("XDG_CACHE_HOME"), env.cacheHome());
-        e.insert(QStringLiteral("XDG_RUNTIME_DIR"), env.runtimeDir());
-        return e;
-    }
+    static QString exe() { return tftest::TestEnv::programPath(); }
+    QProcessEnvironment procEnv() const { return env.processEnvironment(true); }
 
 private slots:
     void initTestCase() {

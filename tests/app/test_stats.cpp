@@ -38,15 +38,9 @@ class TestStats : public QObject {
 
     Run stat(const QStringList& args) {
         QProcess p;
-        QProcessEnvironment e = QProcessEnvironment::systemEnvironment();
-        e.insert(QStringLiteral("XDG_CONFIG_HOME"), env.configHome());
-        e.insert(QStringLiteral("XDG_CACHE_HOME"), env.cacheHome());
-        e.insert(QStringLiteral("XDG_RUNTIME_DIR"), env.runtimeDir());
-        e.remove(QStringLiteral("DISPLAY"));
-        e.remove(QStringLiteral("QT_QPA_PLATFORM"));   // must run without any display
-        p.setProcessEnvironment(e);
+        p.setProcessEnvironment(env.processEnvironment(false));   // must run without any display
         p.setWorkingDirectory(dir.path());
-        p.start(qEnvironmentVariable("TF_TEST_BINARY_DIR") + QStringLiteral("/talvofinder"), QStringList{"stat"} + args);
+        p.start(tftest::TestEnv::programPath(), QStringList{"stat"} + args);
         Run r;
         if (!p.waitForFinished(60000)) return r;
         r.code = p.exitCode();

@@ -33,6 +33,20 @@ void TestEnv::markFirstRunDone() const {
     root->setBool(QStringLiteral("flagSeeIniMessage"), false);
     root->saveNodeToXml(path);
 }
+QProcessEnvironment TestEnv::processEnvironment(bool display) const {
+    QProcessEnvironment e = QProcessEnvironment::systemEnvironment();
+    e.insert(QStringLiteral("XDG_CONFIG_HOME"), configHome());
+    e.insert(QStringLiteral("XDG_CACHE_HOME"), cacheHome());
+    e.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtimeDir());
+    if (display) {
+        e.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    } else {
+        e.remove(QStringLiteral("DISPLAY"));
+        e.remove(QStringLiteral("QT_QPA_PLATFORM"));
+    }
+    return e;
+}
+QString TestEnv::programPath() { return qEnvironmentVariable("TF_TEST_BINARY_DIR") + QStringLiteral("/talvofinder"); }
 QString TestEnv::configHome() const { return dir_.path() + QStringLiteral("/config"); }
 QString TestEnv::cacheHome() const { return dir_.path() + QStringLiteral("/cache"); }
 QString TestEnv::runtimeDir() const { return dir_.path() + QStringLiteral("/runtime"); }

@@ -2,6 +2,7 @@
 // Shared test helpers: a private configuration/cache/runtime folder per test
 // process, a capture of log lines, and a builder of temporary file trees.
 #include <QByteArray>
+#include <QProcessEnvironment>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -24,6 +25,11 @@ public:
     // Writes the configuration node so that "app" starts without the first-run
     // message (a modal dialog that would wait for a user).
     void markFirstRunDone() const;
+    // The environment of a program a test starts: this object's folders, and
+    // the offscreen platform, or with 'display' false no display at all.
+    QProcessEnvironment processEnvironment(bool display) const;
+    // The program under test.
+    static QString programPath();
 
 private:
     QTemporaryDir dir_;

@@ -1,0 +1,33 @@
+#include "srcTesting/CommandArgs.h"
+
+#include "base/kernel/CommandLine.h"
+#include "base/log/Logger.h"
+
+#include <QDir>
+#include <QGuiApplication>
+
+namespace tavFinder {
+namespace devcmd {
+
+namespace {
+// Read at static initialisation, before main() changes the folder.
+const QString kStartDir = QDir::currentPath();
+}
+
+QFileInfo callerPath(const QString& path) { return QFileInfo(QDir(kStartDir), path); }
+
+bool keysOk(tav::CommandLine& cl, const QString& must, const QString& optional, const QString& usage) {
+    if (!must.isEmpty()) cl.addMustHaveKeys(must);
+    if (!optional.isEmpty()) cl.addOptionalKeys(optional);
+    if (cl.checkKeys()) return true;
+    cl.showExample(usage);
+    return false;
+}
+
+void windowCommandSetup() {
+    tav::Logger::setLogLevelSimple(5);
+    QGuiApplication::setQuitOnLastWindowClosed(true);
+}
+
+} // namespace devcmd
+} // namespace tavFinder

@@ -1,0 +1,26 @@
+#pragma once
+// What the developer commands share: keys checked with a usage line, paths
+// relative to the folder the program was started in, and the usual window set-up.
+#include <QFileInfo>
+#include <QString>
+
+namespace tav {
+class CommandLine;
+}
+
+namespace tavFinder {
+namespace devcmd {
+
+// 'path' taken relative to the folder the program was started in (main()
+// changes into the program's folder before a command runs).
+QFileInfo callerPath(const QString& path);
+
+// Declares the mandatory and optional keys and checks them; when they do not
+// check, prints 'usage' and returns false (the command then ends with 6).
+bool keysOk(tav::CommandLine& cl, const QString& must, const QString& optional, const QString& usage);
+
+// Every line logged, and the loop ends with the last window.
+void windowCommandSetup();
+
+} // namespace devcmd
+} // namespace tavFinder
