@@ -17,6 +17,7 @@
 #include <QDir>
 #include <QEventLoop>
 #include <algorithm>
+#include <charconv>
 #include <cstdio>
 
 namespace tavFinder {
@@ -36,6 +37,8 @@ int badInput(const QString& message) {
     tav::Logger::printToCerr(QString::fromLatin1(kUsage));
     return 2;
 }
+
+constexpr int kOutBlock = 1 << 20;
 
 void write(const QByteArray& bytes) {
     std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout);
@@ -169,10 +172,27 @@ int commandFind(tav::KernelGUI& kernel) {
         for (const FileResult& r : results)
             out += QByteArray::number(r.layer.size()) + '\t' + QFile::encodeName(r.fileInfo.absoluteFilePath()) + '\n';
     } else if (show == QLatin1String("hits")) {
+        // One line per hit: appended in place and written out in blocks, so a
+        // million hits need neither a temporary per line nor one huge buffer.
+        auto number = [&out](int64_t v) {
+            char buf[24];
+            const auto r = std::to_chars(buf, buf + sizeof buf, v);
+            out.append(buf, int(r.ptr - buf));
+        };
+        out.reserve(kOutBlock + 4096);
         for (const FileResult& r : results) {
             const QByteArray path = QFile::encodeName(r.fileInfo.absoluteFilePath());
-            for (const tav::find::XRam& m : r.layer.marks())
-                out += path + '\t' + QByteArray::number(qint64(m.pos())) + '\t' + QByteArray::number(qint64(m.len())) + '\n';
+            for (const tav::find::XRam& m : r.layer.marks()) {
+                out.append(path).append('\t');
+                number(m.pos());
+                out.append('\t');
+                number(m.len());
+                out.append('\n');
+                if (out.size() >= kOutBlock) {
+                    write(out);
+                    out.resize(0);   // keeps the reserved block
+                }
+            }
         }
     }
     out += tav::fill("files-total:$ => $, files-match:$, match-total:$ - $ sec",
