@@ -24,6 +24,12 @@ bool keysOk(tav::CommandLine& cl, const QString& must, const QString& optional, 
     return false;
 }
 
+bool exists(const QFileInfo& fi, bool folder, const char* missing) {
+    if (folder ? fi.isDir() : fi.isFile()) return true;
+    tav::log(4, missing, fi);
+    return false;
+}
+
 void windowCommandSetup() {
     tav::Logger::setLogLevelSimple(5);
     QGuiApplication::setQuitOnLastWindowClosed(true);

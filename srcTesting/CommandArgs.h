@@ -19,6 +19,10 @@ QFileInfo callerPath(const QString& path);
 // check, prints 'usage' and returns false (the command then ends with 6).
 bool keysOk(tav::CommandLine& cl, const QString& must, const QString& optional, const QString& usage);
 
+// True when 'fi' is an existing file (or, with 'folder', an existing folder);
+// otherwise logs 'missing' (a template with one '$' for the path) as an error.
+bool exists(const QFileInfo& fi, bool folder, const char* missing);
+
 // Every line logged, and the loop ends with the last window.
 void windowCommandSetup();
 

@@ -14,10 +14,7 @@ int winProperties(tav::KernelGUI& kernel) {
                                    QStringLiteral("--file /data/myData/hello.jpg [--find Vector3]")))
         return 6;
     const QFileInfo fi = tavFinder::devcmd::callerPath(cl.getStringExt(QStringLiteral("file")));
-    if (!fi.isFile()) {
-        tav::log(4, "file <<<$>>> does not exist", fi);
-        return 1;
-    }
+    if (!tavFinder::devcmd::exists(fi, false, "file <<<$>>> does not exist")) return 1;
     tavFinder::devcmd::windowCommandSetup();
     if (!tavFinder::WinProperties::open_window(fi)) return 1;
     return kernel.exec();

@@ -38,6 +38,7 @@ namespace {
 using tav::log;
 
 using tavFinder::devcmd::callerPath;
+using tavFinder::devcmd::exists;
 using tavFinder::devcmd::keysOk;
 using tavFinder::devcmd::windowCommandSetup;
 
@@ -62,10 +63,7 @@ int dirPreviewSimple(tav::KernelGUI& kernel) {
             return 0;
         }
     }
-    if (!QFileInfo(dir).isDir()) {
-        log(4, "folder '$' does not exist", dir);
-        return 1;
-    }
+    if (!exists(QFileInfo(dir), true, "folder '$' does not exist")) return 1;
     auto preview = std::make_unique<tavFinder::PreviewDirSimple>();
     preview->ini();
     preview->set_text_file_extensions(textExtensions());
@@ -83,10 +81,7 @@ int previewAscii(tav::KernelGUI& kernel) {
     tav::CommandLine& cl = kernel.commandLine();
     if (!keysOk(cl, QStringLiteral("file"), QString(), QStringLiteral("--file /tmp/bla.txt"))) return 6;
     const QFileInfo fi = callerPath(cl.getStringExt(QStringLiteral("file")));
-    if (!fi.isFile()) {
-        log(4, "file '$' does not exist", fi);
-        return 1;
-    }
+    if (!exists(fi, false, "file '$' does not exist")) return 1;
     windowCommandSetup();
     auto preview = std::make_unique<tav::PreviewAscii>();
     preview->ini();
@@ -110,10 +105,7 @@ int previewDir(tav::KernelGUI& kernel) {
                 QStringLiteral("--dir /tmp --hiddenFiles true")))
         return 6;
     const QFileInfo dir = callerPath(cl.getString(QStringLiteral("dir")));
-    if (!dir.isDir()) {
-        log(4, "folder '$' does not exist", dir);
-        return 1;
-    }
+    if (!exists(dir, true, "folder '$' does not exist")) return 1;
     windowCommandSetup();
     auto preview = std::make_unique<tavFinder::PreviewDir>();
     preview->ini();
@@ -146,10 +138,7 @@ int previewHex(tav::KernelGUI& kernel) {
                 QStringLiteral("--file /tmp/bla.txt --flagMemory TRUE")))
         return 6;
     const QFileInfo fi = callerPath(cl.getStringExt(QStringLiteral("file")));
-    if (!fi.isFile()) {
-        log(4, "file '$' does not exist", fi);
-        return 1;
-    }
+    if (!exists(fi, false, "file '$' does not exist")) return 1;
     windowCommandSetup();
     auto preview = std::make_unique<tav::PreviewHex>();
     preview->ini();
@@ -179,10 +168,7 @@ int testThumbs(tav::KernelGUI& kernel) {
                 QStringLiteral("--open /data/myData")))
         return 6;
     const QFileInfo dir = callerPath(cl.getString(QStringLiteral("open")));
-    if (!dir.isDir()) {
-        log(4, "folder '$' does not exist", dir);
-        return 1;
-    }
+    if (!exists(dir, true, "folder '$' does not exist")) return 1;
     windowCommandSetup();
     auto loader = std::make_unique<tavFinder::ThumbLoader>();
     auto* thumbs = new tavFinder::PanelThumbs();
@@ -202,9 +188,7 @@ int testThumbs(tav::KernelGUI& kernel) {
                           cl.getBool(QStringLiteral("hiddenFiles"), false));
     log(32, "testThumbs, '$', tiles:$", dir, thumbs->tiles().size());
     thumbs->trigger_thumbs_appear_event();
-    const int rc = kernel.exec();
-    loader->clear();
-    return rc;
+    return kernel.exec();   // the loader, destroyed first, drops its queue and waits
 }
 
 int treeViewDirs(tav::KernelGUI& kernel) {

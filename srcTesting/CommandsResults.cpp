@@ -35,10 +35,7 @@ int resultFullWindow(tav::KernelGUI& kernel) {
     const QString sFind = cl.getString(QStringLiteral("find"));
     log(32, "sDir <<<$>>>", sDir);
     log(32, "sFind <<<$>>>", sFind);
-    if (!QFileInfo(sDir).isDir()) {
-        log(4, "folder <<<$>>> does not exist", sDir);
-        return 1;
-    }
+    if (!tavFinder::devcmd::exists(QFileInfo(sDir), true, "folder <<<$>>> does not exist")) return 1;
     tav::find::XContentFilter filter;
     filter.setScope(tav::find::XContentFilter::SCOPE_FILE);
     if (!filter.createSymbols(sFind, cl.getBool(QStringLiteral("regex"), false))) {
@@ -67,16 +64,14 @@ int resultFullWindow(tav::KernelGUI& kernel) {
         if (!guard) return;
         guard->setFileResults(pFind->getResults());
         guard->showStack(1);
-        if (pFind->hasResults() || guard->model()->rowCount() > 0) guard->on_jump_to_result(0);
+        if (pFind->hasResults()) guard->on_jump_to_result(0);
     });
     if (!find->start_search()) {
         log(4, "result_full_Window, the search did not start");
         return 1;
     }
-    const int rc = kernel.exec();
-    find->stop_search();
-    find->waitDone();
-    return rc;
+    // The search, destroyed before the scan whose list it reads, stops and waits.
+    return kernel.exec();
 }
 
 int resultScanWindow(tav::KernelGUI& kernel) {
@@ -93,10 +88,7 @@ int resultScanWindow(tav::KernelGUI& kernel) {
     log(32, "sPattern <<<$>>>", sPattern);
     log(32, "snPattern <<<$>>>", snPattern);
     log(32, "flagTextFiles <<<$>>>", flagTextFiles);
-    if (!QFileInfo(dir).isDir()) {
-        log(4, "folder <<<$>>> does not exist", dir);
-        return 1;
-    }
+    if (!tavFinder::devcmd::exists(QFileInfo(dir), true, "folder <<<$>>> does not exist")) return 1;
     tav::XFileFilter ff;
     ff.setPattern(sPattern, false);
     ff.setPattern(snPattern, true);

@@ -32,11 +32,9 @@ static void armAutoClose() {
     const int ms = qEnvironmentVariableIntValue("TAV_AUTO_CLOSE_MS", &ok);
     if (!ok || ms <= 0 || !qobject_cast<QApplication*>(QCoreApplication::instance())) return;
     auto* timer = new QTimer(QCoreApplication::instance());
-    auto idle = std::make_shared<int>(0);
-    auto rounds = std::make_shared<int>(0);
-    QObject::connect(timer, &QTimer::timeout, [timer, idle, rounds]() {
+    QObject::connect(timer, &QTimer::timeout, [timer, idle = 0, rounds = 0]() mutable {
         timer->setInterval(200);
-        if (++*rounds > 50) {
+        if (++rounds > 50) {
             // Something refuses to close: end with a code of our own rather than hang.
             Logger::printToCerr(QStringLiteral("auto-close: windows refuse to close"));
             QCoreApplication::exit(3);
@@ -48,14 +46,14 @@ static void armAutoClose() {
         };
         if (QWidget* popup = QApplication::activePopupWidget()) {
             popup->close();
-            *idle = 0;
+            idle = 0;
             return;
         }
         if (QWidget* modal = QApplication::activeModalWidget()) {
             report(modal);
             if (auto* d = qobject_cast<QDialog*>(modal)) d->reject();
             else modal->close();
-            *idle = 0;
+            idle = 0;
             return;
         }
         QList<QWidget*> open;
@@ -66,10 +64,10 @@ static void armAutoClose() {
                 report(w);
                 w->close();
             }
-            *idle = 0;
+            idle = 0;
             return;
         }
-        if (++*idle >= 10) QCoreApplication::exit(0);
+        if (++idle >= 10) QCoreApplication::exit(0);
     });
     timer->start(ms);
 }
