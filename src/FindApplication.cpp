@@ -60,7 +60,8 @@ bool FindApplication::lang_initialiser(tav::KernelGUI& kernel) {
     tav::TalvoEngine* engine = kernel.getNodeRoot();
     X_ASSERT_MSG(engine, "nEngine == NULL");
     tav::XNode::atomicWriteFullEmptyTags = true;
-    tav::XTools::lang_ini(true);
+    // A console command prints no translated text: the catalogue is loaded when one is asked for.
+    if (kernel.hasDisplay()) tav::XTools::lang_ini(true);
     if (engine) tav::XTools::set_lang(engine->get_lang());
     tav::Logger::setLogLevelSimple(1);
     return true;

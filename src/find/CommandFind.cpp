@@ -135,6 +135,8 @@ int commandFind(tav::KernelGUI& kernel) {
 
     tav::XDirInfo scan;
     scan.flagHiddenFiles = hidden;
+    // The search needs every size; the walk stats a file cheapest, next to its folder.
+    scan.flagStatFiles = content;
     scan.scan_dir(dir, &filter.fileFilter);
     // A listing is printed by path; hit files are ordered by their hits later.
     tav::XFindStats stats = scan.setup_filtered_files(filter.fileFilter, !content);
@@ -157,20 +159,31 @@ int commandFind(tav::KernelGUI& kernel) {
     search.scope = scope;
     search.flagCountLines = countLines;
     search.setContentFilter(filter.contentFilter);
-    search.prepareFiles(scan.ar_filtered_files);
+    search.prepareFiles(scan.ar_filtered_files, scan.ar_filtered_sizes);
     QEventLoop loop;
     search.addListener([&loop]() { loop.quit(); });
     search.start_search();
     loop.exec();
 
-    std::vector<FileResult>& results = search.getResults();
-    std::sort(results.begin(), results.end(), [](const FileResult& a, const FileResult& b) {
-        if (a.layer.size() != b.layer.size()) return a.layer.size() > b.layer.size();
-        return a.fileInfo.absoluteFilePath() < b.fileInfo.absoluteFilePath();
+    // Most hits first, then by path; each path is made and encoded once.
+    const std::vector<FileResult>& results = search.getResults();
+    struct Row {
+        size_t hits;
+        QByteArray path;
+        const FileResult* result;
+    };
+    std::vector<Row> rows;
+    rows.reserve(results.size());
+    for (const FileResult& r : results) {
+        const QFileInfo& fi = r.fileInfo;
+        rows.push_back({size_t(r.layer.size()), QFile::encodeName(fi.isAbsolute() ? fi.filePath() : fi.absoluteFilePath()), &r});
+    }
+    std::sort(rows.begin(), rows.end(), [](const Row& a, const Row& b) {
+        if (a.hits != b.hits) return a.hits > b.hits;
+        return a.path < b.path;
     });
     if (show == QLatin1String("files")) {
-        for (const FileResult& r : results)
-            out += QByteArray::number(r.layer.size()) + '\t' + QFile::encodeName(r.fileInfo.absoluteFilePath()) + '\n';
+        for (const Row& r : rows) out.append(QByteArray::number(qulonglong(r.hits))).append('\t').append(r.path).append('\n');
     } else if (show == QLatin1String("hits")) {
         // One line per hit: appended in place and written out in blocks, so a
         // million hits need neither a temporary per line nor one huge buffer.
@@ -180,10 +193,9 @@ int commandFind(tav::KernelGUI& kernel) {
             out.append(buf, int(r.ptr - buf));
         };
         out.reserve(kOutBlock + 4096);
-        for (const FileResult& r : results) {
-            const QByteArray path = QFile::encodeName(r.fileInfo.absoluteFilePath());
-            for (const tav::find::XRam& m : r.layer.marks()) {
-                out.append(path).append('\t');
+        for (const Row& r : rows) {
+            for (const tav::find::XRam& m : r.result->layer.marks()) {
+                out.append(r.path).append('\t');
                 number(m.pos());
                 out.append('\t');
                 number(m.len());
@@ -206,7 +218,9 @@ int commandFind(tav::KernelGUI& kernel) {
         out += tav::fill("lines:$, bytes:$", w.countLines.load(), w.countBytes.load()).toUtf8() + '\n';
     }
     write(out);
-    return search.hasResults() ? 0 : 1;
+    // Everything is printed: the system frees the scan's and the search's memory
+    // faster than their destructors would.
+    tav::XRuntime::endConsoleCommand(search.hasResults() ? 0 : 1);
 }
 
 const tav::TestGuiContextAdder kFind(&commandFind, QStringLiteral("find"), QString(), true);

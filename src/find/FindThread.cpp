@@ -16,17 +16,26 @@ void FindThread::runCustom() {
     if (!X_ASSERT_MSG(pTavFind, "tavFind == NULL")) return;
     if (pController && pController->isFlag(tav::AbstractThread::RUNNING)) {
         do {
-            QFileInfo* file = pTavFind->nextFile();
+            int64_t size = -1;
+            QFileInfo* file = pTavFind->nextFile(&size);
             if (!file) break;
             contentFilter.seekHome();
-            if (!file->isFile()) {
-                tav::log(32, "FindThread::runCustom, IS NOT A FILE <<<$>>>", *file);
-                continue;
+            // A size known from the scan spares two stats: here and when the file is opened.
+            const bool sizeFromScan = size >= 0;
+            if (!sizeFromScan) {
+                if (!file->isFile()) {
+                    tav::log(32, "FindThread::runCustom, IS NOT A FILE <<<$>>>", *file);
+                    continue;
+                }
+                size = file->size();
             }
             tav::XFindStats::add(stats.countFiles, 1);
-            if (file->size() == 0) continue;   // counted, never opened
-            const QString path = file->absoluteFilePath();
-            if (!reader_.openFile(path, 0x10000, true)) {
+            if (size == 0) continue;   // counted, never opened
+            // A scan's paths are absolute already; making them so again costs more than reading a small file.
+            const QString path = file->isAbsolute() ? file->filePath() : file->absoluteFilePath();
+            const bool opened = sizeFromScan ? reader_.openFile(path, 0x10000, true, uint64_t(size))
+                                             : reader_.openFile(path, 0x10000, true);
+            if (!opened) {
                 tav::log(4, "FindThread::runCustom, problems with <<<$>>>", path);
                 continue;
             }

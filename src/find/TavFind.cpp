@@ -10,14 +10,15 @@
 namespace tavFinder {
 
 namespace {
-// Sizes of the files, summed in 32 bits (wrapping). QFileInfo::size() stats a
-// file once and caches it, so the workers later read the cached values; big
-// lists are stat-ed on several pool threads, each file by exactly one of them.
-uint32_t sumSizes(const std::vector<QFileInfo*>& files) {
-    auto sumRange = [&files](size_t a, size_t b) {
+// Sizes of the files, summed in 32 bits (wrapping). Known sizes are taken as
+// they are; otherwise QFileInfo::size() stats the file once and caches it, so
+// the workers later read the cached value. Big lists are summed on several pool
+// threads, each file by exactly one of them.
+uint32_t sumSizes(const std::vector<QFileInfo*>& files, const std::vector<int64_t>& known) {
+    auto sumRange = [&files, &known](size_t a, size_t b) {
         uint32_t s = 0;
         for (size_t i = a; i < b; ++i) {
-            const qint64 size = files[i] ? files[i]->size() : 0;
+            const qint64 size = i < known.size() && known[i] >= 0 ? known[i] : files[i] ? files[i]->size() : 0;
             if (size > 0) s += uint32_t(size);
         }
         return s;
@@ -42,13 +43,22 @@ TavFind::~TavFind() {
 }
 
 void TavFind::prepareFiles(std::vector<QFileInfo*>& files) {
+    std::vector<int64_t> none;
+    prepareFiles(files, none);
+}
+
+void TavFind::prepareFiles(std::vector<QFileInfo*>& files, std::vector<int64_t>& sizes) {
     {
         std::lock_guard<std::mutex> l(mutexIndex);
         arTextFiles = std::move(files);
         files.clear();
+        arSizes = std::move(sizes);
+        sizes.clear();
+        // Sizes that do not belong one to one to the files are not used.
+        if (arSizes.size() != arTextFiles.size()) arSizes.clear();
     }
     tav::log(32, "TavFind2::prepareFiles, arTextFiles:$", quint64(arTextFiles.size()));
-    bytesToRead = sumSizes(arTextFiles);
+    bytesToRead = sumSizes(arTextFiles, arSizes);
     tav::log(32, "TavFind2::prepareFiles, bytesToRead:$", tav::format1000(bytesToRead.load()));
 }
 
@@ -82,13 +92,15 @@ void TavFind::stop_search() {
     }
 }
 
-QFileInfo* TavFind::nextFile() {
+QFileInfo* TavFind::nextFile(int64_t* size) {
     std::lock_guard<std::mutex> l(mutexIndex);
     const uint32_t i = indexNext.load();
     if (i < arTextFiles.size()) {
         indexNext.fetch_add(1);
+        if (size) *size = i < arSizes.size() ? arSizes[i] : -1;
         return arTextFiles[i];
     }
+    if (size) *size = -1;
     return nullptr;
 }
 

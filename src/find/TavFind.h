@@ -52,6 +52,9 @@ public:
     // Takes over the list (the given vector is left empty) and sums the sizes.
     void prepareFiles(std::vector<QFileInfo*>& files);
     void prepareFiles(std::vector<QFileInfo*>&& files) { prepareFiles(files); }
+    // The same with the sizes a scan found (-1: unknown; both vectors are taken
+    // over): files with a known size are not stat-ed again, by this or the workers.
+    void prepareFiles(std::vector<QFileInfo*>& files, std::vector<int64_t>& sizes);
     // Starts the search; while one runs, this stops it instead. True when a
     // search was started (each one ends with exactly one call of the listeners).
     bool start_search();
@@ -67,8 +70,9 @@ public:
     // The results with hits, in input order.
     std::vector<FileResult> find(const std::vector<QFileInfo*>& files, const tav::find::XContentFilter& filter);
 
-    // The next file to search (each file goes to exactly one worker), or null.
-    QFileInfo* nextFile();
+    // The next file to search (each file goes to exactly one worker), or null;
+    // 'size' gets its size when known in advance, else -1.
+    QFileInfo* nextFile(int64_t* size = nullptr);
 
     // ---- read by the window --------------------------------------------------------
     size_t countTextFiles() const { return arTextFiles.size(); }
@@ -95,6 +99,7 @@ public:
     std::condition_variable condActive;
     void workerEnded();
     std::vector<QFileInfo*> arTextFiles;
+    std::vector<int64_t> arSizes;           // empty, or one per file (-1: unknown)
     std::atomic<uint32_t> bytesToRead{0};   // 32 bits on purpose: wraps beyond 4 GiB
 
     // Called by the controller when all workers have ended (posts to the GUI thread).

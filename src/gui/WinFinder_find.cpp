@@ -33,7 +33,9 @@ using tav::xt;
 
 void WinFinder::ThreadScanDir::runCustom() {
     if (X_ASSERT_MSG(pFilterCurrent, "pFilterCurrent == NULL")) {
-        // With the filter the scan skips excluded folders and stats files only for its bounds.
+        // With the filter the scan skips excluded folders and stats files only for its
+        // bounds, or all of them when a content search follows and needs their sizes.
+        dirInfo.flagStatFiles = pFilterCurrent->has_content_filter();
         dirInfo.scan_dir(dirInfo.sPath, &pFilterCurrent->fileFilter);
         stats = dirInfo.setup_filtered_files(pFilterCurrent->fileFilter, true);
     }
@@ -217,7 +219,7 @@ void WinFinder::on_find_dir_scanned() {
         // The workers read the files through pointers into the scan's list: keep
         // every list handed over alive until the search that may read it is over.
         listsInSearch_.push_back(dirInfo.filtered_files_owner());
-        pTavFind->prepareFiles(dirInfo.ar_filtered_files);
+        pTavFind->prepareFiles(dirInfo.ar_filtered_files, dirInfo.ar_filtered_sizes);
         if (pTavFind->start_search()) {
             // start_search waited for any earlier search: only the new list is read now.
             listsInSearch_.erase(listsInSearch_.begin(), listsInSearch_.end() - 1);

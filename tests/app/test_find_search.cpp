@@ -36,8 +36,10 @@ tav::find::XContentFilter filterFor(const QString& text, bool regEx = false) {
 }
 
 // Runs a whole search and waits for the listener; returns "hits name" lines, sorted.
-QStringList runSearch(TavFind& tf, std::vector<QFileInfo*> files, int* listenerCalls) {
-    tf.prepareFiles(files);
+// With 'sizes' the files' sizes are given as a scan would give them.
+QStringList runSearch(TavFind& tf, std::vector<QFileInfo*> files, int* listenerCalls, std::vector<int64_t>* sizes = nullptr) {
+    if (sizes) tf.prepareFiles(files, *sizes);
+    else tf.prepareFiles(files);
     tf.start_search();
     const int before = *listenerCalls;
     if (!QTest::qWaitFor([&]() { return *listenerCalls > before; }, 20000)) return {QStringLiteral("timeout")};
@@ -152,6 +154,70 @@ private slots:
         }
         QCOMPARE(qint64(tf.workerStats().countBytes.load()), m.value(QStringLiteral("bytes")).toVariant().toLongLong());
         QCOMPARE(qint64(tf.getBytesToRead()), m.value(QStringLiteral("bytes")).toVariant().toLongLong() & 0xffffffff);
+        for (int64_t s : scan.ar_filtered_sizes) QCOMPARE(s, int64_t(-1));   // this scan stat-ed nothing
+
+        // The same with the sizes taken from a scan that stats every file.
+        tav::XDirInfo statScan;
+        statScan.flagHiddenFiles = true;
+        statScan.flagStatFiles = true;
+        statScan.scan_dir(d.abs(QStringLiteral("tree")));
+        statScan.setup_filtered_files(tav::XFileFilter(), false);
+        QCOMPARE(statScan.ar_filtered_sizes.size(), statScan.ar_filtered_files.size());
+        for (const char* word : {"return", "ZQX_RARE_NEEDLE"}) {
+            std::vector<int64_t> sizes = statScan.ar_filtered_sizes;
+            tf.setContentFilter(filterFor(QString::fromLatin1(word)));
+            runSearch(tf, statScan.ar_filtered_files, &calls, &sizes);
+            QCOMPARE(qint64(tf.countHits()), m.value(QStringLiteral("hits")).toObject().value(QLatin1String(word)).toVariant().toLongLong());
+            QCOMPARE(qint64(tf.countResults()),
+                     m.value(QStringLiteral("hitfiles")).toObject().value(QLatin1String(word)).toVariant().toLongLong());
+        }
+        QCOMPARE(qint64(tf.workerStats().countBytes.load()), m.value(QStringLiteral("bytes")).toVariant().toLongLong());
+        QCOMPARE(qint64(tf.workerStats().countFiles.load()), m.value(QStringLiteral("files")).toVariant().toLongLong());
+        QCOMPARE(qint64(tf.getBytesToRead()), m.value(QStringLiteral("bytes")).toVariant().toLongLong() & 0xffffffff);
+    }
+
+    // Sizes a scan found are used as they are: nothing is stat-ed again, and no
+    // read goes past them, whatever the file became in the meantime.
+    void sizesFromTheScanBoundTheSearch() {
+        tftest::TestDir d;
+        std::vector<QFileInfo> infos;
+        infos.emplace_back(d.file(QStringLiteral("plain.txt"), "a needle\n"));                  // 9 bytes
+        infos.emplace_back(d.file(QStringLiteral("grown.txt"), "start\nlater a needle\n"));   // known as 6
+        infos.emplace_back(d.file(QStringLiteral("was-empty.txt"), "needle"));                  // known as 0
+        d.file(QStringLiteral("target.txt"), "needle");
+        const QString link = d.abs(QStringLiteral("now-a-link.txt"));                           // a link put in a file's place
+        QVERIFY(QFile::link(d.abs(QStringLiteral("target.txt")), link));
+        infos.emplace_back(link);
+        const QString fifo = d.abs(QStringLiteral("now-a-fifo.txt"));
+        QCOMPARE(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+        infos.emplace_back(fifo);
+        infos.emplace_back(d.dir(QStringLiteral("now-a-folder")));
+        std::vector<QFileInfo*> files;
+        for (QFileInfo& fi : infos) files.push_back(&fi);
+
+        TavFind tf;
+        int calls = 0;
+        tf.addListener([&]() { ++calls; });
+        tf.setContentFilter(filterFor(QStringLiteral("needle")));
+        tftest::LogCapture logs;
+        std::vector<int64_t> sizes{9, 6, 0, 6, 10, 4096};
+        QCOMPARE(runSearch(tf, files, &calls, &sizes), QStringList{"1 plain.txt"});   // the FIFO did not block
+        QVERIFY(sizes.empty());   // taken over
+        QCOMPARE(tf.getBytesToRead(), uint32_t(9 + 6 + 6 + 10 + 4096));
+        const tav::XFindStats st = tf.workerStats();
+        QCOMPARE(st.countFiles.load(), uint64_t(6));
+        QCOMPARE(st.countBytes.load(), uint64_t(9 + 6));
+        for (const char* name : {"now-a-link.txt", "now-a-fifo.txt", "now-a-folder"})
+            QVERIFY2(logs.contains(QStringLiteral("problems with <<<") + d.abs(QString::fromLatin1(name))), name);
+        QVERIFY(!logs.contains(QStringLiteral("was-empty.txt")));   // never opened
+
+        // Sizes that do not match the list one to one are ignored: files are stat-ed.
+        std::vector<QFileInfo*> again;
+        for (QFileInfo& fi : infos) again.push_back(&fi);
+        std::vector<int64_t> wrong{1, 2};
+        QCOMPARE(runSearch(tf, again, &calls, &wrong),
+                 (QStringList{"1 grown.txt", "1 now-a-link.txt", "1 plain.txt", "1 was-empty.txt"}));
+        QVERIFY(logs.contains(QStringLiteral("IS NOT A FILE <<<") + d.abs(QStringLiteral("now-a-folder"))));
     }
 
     void stopAndSecondStartEndTheSearch() {

@@ -61,6 +61,7 @@ XDirInfo& XDirInfo::operator=(const XDirInfo& o) {
     retired_.reset();
     infos_ = o.infos_ ? std::make_shared<std::vector<QFileInfo>>(*o.infos_) : nullptr;
     // The copy's list points into the copy's own file informations.
+    ar_filtered_sizes = o.ar_filtered_sizes;
     ar_filtered_files.clear();
     ar_filtered_files.reserve(o.ar_filtered_files.size());
     for (QFileInfo* p : o.ar_filtered_files) {
@@ -286,6 +287,9 @@ XFindStats XDirInfo::setup_filtered_files(const XFileFilter& filter, bool sortBy
     ar_filtered_files.clear();
     ar_filtered_files.reserve(infos_->size());
     for (QFileInfo& fi : *infos_) ar_filtered_files.push_back(&fi);
+    ar_filtered_sizes.clear();
+    ar_filtered_sizes.reserve(hits.size());
+    for (const Hit& h : hits) ar_filtered_sizes.push_back(h.known ? int64_t(h.size) : -1);
 
     XFindStats stats;
     stats.countFiles = countFiles.load();

@@ -75,6 +75,9 @@ public:
     // Files that passed setup_filtered_files; the pointers stay valid until the
     // next-but-one setup (a search still running on the previous list is safe).
     std::vector<QFileInfo*> ar_filtered_files;
+    // Their sizes as the scan found them, -1 where it did not stat the file
+    // (a search takes them over and need not stat each file again).
+    std::vector<int64_t> ar_filtered_sizes;
 
     XDirInfo();
     ~XDirInfo();

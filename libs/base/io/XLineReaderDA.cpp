@@ -41,7 +41,7 @@ void XLineReaderDA::setWindowSize(size_t bytes) { window_ = std::max<size_t>(byt
 void XLineReaderDA::close() {
     if (fd_ >= 0) ::close(fd_);
     fd_ = -1;
-    open_ = whole_ = binary_ = eof_ = false;
+    open_ = whole_ = binary_ = eof_ = sizeGiven_ = false;
     fileSize_ = readPos_ = bufOffset_ = 0;
     len_ = emitted_ = 0;
     windowsDone_ = false;
@@ -59,20 +59,35 @@ bool XLineReaderDA::openFile(const QFileInfo& fi, uint64_t probeBytes, bool chec
 }
 
 bool XLineReaderDA::openFile(const QString& path, uint64_t probeBytes, bool checkBinary) {
+    return open(path, probeBytes, checkBinary, -1);
+}
+
+bool XLineReaderDA::openFile(const QString& path, uint64_t probeBytes, bool checkBinary, uint64_t knownSize) {
+    return open(path, probeBytes, checkBinary, int64_t(std::min<uint64_t>(knownSize, uint64_t(INT64_MAX))));
+}
+
+bool XLineReaderDA::open(const QString& path, uint64_t probeBytes, bool checkBinary, int64_t knownSize) {
     close();
     path_ = path;
     const QByteArray native = QFile::encodeName(path);
     // O_NONBLOCK: a file swapped for a FIFO since the scan must not block the search.
-    const int fd = ::open(native.constData(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
+    const int fd = ::open(native.constData(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK | (knownSize >= 0 ? O_NOFOLLOW : 0));
     if (fd < 0) return false;
-    struct stat st;
-    if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
-        ::close(fd);
-        return false;
+    if (knownSize >= 0) {
+        // Reads stop at the known size, so even a device swapped in meanwhile
+        // cannot keep the search reading; a folder fails at the first read.
+        fileSize_ = uint64_t(knownSize);
+        sizeGiven_ = true;
+    } else {
+        struct stat st;
+        if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
+            ::close(fd);
+            return false;
+        }
+        fileSize_ = uint64_t(st.st_size);
     }
     fd_ = fd;
     open_ = true;
-    fileSize_ = uint64_t(st.st_size);
     if (!fill()) {
         close();
         return false;
@@ -99,7 +114,7 @@ bool XLineReaderDA::fill() {
     while (len_ < window_ && !eof_) {
         size_t want = window_ - len_;
         // Trust the size fstat gave: a small file needs no extra read to see its end.
-        if (fileSize_ > 0) {
+        if (fileSize_ > 0 || sizeGiven_) {
             if (readPos_ >= fileSize_) {
                 eof_ = true;
                 break;

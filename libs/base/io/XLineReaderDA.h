@@ -26,6 +26,9 @@ public:
     // leading bytes decide binary or text (a NUL among them) when 'checkBinary'.
     // False (nothing changed but the reader closed) when the file cannot be read.
     bool openFile(const QString& path, uint64_t probeBytes, bool checkBinary);
+    // The same for a file whose size a directory scan just found: it is read up
+    // to that size without another stat, and a link put in its place is not followed.
+    bool openFile(const QString& path, uint64_t probeBytes, bool checkBinary, uint64_t knownSize);
     bool openFile(const QFileInfo& fi, uint64_t probeBytes, bool checkBinary);
     void close();
 
@@ -59,6 +62,7 @@ public:
     bool nextWindow(Cut cut, Window& w);
 
 private:
+    bool open(const QString& path, uint64_t probeBytes, bool checkBinary, int64_t knownSize);
     bool fill();                              // reads until the buffer is full or the file ends
     bool readFrom(uint64_t offset);           // restarts the buffer at a file position
     void reserve(size_t bytes);
@@ -73,7 +77,8 @@ private:
     bool whole_ = false;
     bool binary_ = false;
     bool eof_ = false;
-    uint64_t fileSize_ = 0;      // from fstat
+    uint64_t fileSize_ = 0;      // from fstat (0: read to the end) or from the caller
+    bool sizeGiven_ = false;     // fileSize_ came from the caller and bounds every read
     uint64_t readPos_ = 0;       // file position of the next read
     size_t window_ = DEFAULT_WINDOW;
 

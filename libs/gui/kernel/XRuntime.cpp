@@ -11,6 +11,8 @@
 #include <QMenu>
 #include <QTimer>
 #include <QWidget>
+#include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <unistd.h>
 
@@ -70,6 +72,11 @@ static void armAutoClose() {
         if (++idle >= 10) QCoreApplication::exit(0);
     });
     timer->start(ms);
+}
+
+void XRuntime::endConsoleCommand(int exitCode) {
+    std::fflush(nullptr);
+    std::_Exit(exitCode);
 }
 
 static void printCommands() {

@@ -146,7 +146,13 @@ QString XTools::translate(const QString& english) {
     LangState& s = S();
     QMutexLocker l(&s.mutex);
     if (s.lang == QLatin1String("en") || english.isEmpty()) return english;
-    if (!s.catalogue) return english;
+    if (!s.catalogue) {
+        // Console commands start without the catalogue; the first text to translate loads it.
+        l.unlock();
+        lang_ini(false);
+        l.relock();
+        if (!s.catalogue || s.lang == QLatin1String("en")) return english;
+    }
     auto it = s.index.constFind(normalizeKey(english));
     if (it == s.index.constEnd()) return english;
     XNode* tr = (*it)->query(s.lang);
