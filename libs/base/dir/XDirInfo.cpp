@@ -11,6 +11,7 @@
 #include <condition_variable>
 #include <mutex>
 #include <cerrno>
+#include <climits>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
@@ -161,6 +162,8 @@ bool XDirInfo::scan_dir(const QString& path, const XFileFilter* filter) {
                 const uint32_t idx = uint32_t(part.folders.size());
                 part.folders.push_back(dir);
                 found.clear();
+                const size_t firstFile = part.files.size();
+                bool statLater = false;
                 for (;;) {
                     const long n = ::syscall(SYS_getdents64, fd, buf.data(), buf.size());
                     if (n <= 0) {
@@ -191,7 +194,7 @@ bool XDirInfo::scan_dir(const QString& path, const XFileFilter* filter) {
                             found.push_back(joinPath(dir, name, len));
                         } else if (type == DT_REG) {
                             WalkPart::File r{idx, uint32_t(part.names.size()), uint32_t(len), false, 0, 0};
-                            if (needStat && !haveStat) haveStat = ::fstatat(fd, name, &st, AT_SYMLINK_NOFOLLOW) == 0;
+                            statLater = statLater || (needStat && !haveStat);
                             if (haveStat) {
                                 if (!S_ISREG(st.st_mode)) continue;   // replaced since the folder was read
                                 r.hasStat = true;
@@ -206,6 +209,41 @@ bool XDirInfo::scan_dir(const QString& path, const XFileFilter* filter) {
                         // Links, FIFOs, sockets and devices are left alone.
                     }
                     if (flagStop.load(std::memory_order_relaxed)) break;
+                }
+                if (statLater) {
+                    // The subfolders go to the other walkers before this one stats
+                    // the files: a big folder near the top must not hold them up.
+                    if (!found.empty()) {
+                        lock.lock();
+                        countDirs.fetch_add(uint32_t(found.size()), std::memory_order_relaxed);
+                        for (std::string& f : found) q.todo.push_back(std::move(f));
+                        found.clear();
+                        q.cv.notify_all();
+                        lock.unlock();
+                    }
+                    size_t kept = firstFile;
+                    for (size_t i = firstFile; i < part.files.size(); ++i) {
+                        WalkPart::File r = part.files[i];
+                        if (!r.hasStat) {
+                            char name[NAME_MAX + 1];   // a directory entry's name is never longer
+                            const size_t n = std::min<size_t>(r.nameLen, NAME_MAX);
+                            std::memcpy(name, part.names.data() + r.nameOff, n);
+                            name[n] = 0;
+                            struct stat st;
+                            if (::fstatat(fd, name, &st, AT_SYMLINK_NOFOLLOW) == 0) {
+                                if (!S_ISREG(st.st_mode)) {   // replaced since the folder was read
+                                    countFiles.fetch_sub(1, std::memory_order_relaxed);
+                                    continue;
+                                }
+                                r.hasStat = true;
+                                r.size = uint64_t(st.st_size);
+                                r.mtimeMs = mtimeMs(st);
+                                countBytes.fetch_add(r.size, std::memory_order_relaxed);
+                            }
+                        }
+                        part.files[kept++] = r;
+                    }
+                    part.files.resize(kept);
                 }
                 ::close(fd);
             }
@@ -249,6 +287,7 @@ XFindStats XDirInfo::setup_filtered_files(const XFileFilter& filter, bool sortBy
     std::vector<std::vector<Hit>> partHits(parts);
     XThreadPool::run_parts(parts, [&](size_t k) {
         std::vector<Hit>& hits = partHits[k];
+        hits.reserve(n / parts + 1);
         for (size_t i = n * k / parts, end = n * (k + 1) / parts; i < end; ++i) {
             FileRec& r = files_[i];
             const char* name = names_.data() + r.nameOff;
@@ -271,13 +310,25 @@ XFindStats XDirInfo::setup_filtered_files(const XFileFilter& filter, bool sortBy
     for (size_t k = 1; k < parts; ++k) std::move(partHits[k].begin(), partHits[k].end(), std::back_inserter(hits));
     if (sortByPath) std::sort(hits.begin(), hits.end(), [](const Hit& a, const Hit& b) { return a.path < b.path; });
 
-    auto infos = std::make_shared<std::vector<QFileInfo>>(hits.size());
+    // The file informations are made in parts and then copied into one list:
+    // a copy only counts a reference, while a default one to assign to would
+    // cost an allocation of its own.
     const size_t m = hits.size();
     const size_t infoParts = m < 4096 ? 1 : parts;
+    std::vector<std::vector<QFileInfo>> partInfos(infoParts);
     XThreadPool::run_parts(infoParts, [&](size_t k) {
+        std::vector<QFileInfo>& out = partInfos[k];
+        out.reserve(m * (k + 1) / infoParts - m * k / infoParts);
         for (size_t i = m * k / infoParts, end = m * (k + 1) / infoParts; i < end; ++i)
-            (*infos)[i] = QFileInfo(QFile::decodeName(QByteArray::fromRawData(hits[i].path.data(), int(hits[i].path.size()))));
+            out.emplace_back(QFile::decodeName(QByteArray::fromRawData(hits[i].path.data(), int(hits[i].path.size()))));
     });
+    auto infos = std::make_shared<std::vector<QFileInfo>>();
+    if (infoParts == 1) {
+        infos->swap(partInfos[0]);
+    } else {
+        infos->reserve(m);
+        for (std::vector<QFileInfo>& part : partInfos) infos->insert(infos->end(), part.begin(), part.end());
+    }
     uint64_t bytes = 0;
     for (const Hit& h : hits)
         if (h.known) bytes += h.size;
