@@ -1,4 +1,5 @@
 #include "src/FindApplication.h"
+#include "src/find/CommandFind.h"
 
 #include "base/env/Env.h"
 #include "base/io/XPaths.h"
@@ -36,6 +37,8 @@ const bool kLibInfo = tav::XAdditionalLibInfos::addLibInfo(
 
 // The command table: "app" here, the developer commands where they are built.
 const tav::TestGuiContextAdder kApp(&FindApplication::tavFind, QStringLiteral("app"), QString());
+const tav::TestGuiContextAdder kFind([](tav::KernelGUI& k) { return runFindCommand(k.commandLine()); }, QStringLiteral("find"),
+                                     QString(), true);
 }
 
 void set_env_variables() {

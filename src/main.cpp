@@ -1,18 +1,45 @@
-#include "base/env/Env.h"
-#include "base/io/XPaths.h"
-#include "base/kernel/Kernel.h"
+// The program's entry. The search command "find" runs right here, in a process
+// that loads only the core libraries: it needs no display, and loading the
+// window libraries would cost a short search a good part of its time.
+// Every other command (the finder's window first) is the windowed program
+// next to this one, which replaces this process.
+#include "base/kernel/CommandLine.h"
 #include "base/log/Logger.h"
-#include "gui/kernel/KernelGUI.h"
-#include "gui/kernel/XRuntime.h"
-#include "src/FindApplication.h"
+#include "src/find/CommandFind.h"
 
-int main(int argc, char** argv, char** envp) {
-    tav::signal_handler_memory_alarm();
-    tav::TavLibraries::addLib(2070, QStringLiteral("FIND"));
-    tavFinder::set_env_variables();
-    if (tav::hasEnv(QStringLiteral("TAVALWAYS"))) tav::KernelGUI::set_generate_config_always();
-    tav::Logger::setLogLevelSimple(1);
-    tav::KernelGUIConfig::lang_ini = tavFinder::FindApplication::lang_initialiser;
-    tav::setEnv(QStringLiteral("NOCONSOLE"), QStringLiteral("true"));
-    return tav::XRuntime::runStandard(argc, argv, envp, QStringLiteral("talvoEngine"), QStringLiteral("app"), nullptr);
+#include <QCoreApplication>
+#include <QStringList>
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <unistd.h>
+
+namespace {
+// The folder of this executable, from the kernel's link (argv[0] may be relative or a link).
+std::string exeDir() {
+    char buf[PATH_MAX];
+    const ssize_t n = ::readlink("/proc/self/exe", buf, sizeof buf - 1);
+    if (n <= 0) return std::string(".");
+    std::string p(buf, size_t(n));
+    const size_t slash = p.rfind('/');
+    return slash == std::string::npos ? std::string(".") : p.substr(0, slash);
+}
+}
+
+int main(int argc, char** argv) {
+    if (argc >= 2 && std::strcmp(argv[1], "find") == 0) {
+        QCoreApplication app(argc, argv);
+        QCoreApplication::setApplicationName(QStringLiteral("talvofinder"));
+        tav::Logger::setLogLevelSimple(1);
+        QStringList words;
+        for (int i = 2; i < argc; ++i) words << QString::fromLocal8Bit(argv[i]);
+        tav::CommandLine cl(words);
+        return tavFinder::runFindCommand(cl);
+    }
+    const std::string app = exeDir() + "/talvofinder-app";
+    ::execv(app.c_str(), argv);
+    std::fprintf(stderr, "talvofinder: cannot start %s: %s\n", app.c_str(), std::strerror(errno));
+    return 2;
 }

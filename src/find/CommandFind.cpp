@@ -4,14 +4,14 @@
 //        [--pattern P] [--npattern P] [--textFiles true] [--hidden true]
 //        [--minSize N] [--maxSize N] [--threads N] [--show files|count|hits]
 // Exit code: 0 something found, 1 nothing found, 2 bad input.
+#include "src/find/CommandFind.h"
+
 #include "base/dir/XDirInfo.h"
 #include "base/find/XFilter.h"
 #include "base/kernel/CommandLine.h"
 #include "base/log/Logger.h"
 #include "base/text/TextFiles.h"
 #include "base/util/Format.h"
-#include "gui/kernel/KernelGUI.h"
-#include "gui/kernel/XRuntime.h"
 #include "src/find/TavFind.h"
 
 #include <QDir>
@@ -19,6 +19,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
+#include <cstdlib>
 
 namespace tavFinder {
 
@@ -71,9 +72,10 @@ bool readSize(const tav::CommandLine& cl, const QString& key, bool& given, uint6
     return true;
 }
 
-int commandFind(tav::KernelGUI& kernel) {
+} // namespace
+
+int runFindCommand(tav::CommandLine& cl) {
     const int64_t timeStart = tav::getMicroseconds();
-    tav::CommandLine& cl = kernel.commandLine();
     cl.addMustHaveKeys(QStringLiteral("dir"));
     cl.addOptionalKeys(
         QStringLiteral("find,regex,scope,pattern,npattern,textFiles,hidden,minSize,maxSize,threads,show,countLines"));
@@ -220,10 +222,8 @@ int commandFind(tav::KernelGUI& kernel) {
     write(out);
     // Everything is printed: the system frees the scan's and the search's memory
     // faster than their destructors would.
-    tav::XRuntime::endConsoleCommand(search.hasResults() ? 0 : 1);
+    std::fflush(nullptr);
+    std::_Exit(search.hasResults() ? 0 : 1);
 }
 
-const tav::TestGuiContextAdder kFind(&commandFind, QStringLiteral("find"), QString(), true);
-
-} // namespace
 } // namespace tavFinder

@@ -11,8 +11,6 @@
 #include <QMenu>
 #include <QTimer>
 #include <QWidget>
-#include <cstdio>
-#include <cstdlib>
 #include <memory>
 #include <unistd.h>
 
@@ -72,11 +70,6 @@ static void armAutoClose() {
         if (++idle >= 10) QCoreApplication::exit(0);
     });
     timer->start(ms);
-}
-
-void XRuntime::endConsoleCommand(int exitCode) {
-    std::fflush(nullptr);
-    std::_Exit(exitCode);
 }
 
 static void printCommands() {

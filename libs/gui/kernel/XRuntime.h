@@ -16,10 +16,6 @@ public:
     static int runStandard(int argc, char** argv, char** envp, const QString& engineName,
                            const QString& defaultCommand, void* extra);
     // The command name and its arguments as runStandard reads them from argv.
-    // Ends a console command that has printed everything: flushes the standard
-    // streams and leaves the process without running destructors, which for a
-    // big heap cost more than the work they would undo.
-    [[noreturn]] static void endConsoleCommand(int exitCode);
     static QString commandFromArgs(const QStringList& args, const QString& defaultCommand, QStringList* rest);
 };
 
