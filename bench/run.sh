@@ -3,16 +3,21 @@
 # with fd, find, rg and grep on two corpora and prints the ratios ours / theirs.
 #   bench/run.sh              everything (Release build, both corpora)
 #   TF_BENCH_RUNS=5 ...       fewer timed runs per command (default 10)
+#   TF_BENCH_ROUNDS=2 ...     rounds the runs are split into (default 5)
 #   TF_BENCH_OUT=/tmp/x ...   where builds, corpora and results go (default bench/out)
 #   TF_BENCH_CORPORA=inc ...  only /usr/include ("inc"), only the generated tree ("syn"), or both (default)
-# Warm cache: every command runs twice before it is timed. Output goes to a
-# regular file (GNU grep stops early when its output is /dev/null).
+# Warm cache: every command runs before it is timed. Output goes to a regular
+# file (GNU grep stops early when its output is /dev/null). The runs of the
+# commands compared are taken in rounds, in alternating order, and the table
+# shows medians: on a shared machine whose speed drifts, every command then
+# sees the same conditions, and a burst of load does not move the result.
 set -euo pipefail
 
 HERE="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
 ROOT="$(cd "$HERE/.." && pwd)"
 OUT="${TF_BENCH_OUT:-$HERE/out}"
 RUNS="${TF_BENCH_RUNS:-10}"
+ROUNDS="${TF_BENCH_ROUNDS:-5}"
 CORPORA="${TF_BENCH_CORPORA:-inc syn}"
 BUILD="$OUT/build-release"
 GEN="$OUT/gen20000"
@@ -66,11 +71,19 @@ PY
 # bench ID TITLE OURS REF1 [REF2]    (commands are split like a shell would, no shell runs them)
 bench() {
   local id="$1" title="$2"; shift 2
-  local names=(ours ref1 ref2) args=() i=0
-  for c in "$@"; do args+=(-n "${names[$i]}" "$c"); i=$((i + 1)); done
+  local names=(ours ref1 ref2) cmds=("$@") i r
+  local per=$(( (RUNS + ROUNDS - 1) / ROUNDS ))
   printf '  %-48s' "$title"
-  hyperfine -N -i --warmup 2 --runs "$RUNS" --style none --output "$OUT/cmd-output.txt" \
-    --export-json "$RES/$id.json" "${args[@]}" > "$RES/$id.log" 2>&1 || { echo " (hyperfine failed, see $RES/$id.log)"; return; }
+  for ((r = 0; r < ROUNDS; r++)); do
+    local args=() order=()
+    for ((i = 0; i < ${#cmds[@]}; i++)); do order+=("$i"); done
+    if (( r % 2 )); then   # every other round in reverse order
+      local rev=(); for ((i = ${#order[@]} - 1; i >= 0; i--)); do rev+=("${order[$i]}"); done; order=("${rev[@]}")
+    fi
+    for i in "${order[@]}"; do args+=(-n "${names[$i]}" "${cmds[$i]}"); done
+    hyperfine -N -i --warmup 1 --runs "$per" --style none --output "$OUT/cmd-output.txt" \
+      --export-json "$RES/$id.r$r.json" "${args[@]}" >> "$RES/$id.log" 2>&1 || { echo " (hyperfine failed, see $RES/$id.log)"; return; }
+  done
   # Peak memory (maximum resident set) of one more run of each command.
   i=0
   for c in "$@"; do
@@ -118,10 +131,11 @@ run_corpus() {   # run_corpus KEY DIR
   bench "$key-regex" "regex '[A-Z][a-z]+Exception|errno'" \
     "$TF find --dir $dir --hidden true --regex true --find '[A-Z][a-z]+Exception|errno'" \
     "rg -uuu -c '[A-Z][a-z]+Exception|errno' $dir"
+  # The third command is ours without counting lines: the cost of counting
+  # comes from the same rounds.
   bench "$key-lines" "count lines and bytes of every file" \
     "$TF find --dir $dir --hidden true --regex true --find ZQX_NOT_THERE_42 --show count" \
-    "rg -uuu -c '' $dir"
-  bench "$key-read" "read every file, lines not counted (ours)" \
+    "rg -uuu -c '' $dir" \
     "$TF find --dir $dir --hidden true --regex true --find ZQX_NOT_THERE_42 --show count --countLines false"
 }
 
@@ -183,10 +197,16 @@ echo
 python3 - "$RES" <<'PY'
 import json, os, sys, glob
 res = sys.argv[1]
-def mean(id_):
-    p = f"{res}/{id_}.json"
-    if not os.path.exists(p): return {}
-    return {r["command"]: r for r in json.load(open(p))["results"]}
+import statistics
+def mean(id_):   # median and spread of every command over all rounds
+    if id_.endswith("-read"):   # measured as the third command of the line count
+        r = mean(id_[:-5] + "-lines").get("ref2")
+        return {"ours": r} if r else {}
+    times = {}
+    for p in sorted(glob.glob(f"{res}/{id_}.r*.json")):
+        for r in json.load(open(p))["results"]:
+            times.setdefault(r["command"], []).extend(r["times"])
+    return {c: {"mean": statistics.median(t), "stddev": statistics.pstdev(t)} for c, t in times.items() if t}
 def mem(id_, who):
     p = f"{res}/{id_}.{who}.mem"
     try: return int(open(p).read().split()[-1]) / 1024
@@ -196,18 +216,22 @@ refs = {"scan": ("fd", "find"), "lines": ("rg -c ''", ""), "regex": ("rg", ""), 
 for key in ("inc", "syn"):
     if not os.path.exists(f"{res}/{key}.corpus"): continue
     print(f"Corpus: {open(f'{res}/{key}.corpus').read().strip()}")
-    print(f"  {'benchmark':48s} {'ours ms':>12s} {'ref1 ms':>12s} {'ref2 ms':>12s}  {'ours/ref1':>9s} {'ours/ref2':>9s}   peak MB ours/ref1/ref2")
+    print(f"  {'benchmark (medians)':48s} {'ours ms':>12s} {'ref1 ms':>12s} {'ref2 ms':>12s}  {'ours/ref1':>9s} {'ours/ref2':>9s}   peak MB ours/ref1/ref2")
     ids = ["scan", "common", "rare", "icase", "phrase", "offsets", "regex", "lines", "read"]
     for i in ids:
         id_ = f"{key}-{i}"
-        if not os.path.exists(f"{res}/{id_}.title"): continue
-        title = open(f"{res}/{id_}.title").read().strip()
         r = mean(id_)
+        if not r: continue
+        if i == "read":   # the third command of the line count, shown on a row of its own
+            title, memOf = "read every file, lines not counted (ours)", [("lines", "ref2")]
+        else:
+            title = open(f"{res}/{id_}.title").read().strip()
+            memOf = [(i, w) for w in ("ours", "ref1", "ref2")[:len(r)]]
+            if i == "lines": r.pop("ref2", None); memOf = memOf[:2]
         o, a, b = r.get("ours"), r.get("ref1"), r.get("ref2")
-        n1, n2 = refs.get(i, ("rg", "grep"))
         q1 = f"{o['mean']/a['mean']:9.2f}" if o and a else " " * 9
         q2 = f"{o['mean']/b['mean']:9.2f}" if o and b else " " * 9
-        mm = "/".join("-" if mem(id_, w) is None else f"{mem(id_, w):.0f}" for w in ("ours", "ref1", "ref2")[:len(r)])
+        mm = "/".join("-" if mem(f"{key}-{k}", w) is None else f"{mem(f'{key}-{k}', w):.0f}" for k, w in memOf)
         print(f"  {title:48s} {ms(o)} {ms(a)} {ms(b)}  {q1} {q2}   {mm}")
     lines, read = mean(f"{key}-lines").get("ours"), mean(f"{key}-read").get("ours")
     if lines and read:
