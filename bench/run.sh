@@ -25,18 +25,9 @@ RES="$OUT/results"
 mkdir -p "$OUT" "$RES"
 
 # ---- tools ----------------------------------------------------------------------------
-missing=()
-command -v rg >/dev/null || missing+=(ripgrep)
-command -v fdfind >/dev/null || missing+=(fd-find)
-command -v hyperfine >/dev/null || missing+=(hyperfine)
-[ -x /usr/bin/time ] || missing+=(time)
-command -v python3 >/dev/null || missing+=(python3)
-if [ ${#missing[@]} -gt 0 ]; then
-  echo "Installing ${missing[*]} ..."
-  SUDO=""; [ "$(id -u)" -eq 0 ] || SUDO="sudo"
-  $SUDO env DEBIAN_FRONTEND=noninteractive apt-get update -qq
-  $SUDO env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}"
-fi
+# The build's own packages (Qt, PCRE2, Hyperscan, compiler) and the reference tools.
+source "$ROOT/scripts/common.sh"
+tf_install_missing ripgrep fd-find hyperfine time python3
 
 # ---- Release build of the program --------------------------------------------------------
 echo "Building a Release binary in $BUILD ..."
