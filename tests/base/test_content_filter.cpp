@@ -217,8 +217,13 @@ private slots:
                 QCOMPARE(expected.isEmpty(), none);
             }
         }
-        // Positions are 64-bit byte offsets all the way to the layer.
-        QVERIFY(sizeof(XRam().pos()) == 8);
+        // Positions are 64-bit byte offsets; a mark's length is cut at 4 GiB - 1, a negative one is empty.
+        const XRam far(int64_t(5) << 32, 7);
+        QCOMPARE(far.end(), (int64_t(5) << 32) + 7);
+        QCOMPARE(XRam(0, int64_t(1) << 33).len(), int64_t(UINT32_MAX));
+        XRam m(3, 4);
+        m.setLen(-2);
+        QVERIFY(!m.isValid());
     }
 
     void searchPositionLimitsAndBinaryFlag() {

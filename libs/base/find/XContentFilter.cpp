@@ -4,8 +4,14 @@
 #include "base/io/XLineReaderDA.h"
 #include "base/log/Logger.h"
 
+#include <algorithm>
+
 namespace tav {
 namespace find {
+
+namespace {
+constexpr size_t kKeptMarks = size_t(1) << 18;
+}
 
 XContentFilter::XContentFilter() = default;
 XContentFilter::~XContentFilter() = default;
@@ -86,10 +92,6 @@ XContentScratch& XContentFilter::scratch() {
 XRamLayer XContentFilter::limit(std::vector<XRam>& marks, uint32_t maxMarks, bool binary) {
     XRamLayer layer;
     layer.setBinary(binary);
-    if (seekPos_ == 0 && maxMarks == 0) {
-        layer.assign_sorted(std::move(marks));
-        return layer;
-    }
     size_t first = 0;
     if (seekPos_ > 0)
         first = size_t(std::lower_bound(marks.begin(), marks.end(), seekPos_,
@@ -97,16 +99,22 @@ XRamLayer XContentFilter::limit(std::vector<XRam>& marks, uint32_t maxMarks, boo
                        marks.begin());
     size_t last = marks.size();
     if (maxMarks > 0 && last - first > maxMarks) last = first + maxMarks;
-    layer.reserve(last - first);
-    for (size_t i = first; i < last; ++i) layer.append_sorted(marks[i]);
+    // The layer gets exactly the marks it keeps: results hold millions of them,
+    // and the collecting vector's spare room would stay with every file.
+    if (last > first) layer.assign_sorted(std::vector<XRam>(marks.begin() + ptrdiff_t(first), marks.begin() + ptrdiff_t(last)));
     if (maxMarks > 0 && last > first) seekPos_ = marks[last - 1].end();
     return layer;
 }
 
 XRamLayer XContentFilter::find(uint32_t maxMarks, XLineReaderDA& reader) {
-    std::vector<XRam> marks;
-    if (!symbols_ || !reader.isOpen()) return limit(marks, maxMarks, reader.isBinary());
+    if (!symbols_ || !reader.isOpen()) {
+        std::vector<XRam> none;
+        return limit(none, maxMarks, reader.isBinary());
+    }
     XContentScratch& sc = scratch();
+    // Marks are collected in the worker's own vector, reused from file to file.
+    std::vector<XRam>& marks = sc.marks;
+    marks.clear();
     XContentSearch search(*symbols_, sc, scope_);
     const auto cut = scope_ == SCOPE_FILE ? XLineReaderDA::CUT_LINE : XLineReaderDA::CUT_PARAGRAPH;
     XLineReaderDA::Window w;
@@ -117,7 +125,10 @@ XRamLayer XContentFilter::find(uint32_t maxMarks, XLineReaderDA& reader) {
         }
     }
     search.finish(marks);
-    return limit(marks, maxMarks, reader.isBinary());
+    XRamLayer layer = limit(marks, maxMarks, reader.isBinary());
+    // One file with a flood of hits should not keep its room for the rest of the search.
+    if (marks.capacity() > kKeptMarks) std::vector<XRam>().swap(marks);
+    return layer;
 }
 
 XRamLayer XContentFilter::find(uint32_t maxMarks, const QByteArray& text) {

@@ -29,6 +29,29 @@ int onTerm(unsigned id, unsigned long long from, unsigned long long to, unsigned
     return 0;
 }
 
+// One fixed-length term searched in a whole file: every report becomes a mark
+// at once, without a list of occurrences to sort. Reports arrive by end; one
+// that does not is noted and the caller takes the general way.
+struct SingleCtx {
+    std::vector<XRam>* out;
+    int64_t base;
+    int64_t len;
+    int64_t lastEnd;
+    int64_t prevTo;
+    bool unordered;
+};
+int onSingle(unsigned, unsigned long long, unsigned long long to, unsigned, void* ctx) {
+    auto* c = static_cast<SingleCtx*>(ctx);
+    const int64_t e = int64_t(to);
+    if (e < c->prevTo) c->unordered = true;
+    c->prevTo = e;
+    if (e - c->len >= c->lastEnd) {
+        c->out->emplace_back(c->base + e - c->len, c->len, XRam::CATEGORY_HIT);
+        c->lastEnd = e;
+    }
+    return 0;
+}
+
 struct ReportCtx {
     XContentScratch* sc;
     bool som;
@@ -103,6 +126,17 @@ void XContentSearch::finish(std::vector<XRam>& out) {
 // the greedy choice (sorted by start, then priority) that PCRE2's alternation makes.
 void XContentSearch::simpleHyperscan(const char* d, size_t n, uint64_t base, std::vector<XRam>& out) {
 #ifdef TF_HAVE_HYPERSCAN
+    if (scope_ == XUnits::FILE && sym_.terms.size() == 1 && sym_.nPositive == 1 && sym_.terms[0].literal.fixedLength &&
+        sym_.terms[0].literal.byteLength > 0) {
+        const size_t before = out.size();
+        SingleCtx ctx{&out, int64_t(base), int64_t(sym_.terms[0].literal.byteLength), 0, 0, false};
+        hs_scan(sym_.hs, d, unsigned(n), 0, sc_.hsScratch, onSingle, &ctx);
+        if (!ctx.unordered) {
+            if (out.size() > before) presentFile_[0] = 1;
+            return;
+        }
+        out.resize(before);
+    }
     std::vector<XOcc>& occ = sc_.occ;
     occ.clear();
     hs_scan(sym_.hs, d, unsigned(n), 0, sc_.hsScratch, onTerm, &occ);

@@ -85,6 +85,7 @@ struct XContentScratch {
     std::vector<XOcc> occ;
     std::vector<XReport> reports;
     std::vector<int64_t> sufMin;
+    std::vector<XRam> marks;      // one file's marks before they go to its layer
     bool saturated = false;
     bool errorLogged = false;
 

@@ -20,15 +20,15 @@ public:
     };
 
     XRam() = default;
-    XRam(int64_t pos, int64_t len, uint32_t category = CATEGORY_HIT) : pos_(pos), len_(len), category_(category) {}
+    XRam(int64_t pos, int64_t len, uint32_t category = CATEGORY_HIT) : pos_(pos), len_(clampLen(len)), category_(category) {}
 
     int64_t pos() const { return pos_; }          // byte position in the file
-    int64_t len() const { return len_; }          // byte length
-    int64_t end() const { return pos_ + len_; }   // one past the last byte
+    int64_t len() const { return int64_t(len_); } // byte length
+    int64_t end() const { return pos_ + int64_t(len_); }   // one past the last byte
     uint32_t category() const { return category_; }
     void setPos(int64_t p) { pos_ = p; }
-    void setLen(int64_t l) { len_ = l; }
-    void setRange(int64_t p, int64_t l) { pos_ = p; len_ = l; }
+    void setLen(int64_t l) { len_ = clampLen(l); }
+    void setRange(int64_t p, int64_t l) { pos_ = p; len_ = clampLen(l); }
     void setCategory(uint32_t c) { category_ = c; }
     // Takes range and category of another mark.
     void setValue(const XRam& o) { pos_ = o.pos_; len_ = o.len_; }
@@ -48,10 +48,16 @@ public:
     bool operator<(const XRam& o) const { return pos_ < o.pos_ || (pos_ == o.pos_ && len_ < o.len_); }
 
 private:
+    // A search may hold millions of marks: 16 bytes each. A mark is never longer
+    // than 4 GiB - 1 (longer ones are cut); a negative length means empty.
+    static uint32_t clampLen(int64_t l) { return l <= 0 ? 0u : l >= int64_t(UINT32_MAX) ? UINT32_MAX : uint32_t(l); }
+
     int64_t pos_ = -1;
-    int64_t len_ = 0;
+    uint32_t len_ = 0;
     uint32_t category_ = CATEGORY_NONE;
 };
+
+static_assert(sizeof(XRam) == 16, "marks are kept by the million");
 
 } // namespace find
 } // namespace tav
