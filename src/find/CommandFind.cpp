@@ -137,14 +137,11 @@ int runFindCommand(tav::CommandLine& cl) {
 
     tav::XDirInfo scan;
     scan.flagHiddenFiles = hidden;
-    // The search needs every size; the walk stats a file cheapest, next to its folder.
-    scan.flagStatFiles = content;
-    scan.scan_dir(dir, &filter.fileFilter);
-    // A listing is printed by path; hit files are ordered by their hits later.
-    tav::XFindStats stats = scan.setup_filtered_files(filter.fileFilter, !content);
-
-    QByteArray out;
     if (!content) {
+        scan.scan_dir(dir, &filter.fileFilter);
+        // A listing is printed by path.
+        const tav::XFindStats stats = scan.setup_filtered_files(filter.fileFilter, true);
+        QByteArray out;
         if (show != QLatin1String("count")) {
             for (QFileInfo* fi : scan.ar_filtered_files) out += QFile::encodeName(fi->absoluteFilePath()) + '\n';
         }
@@ -161,12 +158,22 @@ int runFindCommand(tav::CommandLine& cl) {
     search.scope = scope;
     search.flagCountLines = countLines;
     search.setContentFilter(filter.contentFilter);
-    search.prepareFiles(scan.ar_filtered_files, scan.ar_filtered_sizes);
+    // The workers search each folder's files while the walk goes on; the walk
+    // stats no file (unless a size bound needs it), a worker does so through
+    // the file's descriptor once it is open.
+    scan.flagStatFiles = false;
     QEventLoop loop;
     search.addListener([&loop]() { loop.quit(); });
+    search.beginFeed();
     search.start_search();
+    scan.scan_dir_feed(dir, filter.fileFilter,
+                       [&search](const std::vector<QFileInfo*>& files, const std::vector<int64_t>& sizes) {
+                           search.feedFiles(files, sizes);
+                       });
+    search.endFeed();
     loop.exec();
 
+    QByteArray out;
     // Most hits first, then by path; each path is made and encoded once.
     const std::vector<FileResult>& results = search.getResults();
     struct Row {

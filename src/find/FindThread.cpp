@@ -22,22 +22,30 @@ void FindThread::runCustom() {
             contentFilter.seekHome();
             // A size known from the scan spares two stats: here and when the file is opened.
             const bool sizeFromScan = size >= 0;
-            if (!sizeFromScan) {
+            // A fed file of unknown size is stat-ed through its descriptor once open.
+            const bool statWhenOpen = !sizeFromScan && pTavFind->workersStat;
+            if (!sizeFromScan && !statWhenOpen) {
                 if (!file->isFile()) {
                     tav::log(32, "FindThread::runCustom, IS NOT A FILE <<<$>>>", *file);
                     continue;
                 }
                 size = file->size();
             }
-            tav::XFindStats::add(stats.countFiles, 1);
-            if (size == 0) continue;   // counted, never opened
+            if (!statWhenOpen) {
+                tav::XFindStats::add(stats.countFiles, 1);
+                if (size == 0) continue;   // counted, never opened
+            }
             // A scan's paths are absolute already; making them so again costs more than reading a small file.
             const QString path = file->isAbsolute() ? file->filePath() : file->absoluteFilePath();
             const bool opened = sizeFromScan ? reader_.openFile(path, 0x10000, true, uint64_t(size))
                                              : reader_.openFile(path, 0x10000, true);
             if (!opened) {
-                tav::log(4, "FindThread::runCustom, problems with <<<$>>>", path);
+                tav::log(statWhenOpen ? 32 : 4, "FindThread::runCustom, problems with <<<$>>>", path);
                 continue;
+            }
+            if (statWhenOpen) {
+                tav::XFindStats::add(stats.countFiles, 1);
+                pTavFind->bytesToRead += uint32_t(reader_.getMemorySize());
             }
             // Searching first lets a big file's lines be counted while its windows pass by.
             tav::find::XRamLayer layer = contentFilter.find(0, reader_);

@@ -39,6 +39,7 @@ TavFind::~TavFind() {
     // A posted completion call must not reach a destroyed object.
     alive_.reset();
     pController->setRunning(false);
+    wakeWaitingWorkers();
     pController->waitDone(-1);
 }
 
@@ -56,10 +57,55 @@ void TavFind::prepareFiles(std::vector<QFileInfo*>& files, std::vector<int64_t>&
         sizes.clear();
         // Sizes that do not belong one to one to the files are not used.
         if (arSizes.size() != arTextFiles.size()) arSizes.clear();
+        feedOpen = false;
+        workersStat = false;
+        countFiles_ = arTextFiles.size();
     }
     tav::log(32, "TavFind2::prepareFiles, arTextFiles:$", quint64(arTextFiles.size()));
     bytesToRead = sumSizes(arTextFiles, arSizes);
     tav::log(32, "TavFind2::prepareFiles, bytesToRead:$", tav::format1000(bytesToRead.load()));
+}
+
+void TavFind::beginFeed() {
+    std::lock_guard<std::mutex> l(mutexIndex);
+    arTextFiles.clear();
+    arSizes.clear();
+    feedOpen = true;
+    workersStat = true;
+    countFiles_ = 0;
+    bytesToRead = 0;
+}
+
+void TavFind::feedFiles(const std::vector<QFileInfo*>& files, const std::vector<int64_t>& sizes) {
+    if (files.empty()) return;
+    uint32_t sum = 0;
+    for (size_t i = 0; i < files.size() && i < sizes.size(); ++i)
+        if (sizes[i] > 0) sum += uint32_t(sizes[i]);
+    {
+        std::lock_guard<std::mutex> l(mutexIndex);
+        // Sizes are kept one per file; a list without them gets unknown ones.
+        arSizes.resize(arTextFiles.size(), -1);
+        arTextFiles.insert(arTextFiles.end(), files.begin(), files.end());
+        for (size_t i = 0; i < files.size(); ++i) arSizes.push_back(i < sizes.size() ? sizes[i] : -1);
+        countFiles_ = arTextFiles.size();
+    }
+    bytesToRead += sum;
+    condFeed.notify_all();
+}
+
+void TavFind::endFeed() {
+    {
+        std::lock_guard<std::mutex> l(mutexIndex);
+        feedOpen = false;
+    }
+    tav::log(32, "TavFind::endFeed, files:$, bytesToRead:$", quint64(countFiles_.load()), tav::format1000(bytesToRead.load()));
+    condFeed.notify_all();
+}
+
+void TavFind::wakeWaitingWorkers() {
+    // Taking the lock orders the stop before a worker's next look at its wait condition.
+    { std::lock_guard<std::mutex> l(mutexIndex); }
+    condFeed.notify_all();
 }
 
 bool TavFind::isRunning() const { return pController->isFlag(tav::AbstractThread::RUNNING); }
@@ -72,6 +118,7 @@ bool TavFind::start_search() {
         // A start request during a search stops it; nothing new is started.
         tav::log(32, "TavFind2::start_search - RUNNING");
         pController->setRunning(false);
+        wakeWaitingWorkers();
         return false;
     }
     tav::log(32, "TavFind2::start_search()");
@@ -87,18 +134,23 @@ void TavFind::stop_search() {
     if (pController->isFlag(tav::AbstractThread::RUNNING)) {
         tav::log(32, "TavFind::stop_search - will stop now");
         pController->setRunning(false);
+        wakeWaitingWorkers();
     } else {
         tav::log(32, "TavFind::stop_search - not running");
     }
 }
 
 QFileInfo* TavFind::nextFile(int64_t* size) {
-    std::lock_guard<std::mutex> l(mutexIndex);
-    const uint32_t i = indexNext.load();
-    if (i < arTextFiles.size()) {
-        indexNext.fetch_add(1);
-        if (size) *size = i < arSizes.size() ? arSizes[i] : -1;
-        return arTextFiles[i];
+    std::unique_lock<std::mutex> l(mutexIndex);
+    for (;;) {
+        const uint32_t i = indexNext.load();
+        if (i < arTextFiles.size()) {
+            indexNext.fetch_add(1);
+            if (size) *size = i < arSizes.size() ? arSizes[i] : -1;
+            return arTextFiles[i];
+        }
+        if (!feedOpen || !pController->isFlag(tav::AbstractThread::RUNNING)) break;
+        condFeed.wait(l);
     }
     if (size) *size = -1;
     return nullptr;

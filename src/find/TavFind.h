@@ -55,6 +55,15 @@ public:
     // The same with the sizes a scan found (-1: unknown; both vectors are taken
     // over): files with a known size are not stat-ed again, by this or the workers.
     void prepareFiles(std::vector<QFileInfo*>& files, std::vector<int64_t>& sizes);
+    // Files may also come while the search runs (from a scan that goes on):
+    // beginFeed empties the list before start_search, feedFiles adds files and
+    // their sizes (-1: unknown; safe from any thread), endFeed says that no more
+    // come. Until then, a worker without a file waits for the next ones. A fed
+    // file without a size is stat-ed by its worker once it is open (no path
+    // lookup), and its size counts towards bytesToRead then.
+    void beginFeed();
+    void feedFiles(const std::vector<QFileInfo*>& files, const std::vector<int64_t>& sizes);
+    void endFeed();
     // Starts the search; while one runs, this stops it instead. True when a
     // search was started (each one ends with exactly one call of the listeners).
     bool start_search();
@@ -75,7 +84,7 @@ public:
     QFileInfo* nextFile(int64_t* size = nullptr);
 
     // ---- read by the window --------------------------------------------------------
-    size_t countTextFiles() const { return arTextFiles.size(); }
+    size_t countTextFiles() const { return countFiles_.load(); }
     uint32_t getBytesToRead() const { return bytesToRead.load(); }
     uint32_t getBytesRead() const;       // sum of the workers' bytes (wraps like bytesToRead)
     const std::vector<FileResult>& getResults() const;
@@ -101,12 +110,17 @@ public:
     std::vector<QFileInfo*> arTextFiles;
     std::vector<int64_t> arSizes;           // empty, or one per file (-1: unknown)
     std::atomic<uint32_t> bytesToRead{0};   // 32 bits on purpose: wraps beyond 4 GiB
+    std::condition_variable condFeed;       // with mutexIndex: files fed, feed ended or stop
+    bool feedOpen = false;                  // with mutexIndex
+    bool workersStat = false;               // fed files: unknown sizes are the workers' to find
 
     // Called by the controller when all workers have ended (posts to the GUI thread).
     void notifyDone();
 
 private:
+    void wakeWaitingWorkers();
     std::shared_ptr<int> alive_;
+    std::atomic<size_t> countFiles_{0};
 };
 
 } // namespace tavFinder

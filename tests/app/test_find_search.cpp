@@ -174,6 +174,89 @@ private slots:
         QCOMPARE(qint64(tf.workerStats().countBytes.load()), m.value(QStringLiteral("bytes")).toVariant().toLongLong());
         QCOMPARE(qint64(tf.workerStats().countFiles.load()), m.value(QStringLiteral("files")).toVariant().toLongLong());
         QCOMPARE(qint64(tf.getBytesToRead()), m.value(QStringLiteral("bytes")).toVariant().toLongLong() & 0xffffffff);
+
+        // The search running while the walk feeds it, the workers stat-ing the files.
+        for (const char* word : {"return", "ZQX_RARE_NEEDLE"}) {
+            tav::XDirInfo feedScan;
+            feedScan.flagHiddenFiles = true;
+            tf.setContentFilter(filterFor(QString::fromLatin1(word)));
+            const int before = calls;
+            tf.beginFeed();
+            QVERIFY(tf.start_search());
+            feedScan.scan_dir_feed(d.abs(QStringLiteral("tree")), tav::XFileFilter(),
+                                   [&tf](const std::vector<QFileInfo*>& files, const std::vector<int64_t>& sizes) { tf.feedFiles(files, sizes); });
+            tf.endFeed();
+            QTRY_COMPARE_WITH_TIMEOUT(calls, before + 1, 20000);
+            QCOMPARE(qint64(tf.countHits()), m.value(QStringLiteral("hits")).toObject().value(QLatin1String(word)).toVariant().toLongLong());
+            QCOMPARE(qint64(tf.countResults()),
+                     m.value(QStringLiteral("hitfiles")).toObject().value(QLatin1String(word)).toVariant().toLongLong());
+            QCOMPARE(qint64(tf.countTextFiles()), m.value(QStringLiteral("files")).toVariant().toLongLong());
+            QCOMPARE(qint64(tf.workerStats().countFiles.load()), m.value(QStringLiteral("files")).toVariant().toLongLong());
+            QCOMPARE(qint64(tf.getBytesToRead()), m.value(QStringLiteral("bytes")).toVariant().toLongLong() & 0xffffffff);
+        }
+    }
+
+    // Files fed while the search runs: workers wait for them, stat the ones of
+    // unknown size through their descriptor, and a stop or the end of the feed
+    // ends the waiting.
+    void filesFedWhileTheSearchRuns() {
+        tftest::TestDir d;
+        std::vector<QFileInfo> first{QFileInfo(d.file(QStringLiteral("a.txt"), "one needle\n")),
+                                     QFileInfo(d.file(QStringLiteral("b.txt"), "no hay\n"))};
+        std::vector<QFileInfo> second{QFileInfo(d.file(QStringLiteral("c.txt"), "needle needle\n")),
+                                      QFileInfo(d.file(QStringLiteral("empty.txt"), ""))};
+        const QString fifo = d.abs(QStringLiteral("fifo.txt"));
+        QCOMPARE(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+        second.emplace_back(fifo);
+        second.emplace_back(d.dir(QStringLiteral("folder")));
+        second.emplace_back(d.abs(QStringLiteral("vanished.txt")));
+        auto ptrs = [](std::vector<QFileInfo>& v) {
+            std::vector<QFileInfo*> p;
+            for (QFileInfo& fi : v) p.push_back(&fi);
+            return p;
+        };
+
+        TavFind tf;
+        tf.maxThreads = 3;
+        tf.setContentFilter(filterFor(QStringLiteral("needle")));
+        int calls = 0;
+        tf.addListener([&]() { ++calls; });
+        tftest::LogCapture logs;
+        tf.beginFeed();
+        QVERIFY(tf.start_search());
+        QTest::qWait(50);
+        QVERIFY(tf.isRunning());   // nothing fed yet: the workers wait
+        tf.feedFiles(ptrs(first), {11, 7});
+        QTest::qWait(50);
+        QVERIFY(tf.isRunning());
+        QCOMPARE(calls, 0);
+        tf.feedFiles(ptrs(second), {});   // sizes unknown
+        tf.endFeed();
+        QTRY_COMPARE(calls, 1);
+        QStringList found;
+        for (const FileResult& r : tf.getResults()) found << QStringLiteral("%1 %2").arg(r.layer.size()).arg(r.fileInfo.fileName());
+        found.sort();
+        QCOMPARE(found, (QStringList{"1 a.txt", "2 c.txt"}));
+        QCOMPARE(tf.countTextFiles(), size_t(7));
+        QCOMPARE(tf.workerStats().countFiles.load(), uint64_t(4));   // the FIFO, the folder and the vanished file are not files
+        QCOMPARE(tf.getBytesToRead(), uint32_t(11 + 7 + 14));
+        for (const char* name : {"fifo.txt", "folder", "vanished.txt"})
+            QVERIFY2(logs.contains(QStringLiteral("problems with <<<") + d.abs(QString::fromLatin1(name))), name);
+
+        // A stop ends workers that wait for a feed that never ends; so does the end of the object.
+        tf.beginFeed();
+        QVERIFY(tf.start_search());
+        QTest::qWait(20);
+        tf.stop_search();
+        QTRY_COMPARE(calls, 2);
+        QVERIFY(!tf.isRunning());
+        {
+            TavFind waiting;
+            waiting.setContentFilter(filterFor(QStringLiteral("needle")));
+            waiting.beginFeed();
+            waiting.start_search();
+            QTest::qWait(20);
+        }
     }
 
     // Sizes a scan found are used as they are: nothing is stat-ed again, and no

@@ -5,6 +5,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QtTest>
+#include <mutex>
 #include <linux/capability.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -193,6 +194,32 @@ private slots:
         tav::XFileFilter bin;
         bin.setPattern(QStringLiteral("*.bin,*.png,*.o"), false);
         QCOMPARE(qint64(di.setup_filtered_files(bin, false).countMatch.load()), m.value(QStringLiteral("bin_files")).toVariant().toLongLong());
+
+        // Fed by folders while the walk goes on: the same files as the list, sizes
+        // only where a bound made the walk stat them, from walkers running at once.
+        const QString root = d.abs(QStringLiteral("tree"));
+        tav::XDirInfo fed;
+        fed.flagHiddenFiles = true;
+        for (const tav::XFileFilter* f : {&text, &big, &bin}) {
+            std::mutex m;
+            QStringList paths;
+            std::vector<int64_t> sizes;
+            QVERIFY(fed.scan_dir_feed(root, *f, [&](const std::vector<QFileInfo*>& files, const std::vector<int64_t>& s) {
+                std::lock_guard<std::mutex> l(m);
+                QCOMPARE(s.size(), files.size());
+                for (QFileInfo* fi : files) paths << fi->absoluteFilePath();
+                sizes.insert(sizes.end(), s.begin(), s.end());
+            }));
+            QVERIFY(fed.ar_filtered_files.empty());
+            di.setup_filtered_files(*f, false);
+            QStringList listed;
+            for (QFileInfo* fi : di.ar_filtered_files) listed << fi->absoluteFilePath();
+            paths.sort();
+            listed.sort();
+            QCOMPARE(paths, listed);
+            const bool bound = f == &big;
+            for (int64_t s : sizes) QVERIFY(bound ? s >= 10241 : s == -1);
+        }
     }
 };
 

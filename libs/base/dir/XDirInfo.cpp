@@ -96,6 +96,7 @@ struct WalkPart {
     };
     std::vector<File> files;
     std::string names;
+    std::vector<std::vector<QFileInfo>> fed;   // blocks handed to a feed
     bool rootFailed = false;
 };
 
@@ -109,7 +110,13 @@ struct WalkQueue {
 };
 }
 
-bool XDirInfo::scan_dir(const QString& path, const XFileFilter* filter) {
+bool XDirInfo::scan_dir(const QString& path, const XFileFilter* filter) { return scan(path, filter, nullptr); }
+
+bool XDirInfo::scan_dir_feed(const QString& path, const XFileFilter& filter, const FileFeed& feed) {
+    return scan(path, &filter, &feed);
+}
+
+bool XDirInfo::scan(const QString& path, const XFileFilter* filter, const FileFeed* feed) {
     flagStop = false;
     clear();
     sPath = path;
@@ -131,6 +138,31 @@ bool XDirInfo::scan_dir(const QString& path, const XFileFilter* filter) {
     q.todo.push_back(root);
     const unsigned nWalkers = std::max(1u, std::min(4u, count_hardware_threads(2)));
     std::vector<WalkPart> parts(nWalkers);
+
+    // A folder's files that pass the filter become file informations (the folder's
+    // name is decoded once) in a block of their own, and go to the feed.
+    auto feedFolder = [&](WalkPart& part, size_t firstFile, const std::string& dir) {
+        std::vector<QFileInfo> block;
+        std::vector<int64_t> sizes;
+        block.reserve(part.files.size() - firstFile);
+        sizes.reserve(part.files.size() - firstFile);
+        QString prefix = QFile::decodeName(QByteArray::fromRawData(dir.data(), int(dir.size())));
+        if (!prefix.endsWith(QLatin1Char('/'))) prefix += QLatin1Char('/');
+        for (size_t i = firstFile; i < part.files.size(); ++i) {
+            const WalkPart::File& r = part.files[i];
+            const char* name = part.names.data() + r.nameOff;
+            if (!prepared.matchFileName(name, r.nameLen)) continue;
+            if (prepared.needsStat() && (!r.hasStat || !prepared.matchStat(r.size, r.mtimeMs))) continue;
+            block.emplace_back(prefix + QFile::decodeName(QByteArray::fromRawData(name, int(r.nameLen))));
+            sizes.push_back(r.hasStat ? int64_t(r.size) : -1);
+        }
+        if (block.empty()) return;
+        std::vector<QFileInfo*> files;
+        files.reserve(block.size());
+        for (QFileInfo& fi : block) files.push_back(&fi);
+        part.fed.push_back(std::move(block));   // moving a vector keeps its elements in place
+        (*feed)(files, sizes);
+    };
 
     auto walker = [&](WalkPart& part) {
         std::vector<char> buf(1 << 15);
@@ -210,17 +242,17 @@ bool XDirInfo::scan_dir(const QString& path, const XFileFilter* filter) {
                     }
                     if (flagStop.load(std::memory_order_relaxed)) break;
                 }
+                // The subfolders go to the other walkers before this one stats or
+                // feeds the files: a big folder near the top must not hold them up.
+                if ((statLater || feed) && !found.empty()) {
+                    lock.lock();
+                    countDirs.fetch_add(uint32_t(found.size()), std::memory_order_relaxed);
+                    for (std::string& f : found) q.todo.push_back(std::move(f));
+                    found.clear();
+                    q.cv.notify_all();
+                    lock.unlock();
+                }
                 if (statLater) {
-                    // The subfolders go to the other walkers before this one stats
-                    // the files: a big folder near the top must not hold them up.
-                    if (!found.empty()) {
-                        lock.lock();
-                        countDirs.fetch_add(uint32_t(found.size()), std::memory_order_relaxed);
-                        for (std::string& f : found) q.todo.push_back(std::move(f));
-                        found.clear();
-                        q.cv.notify_all();
-                        lock.unlock();
-                    }
                     size_t kept = firstFile;
                     for (size_t i = firstFile; i < part.files.size(); ++i) {
                         WalkPart::File r = part.files[i];
@@ -245,6 +277,7 @@ bool XDirInfo::scan_dir(const QString& path, const XFileFilter* filter) {
                     }
                     part.files.resize(kept);
                 }
+                if (feed && part.files.size() > firstFile) feedFolder(part, firstFile, dir);
                 ::close(fd);
             }
             lock.lock();
@@ -260,6 +293,18 @@ bool XDirInfo::scan_dir(const QString& path, const XFileFilter* filter) {
 
     XThreadPool::run_parts(nWalkers, [&](size_t k) { walker(parts[k]); });
 
+    if (feed) {
+        // The fed files are kept (and the previous lists one round longer, as a
+        // search may still be ending on them); the filtered list is not made.
+        auto blocks = std::make_shared<Blocks>();
+        for (WalkPart& part : parts)
+            for (std::vector<QFileInfo>& b : part.fed) blocks->push_back(std::move(b));
+        fedRetired_ = std::move(fed_);
+        fed_ = std::move(blocks);
+        retired_ = std::move(infos_);
+        ar_filtered_files.clear();
+        ar_filtered_sizes.clear();
+    }
     bool rootFailed = false;
     for (WalkPart& part : parts) {
         rootFailed = rootFailed || part.rootFailed;

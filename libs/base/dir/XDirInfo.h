@@ -16,6 +16,7 @@
 #include <QStringList>
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -88,6 +89,15 @@ public:
     // patterns are not entered and files are stat-ed when its bounds need it.
     // False when the folder cannot be read or the scan was stopped.
     bool scan_dir(const QString& path, const XFileFilter* filter = nullptr);
+
+    // Gets each folder's files that pass the filter (and their sizes, -1 where
+    // not stat-ed) as soon as the folder has been read, so a search can begin
+    // while the walk goes on. Called on the walker threads, possibly at once.
+    using FileFeed = std::function<void(const std::vector<QFileInfo*>& files, const std::vector<int64_t>& sizes)>;
+    // scan_dir and setup_filtered_files in one walk, the files going to 'feed'
+    // by folders rather than into ar_filtered_files (which is left empty). The
+    // fed file informations stay valid until the next-but-one scan_dir_feed.
+    bool scan_dir_feed(const QString& path, const XFileFilter& filter, const FileFeed& feed);
     // Fills ar_filtered_files with the scanned files that pass the filter
     // (sorted by path when 'sortByPath'); countFiles = files scanned,
     // countMatch = countHits = files passed, countBytes = their known bytes.
@@ -122,6 +132,11 @@ private:
     std::vector<FileRec> files_;
     std::string names_;                  // file names, back to back
     std::shared_ptr<std::vector<QFileInfo>> infos_, retired_;
+    // Folders' file informations handed to a feed (each block stays where it is).
+    using Blocks = std::vector<std::vector<QFileInfo>>;
+    std::shared_ptr<Blocks> fed_, fedRetired_;
+
+    bool scan(const QString& path, const XFileFilter* filter, const FileFeed* feed);
 };
 
 } // namespace tav
