@@ -6,6 +6,10 @@
 
 namespace tavFinder {
 
+namespace {
+constexpr size_t kSearchWindow = size_t(128) << 10;
+}
+
 FindThread::FindThread(FindThread&& o) noexcept
     : tav::XLightweightThread(std::move(o)), pTavFind(o.pTavFind), pController(o.pController), stats(o.stats),
       contentFilter(std::move(o.contentFilter)), index(o.index) {}
@@ -14,6 +18,9 @@ FindThread::~FindThread() { stopAndWait(); }
 
 void FindThread::runCustom() {
     if (!X_ASSERT_MSG(pTavFind, "tavFind == NULL")) return;
+    // Windows small enough to stay in the cache between the read and the search;
+    // one without a line end grows as far as a whole window of the reader.
+    reader_.setWindowSizes(kSearchWindow, tav::XLineReaderDA::DEFAULT_WINDOW);
     if (pController && pController->isFlag(tav::AbstractThread::RUNNING)) {
         do {
             int64_t size = -1;

@@ -359,6 +359,30 @@ private slots:
         QCOMPARE(calls, 0);
     }
 
+    // Workers read big files in windows: a hit across a window's end, in a line
+    // far longer than a window, and a paragraph spread over several windows are found.
+    void longLinesAndParagraphsAreNotSplit() {
+        tftest::TestDir d;
+        QByteArray line(300 << 10, 'x');
+        line.replace((128 << 10) - 3, 6, "needle");
+        QByteArray para = "alpha\n";
+        while (para.size() < (300 << 10)) para += "a line of the same long paragraph\n";
+        para += "omega\n\nneedle alone\n";
+        std::vector<QFileInfo> infos{QFileInfo(d.file(QStringLiteral("line.txt"), line + "\n")),
+                                     QFileInfo(d.file(QStringLiteral("para.txt"), para))};
+        TavFind tf;
+        tf.maxThreads = 2;
+        int calls = 0;
+        tf.addListener([&]() { ++calls; });
+        tf.setContentFilter(filterFor(QStringLiteral("needle")));
+        QCOMPARE(runSearch(tf, {&infos[0], &infos[1]}, &calls), (QStringList{"1 line.txt", "1 para.txt"}));
+        tav::find::XContentFilter f = filterFor(QStringLiteral("alpha omega"));
+        f.setScope(tav::find::XContentFilter::SCOPE_PARAGRAPH);
+        tf.setContentFilter(f);
+        QCOMPARE(runSearch(tf, {&infos[0], &infos[1]}, &calls), QStringList{"2 para.txt"});
+        QCOMPARE(tf.workerStats().countLines.load(), uint64_t(1 + para.count('\n')));
+    }
+
     void singleFilesAreSearchedAtOnce() {
         tftest::TestDir d;
         const QString hit = d.file(QStringLiteral("hit.txt"), "Alpha beta\nalpha");

@@ -108,6 +108,28 @@ private slots:
         QVERIFY(cutsOk);
         QVERIFY(readAllWindows(r, XLineReaderDA::CUT_LINE, &windows, &cutsOk).size() > 0);
         QVERIFY(cutsOk);
+
+        // Growing windows: a line or paragraph longer than the window is held
+        // whole, up to the largest size; only beyond that is it cut.
+        QByteArray grow;
+        for (int i = 0; i < 400; ++i) grow += "a line without a blank one after it\n";   // one paragraph of 14 KiB
+        grow += "\n" + QByteArray(9000, 'z') + "\nend\n";                               // and a line of 9000 bytes
+        XLineReaderDA g;
+        g.setWindowSizes(4096, 32 << 10);
+        QCOMPARE(g.maxWindowSize(), size_t(32 << 10));
+        QVERIFY(g.openFile(d.file(QStringLiteral("grow.txt"), grow), 0x10000, true));
+        QVERIFY(!g.isWhole());
+        QCOMPARE(readAllWindows(g, XLineReaderDA::CUT_PARAGRAPH, &windows, &cutsOk), grow);
+        QVERIFY(cutsOk);
+        QVERIFY(windows >= 2);
+        QCOMPARE(readAllWindows(g, XLineReaderDA::CUT_LINE, &windows, &cutsOk), grow);
+        QVERIFY(cutsOk);
+        QVERIFY(windows > 4);
+        QCOMPARE(g.countLines(), uint64_t(grow.count('\n')));
+        const QByteArray huge = QByteArray(40 << 10, 'y') + "\nend\n";
+        QVERIFY(g.openFile(d.file(QStringLiteral("huge.txt"), huge), 0x10000, true));
+        QCOMPARE(readAllWindows(g, XLineReaderDA::CUT_LINE, &windows, &cutsOk), huge);
+        QVERIFY(!cutsOk);   // the line is longer than the largest window
     }
 
     void badFilesFailCleanlyAndBinaryIsProbed() {

@@ -36,7 +36,12 @@ ssize_t preadFull(int fd, char* dst, size_t n, uint64_t off) {
 XLineReaderDA::XLineReaderDA() = default;
 XLineReaderDA::~XLineReaderDA() { close(); }
 
-void XLineReaderDA::setWindowSize(size_t bytes) { window_ = std::max<size_t>(bytes, 4096); }
+void XLineReaderDA::setWindowSize(size_t bytes) { window_ = maxWindow_ = std::max<size_t>(bytes, 4096); }
+
+void XLineReaderDA::setWindowSizes(size_t bytes, size_t maxBytes) {
+    window_ = std::max<size_t>(bytes, 4096);
+    maxWindow_ = std::max(maxBytes, window_);
+}
 
 void XLineReaderDA::close() {
     if (fd_ >= 0) ::close(fd_);
@@ -110,9 +115,9 @@ void XLineReaderDA::reserve(size_t bytes) {
     cap_ = cap;
 }
 
-bool XLineReaderDA::fill() {
-    while (len_ < window_ && !eof_) {
-        size_t want = window_ - len_;
+bool XLineReaderDA::fill(size_t target) {
+    while (len_ < target && !eof_) {
+        size_t want = target - len_;
         // Trust the size fstat gave: a small file needs no extra read to see its end.
         if (fileSize_ > 0 || sizeGiven_) {
             if (readPos_ >= fileSize_) {
@@ -144,18 +149,23 @@ bool XLineReaderDA::readFrom(uint64_t offset) {
 
 uint64_t XLineReaderDA::getMemorySize() const { return whole_ ? uint64_t(len_) : fileSize_; }
 
-size_t XLineReaderDA::cutPosition(Cut cut) const {
+size_t XLineReaderDA::cutPosition(Cut cut, bool& boundary) const {
     const char* b = buf_.get();
+    boundary = false;
     const void* nl = memrchr(b, '\n', len_);
     if (!nl) return len_;   // one line longer than the window: cut it
     const size_t last = size_t(static_cast<const char*>(nl) - b);
+    boundary = cut == CUT_LINE;
     if (cut == CUT_LINE) return last + 1;
     // Paragraphs: end the window after the last blank line.
     size_t lineEnd = last;
     for (;;) {
         const void* prev = lineEnd ? memrchr(b, '\n', lineEnd) : nullptr;
         const size_t ls = prev ? size_t(static_cast<const char*>(prev) - b) + 1 : 0;
-        if (isBlankLine(b + ls, lineEnd - ls)) return lineEnd + 1;
+        if (isBlankLine(b + ls, lineEnd - ls)) {
+            boundary = true;
+            return lineEnd + 1;
+        }
         if (!prev) break;
         lineEnd = ls - 1;
     }
@@ -163,8 +173,17 @@ size_t XLineReaderDA::cutPosition(Cut cut) const {
 }
 
 void XLineReaderDA::handOut(Cut cut, Window& w) {
+    size_t n = len_;
+    while (!eof_) {
+        bool boundary = false;
+        n = cutPosition(cut, boundary);
+        if (boundary || len_ >= maxWindow_) break;
+        // No line (or paragraph) ends in the window: it grows rather than cut one.
+        // A failed read leaves the cut as it is; the next window reports the error.
+        if (!fill(std::min(maxWindow_, std::max(len_ * 2, window_)))) break;
+        n = len_;
+    }
     const bool last = eof_;
-    const size_t n = last ? len_ : cutPosition(cut);
     w.data = buf_.get();
     w.size = n;
     w.offset = bufOffset_;

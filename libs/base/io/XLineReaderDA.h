@@ -3,7 +3,9 @@
 // file to file. Files up to the window size are held whole; bigger ones are
 // handed out window by window, each window ending at a line (or paragraph)
 // boundary with the partial rest carried into the next one, so memory stays
-// bounded whatever the file size. Line starts are indexed only when asked.
+// bounded whatever the file size. A window without such a boundary grows up to
+// the largest window size before a line or paragraph is cut. Line starts are
+// indexed only when asked.
 #include <QByteArray>
 #include <QFileInfo>
 #include <QString>
@@ -45,7 +47,11 @@ public:
 
     // Largest part of a file held at once (at least 4 KiB); set before openFile.
     void setWindowSize(size_t bytes);
+    // Windows of 'bytes' (they stay in the processor's cache while searched), each
+    // growing up to 'maxBytes' when it holds no line or paragraph end.
+    void setWindowSizes(size_t bytes, size_t maxBytes);
     size_t windowSize() const { return window_; }
+    size_t maxWindowSize() const { return maxWindow_; }
     bool isWhole() const { return whole_; }
 
     // ---- windows for the content search ---------------------------------------------
@@ -63,10 +69,12 @@ public:
 
 private:
     bool open(const QString& path, uint64_t probeBytes, bool checkBinary, int64_t knownSize);
-    bool fill();                              // reads until the buffer is full or the file ends
+    bool fill() { return fill(window_); }
+    bool fill(size_t target);                 // reads until the buffer holds 'target' bytes or the file ends
     bool readFrom(uint64_t offset);           // restarts the buffer at a file position
     void reserve(size_t bytes);
-    size_t cutPosition(Cut cut) const;
+    // Where the window ends; 'boundary' false when it had to cut a line (or a paragraph).
+    size_t cutPosition(Cut cut, bool& boundary) const;
     void handOut(Cut cut, Window& w);
     bool buildLineIndex();
     uint64_t countLinesByPass();
@@ -81,6 +89,7 @@ private:
     bool sizeGiven_ = false;     // fileSize_ came from the caller and bounds every read
     uint64_t readPos_ = 0;       // file position of the next read
     size_t window_ = DEFAULT_WINDOW;
+    size_t maxWindow_ = DEFAULT_WINDOW;
 
     std::unique_ptr<char[]> buf_;
     size_t cap_ = 0;
