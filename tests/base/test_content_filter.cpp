@@ -1,3 +1,4 @@
+#include "base/find/XByteScan.h"
 #include "base/find/XContentFilter.h"
 #include "base/io/XLineReaderDA.h"
 #include "common/TestEnv.h"
@@ -224,6 +225,26 @@ private slots:
         XRam m(3, 4);
         m.setLen(-2);
         QVERIFY(!m.isValid());
+    }
+
+    // The vectorised search of exact bytes against a plain one, around every
+    // block edge: needles of 1 to 40 bytes, at the start, the end and nowhere.
+    void exactBytesAreFoundEverywhere() {
+        std::mt19937 rnd(11);
+        for (int round = 0; round < 400; ++round) {
+            QByteArray hay;
+            const int len = int(rnd() % 300);
+            for (int i = 0; i < len; ++i) hay += "ab\n"[rnd() % (round % 2 ? 2 : 3)];
+            QByteArray needle;
+            const int k = 1 + int(rnd() % 40);
+            if (len >= k && rnd() % 4) needle = hay.mid(int(rnd() % unsigned(len - k + 1)), k);
+            else for (int i = 0; i < k; ++i) needle += "ab"[rnd() % 2];
+            for (int from = 0; from <= len + 1; from += 1 + int(rnd() % 7)) {
+                const int expected = from > len ? -1 : hay.indexOf(needle, from);
+                const size_t got = tav::bytescan::find_bytes(hay.constData(), size_t(len), needle.constData(), size_t(k), size_t(from));
+                QCOMPARE(got == size_t(len) ? -1 : int(got), expected);
+            }
+        }
     }
 
     void searchPositionLimitsAndBinaryFlag() {

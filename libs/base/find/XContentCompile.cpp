@@ -243,6 +243,7 @@ bool compile_symbols(const QString& text, bool regEx, bool allowHyperscan, XCont
             term.text = text;
             term.literal.expression = escape_bytes(pattern.toStdString());
             term.literal.byteLength = size_t(pattern.size());
+            term.exact = pattern.toStdString();
             sym.terms.push_back(std::move(term));
             sym.regEx = false;
             return compileTerms(sym, allowHyperscan, error);

@@ -126,6 +126,15 @@ void XContentSearch::finish(std::vector<XRam>& out) {
 // the greedy choice (sorted by start, then priority) that PCRE2's alternation makes.
 void XContentSearch::simpleHyperscan(const char* d, size_t n, uint64_t base, std::vector<XRam>& out) {
 #ifdef TF_HAVE_HYPERSCAN
+    if (scope_ == XUnits::FILE && sym_.terms.size() == 1 && sym_.nPositive == 1 && !sym_.terms[0].exact.empty()) {
+        // Exact bytes: each occurrence is a mark, the search goes on after it.
+        const std::string& x = sym_.terms[0].exact;
+        const size_t before = out.size();
+        for (size_t p = 0; (p = bytescan::find_bytes(d, n, x.data(), x.size(), p)) < n; p += x.size())
+            out.emplace_back(int64_t(base + p), int64_t(x.size()), XRam::CATEGORY_HIT);
+        if (out.size() > before) presentFile_[0] = 1;
+        return;
+    }
     if (scope_ == XUnits::FILE && sym_.terms.size() == 1 && sym_.nPositive == 1 && sym_.terms[0].literal.fixedLength &&
         sym_.terms[0].literal.byteLength > 0) {
         const size_t before = out.size();

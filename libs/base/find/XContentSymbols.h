@@ -14,6 +14,7 @@
 
 #include <QString>
 #include <cstdint>
+#include <string>
 #include <memory>
 #include <vector>
 
@@ -33,6 +34,7 @@ struct XTerm {
     QString text;
     bool negative = false;
     CaselessLiteral literal;
+    std::string exact;   // the bytes the term matches, when it matches nothing else (a plain expression)
 };
 
 struct XContentSymbols {
