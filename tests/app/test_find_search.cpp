@@ -29,6 +29,13 @@ void dropPermissionBypass() {
     syscall(SYS_capset, &hdr, data);
 }
 
+// The list a search takes: pointers to file informations kept by the test.
+std::vector<QFileInfo*> pointersTo(std::vector<QFileInfo>& infos) {
+    std::vector<QFileInfo*> p;
+    for (QFileInfo& fi : infos) p.push_back(&fi);
+    return p;
+}
+
 tav::find::XContentFilter filterFor(const QString& text, bool regEx = false) {
     tav::find::XContentFilter f;
     f.createSymbols(text, regEx);
@@ -74,8 +81,7 @@ private slots:
         ::chmod(QFile::encodeName(d.abs(QStringLiteral("empty-locked.txt"))).constData(), 0);
         ::chmod(QFile::encodeName(d.abs(QStringLiteral("locked.txt"))).constData(), 0);
         const bool permissionsHold = ::access(QFile::encodeName(d.abs(QStringLiteral("locked.txt"))).constData(), R_OK) != 0;
-        std::vector<QFileInfo*> files;
-        for (QFileInfo& fi : infos) files.push_back(&fi);
+        std::vector<QFileInfo*> files = pointersTo(infos);
         expected.sort();
 
         TavFind tf;
@@ -110,8 +116,7 @@ private slots:
 
         // Eight workers (more than some lists have files) give the same set.
         tf.maxThreads = 8;
-        std::vector<QFileInfo*> again;
-        for (QFileInfo& fi : infos) again.push_back(&fi);
+        std::vector<QFileInfo*> again = pointersTo(infos);
         QCOMPARE(runSearch(tf, again, &calls), expected);
         QCOMPARE(tf.pController->arThreads.size(), size_t(8));
         QCOMPARE(tf.workerStats().countFiles.load(), uint64_t(43));
@@ -210,11 +215,6 @@ private slots:
         second.emplace_back(fifo);
         second.emplace_back(d.dir(QStringLiteral("folder")));
         second.emplace_back(d.abs(QStringLiteral("vanished.txt")));
-        auto ptrs = [](std::vector<QFileInfo>& v) {
-            std::vector<QFileInfo*> p;
-            for (QFileInfo& fi : v) p.push_back(&fi);
-            return p;
-        };
 
         TavFind tf;
         tf.maxThreads = 3;
@@ -226,11 +226,11 @@ private slots:
         QVERIFY(tf.start_search());
         QTest::qWait(50);
         QVERIFY(tf.isRunning());   // nothing fed yet: the workers wait
-        tf.feedFiles(ptrs(first), {11, 7});
+        tf.feedFiles(pointersTo(first), {11, 7});
         QTest::qWait(50);
         QVERIFY(tf.isRunning());
         QCOMPARE(calls, 0);
-        tf.feedFiles(ptrs(second), {});   // sizes unknown
+        tf.feedFiles(pointersTo(second), {});   // sizes unknown
         tf.endFeed();
         QTRY_COMPARE(calls, 1);
         QStringList found;
@@ -275,8 +275,7 @@ private slots:
         QCOMPARE(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
         infos.emplace_back(fifo);
         infos.emplace_back(d.dir(QStringLiteral("now-a-folder")));
-        std::vector<QFileInfo*> files;
-        for (QFileInfo& fi : infos) files.push_back(&fi);
+        std::vector<QFileInfo*> files = pointersTo(infos);
 
         TavFind tf;
         int calls = 0;
@@ -295,8 +294,7 @@ private slots:
         QVERIFY(!logs.contains(QStringLiteral("was-empty.txt")));   // never opened
 
         // Sizes that do not match the list one to one are ignored: files are stat-ed.
-        std::vector<QFileInfo*> again;
-        for (QFileInfo& fi : infos) again.push_back(&fi);
+        std::vector<QFileInfo*> again = pointersTo(infos);
         std::vector<int64_t> wrong{1, 2};
         QCOMPARE(runSearch(tf, again, &calls, &wrong),
                  (QStringList{"1 grown.txt", "1 now-a-link.txt", "1 plain.txt", "1 was-empty.txt"}));
@@ -308,8 +306,7 @@ private slots:
         std::vector<QFileInfo> infos;
         const QByteArray text = QByteArray("hay ").repeated(2000) + "needle\n";
         for (int i = 0; i < 1500; ++i) infos.emplace_back(d.file(QStringLiteral("f%1.txt").arg(i), text));
-        std::vector<QFileInfo*> files;
-        for (QFileInfo& fi : infos) files.push_back(&fi);
+        std::vector<QFileInfo*> files = pointersTo(infos);
 
         TavFind tf;
         tf.maxThreads = 1;
@@ -344,8 +341,7 @@ private slots:
         tftest::TestDir d;
         std::vector<QFileInfo> infos;
         for (int i = 0; i < 800; ++i) infos.emplace_back(d.file(QStringLiteral("f%1.txt").arg(i), QByteArray("x needle y\n").repeated(300)));
-        std::vector<QFileInfo*> files;
-        for (QFileInfo& fi : infos) files.push_back(&fi);
+        std::vector<QFileInfo*> files = pointersTo(infos);
         int calls = 0;
         {
             TavFind tf;
