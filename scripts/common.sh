@@ -36,6 +36,15 @@ tf_install_missing() {
   $SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"
 }
 
+# True when this user may build: the build folder (or, before the first build,
+# the checkout) and the build log beside it are writable.
+tf_build_writable() {
+  local d="$TF_BUILD"
+  [ -e "$d" ] || d="$(dirname "$TF_BUILD")"
+  [ -w "$d" ] || return 1
+  [ ! -e "$TF_BUILD.log" ] || [ -w "$TF_BUILD.log" ]
+}
+
 tf_build() {
   if [ ! -f "$TF_BUILD/CMakeCache.txt" ]; then
     cmake -S "$TF_ROOT" -B "$TF_BUILD" -DCMAKE_BUILD_TYPE="$TF_BUILD_TYPE" "$@"

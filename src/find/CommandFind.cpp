@@ -46,6 +46,20 @@ void write(const QByteArray& bytes) {
     std::fflush(stdout);
 }
 
+// One line per folder the walk could not open, on standard error: the listing
+// and the totals are complete for everything else.
+void reportUnreadable(const tav::XDirInfo& scan) {
+    const uint32_t n = scan.countUnreadableDirs.load();
+    if (n == 0) return;
+    QByteArray err;
+    const QStringList listed = scan.unreadableDirs();
+    for (const QString& p : listed) err += "find: cannot read " + QFile::encodeName(p) + '\n';
+    if (n > uint32_t(listed.size()))
+        err += tav::fill("find: ... and $ more folders that cannot be read", n - uint32_t(listed.size())).toUtf8() + '\n';
+    std::fwrite(err.constData(), 1, size_t(err.size()), stderr);
+    std::fflush(stderr);
+}
+
 // "true"/"false" (and 1/0, yes/no); anything else is refused.
 bool readBool(const tav::CommandLine& cl, const QString& key, bool& value, QString& error) {
     if (!cl.hasKey(key)) return true;
@@ -150,6 +164,7 @@ int runFindCommand(tav::CommandLine& cl) {
                    .toUtf8() +
                '\n';
         write(out);
+        reportUnreadable(scan);
         return stats.countMatch.load() > 0 ? 0 : 1;
     }
 
@@ -227,6 +242,7 @@ int runFindCommand(tav::CommandLine& cl) {
         out += tav::fill("lines:$, bytes:$", w.countLines.load(), w.countBytes.load()).toUtf8() + '\n';
     }
     write(out);
+    reportUnreadable(scan);
     // Everything is printed: the system frees the scan's and the search's memory
     // faster than their destructors would.
     std::fflush(nullptr);

@@ -4,6 +4,7 @@
 #include "common/TestEnv.h"
 
 #include <QtTest>
+#include <sys/stat.h>
 
 using tav::XNode;
 
@@ -135,6 +136,62 @@ private slots:
         again.set_config_to_initial_state();
         again.save();
         QVERIFY(!QFile::exists(path));
+    }
+
+    // A value with characters XML cannot carry is written without them, so the
+    // next start still reads the whole configuration.
+    void charactersXmlCannotCarryAreDroppedOnWrite() {
+        tftest::TestDir dir;
+        auto root = XNode::createRoot(QStringLiteral("TalvoEngine"));
+        QString odd = QStringLiteral("a");
+        odd += QChar(0xFFFE);
+        odd += QStringLiteral("b");
+        odd += QChar(0xFFFF);
+        odd += QChar(0xD800);   // half of a pair
+        odd += QStringLiteral("c\U0001F600d");   // a whole pair stays
+        root->setString(QStringLiteral("v"), odd);
+        root->createChild(QStringLiteral("T"))->setText(odd);
+        const QString path = dir.abs(QStringLiteral("odd.xml"));
+        QVERIFY(root->saveNodeToXml(path));
+        QString err;
+        auto back = XNode::loadFromXml(path, &err);
+        QVERIFY2(back, qPrintable(err));
+        const QString want = QStringLiteral("abc\U0001F600d");
+        QCOMPARE(back->getString(QStringLiteral("v")), want);
+        QCOMPARE(back->query(QStringLiteral("T"))->getText(), want);
+    }
+
+    // A user file is read only when it is a regular file within the size limit;
+    // a FIFO in its place is refused at once instead of blocking the start.
+    void userFilesAreReadOnlyWhenRegularAndSmallEnough() {
+        tftest::TestDir dir;
+        QByteArray data;
+        QString err;
+        const QString fifo = dir.abs(QStringLiteral("talvofinder.xml"));
+        QCOMPARE(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+        QVERIFY(!tav::readUserFile(fifo, tav::kMaxUserFileBytes, data, &err));
+        QCOMPARE(err, QStringLiteral("not a regular file"));
+        QVERIFY(!XNode::loadFromXml(fifo));
+        QVERIFY(!tav::readUserFile(dir.path(), tav::kMaxUserFileBytes, data, &err));   // a folder
+        QVERIFY(!tav::readUserFile(dir.abs(QStringLiteral("missing")), tav::kMaxUserFileBytes, data, &err));
+
+        const QString big = dir.file(QStringLiteral("big.xml"), QByteArray(1001, 'x'));
+        QVERIFY(!tav::readUserFile(big, 1000, data, &err));
+        QVERIFY(err.contains(QStringLiteral("larger than 1000")));
+        QVERIFY(tav::readUserFile(big, 1001, data, &err));
+        QCOMPARE(data, QByteArray(1001, 'x'));
+        QVERIFY(tav::readUserFile(dir.file(QStringLiteral("empty")), 10, data, &err));
+        QVERIFY(data.isEmpty());
+
+        // The configuration in a FIFO's place is moved aside and defaults load.
+        const QString path = tav::Kernel::nodeFilePath();
+        QFile::remove(path);
+        QDir().mkpath(QFileInfo(path).absolutePath());
+        QCOMPARE(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+        tav::Kernel k(QStringLiteral("talvoEngine"), QStringLiteral("test"), {});
+        QVERIFY(k.nodeRoot());
+        QVERIFY(QFileInfo(path + QStringLiteral(".bad")).exists());
+        QFile::remove(path + QStringLiteral(".bad"));
     }
 };
 

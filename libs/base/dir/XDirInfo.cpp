@@ -56,6 +56,12 @@ XDirInfo& XDirInfo::operator=(const XDirInfo& o) {
     countDirs = o.countDirs.load();
     countFiles = o.countFiles.load();
     countBytes = o.countBytes.load();
+    countUnreadableDirs = o.countUnreadableDirs.load();
+    {
+        const QStringList l = o.unreadableDirs();
+        std::lock_guard<std::mutex> g(unreadableMutex_);
+        unreadable_ = l;
+    }
     folders_ = o.folders_;
     files_ = o.files_;
     names_ = o.names_;
@@ -74,7 +80,25 @@ XDirInfo& XDirInfo::operator=(const XDirInfo& o) {
     return *this;
 }
 
+void XDirInfo::noteUnreadable(const std::string& dir) {
+    countUnreadableDirs.fetch_add(1, std::memory_order_relaxed);
+    std::lock_guard<std::mutex> g(unreadableMutex_);
+    if (size_t(unreadable_.size()) < kMaxUnreadableListed) unreadable_.push_back(QFile::decodeName(dir.c_str()));
+}
+
+QStringList XDirInfo::unreadableDirs() const {
+    std::lock_guard<std::mutex> g(unreadableMutex_);
+    QStringList l = unreadable_;
+    l.sort();
+    return l;
+}
+
 void XDirInfo::clear() {
+    {
+        std::lock_guard<std::mutex> g(unreadableMutex_);
+        unreadable_.clear();
+    }
+    countUnreadableDirs = 0;
     folders_.clear();
     files_.clear();
     names_.clear();
@@ -186,10 +210,15 @@ bool XDirInfo::scan(const QString& path, const XFileFilter* filter, const FileFe
             const bool isRoot = dir == root;
             // The given folder may be reached through a link; below it links are never followed.
             const int fd = ::open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | (isRoot ? 0 : O_NOFOLLOW));
+            // Whatever happens below, this folder's subfolders are its own: never
+            // those of an earlier folder, whose strings were moved to the queue.
+            found.clear();
             if (fd < 0) {
+                const int err = errno;
                 log(32, "XDirInfo::scan_dir, cannot read <<<$>>> ($)", QFile::decodeName(dir.c_str()),
-                    QString::fromLocal8Bit(std::strerror(errno)));
+                    QString::fromLocal8Bit(std::strerror(err)));
                 if (dir == root) part.rootFailed = true;
+                else noteUnreadable(dir);
             } else {
                 const uint32_t idx = uint32_t(part.folders.size());
                 part.folders.push_back(dir);
@@ -199,9 +228,11 @@ bool XDirInfo::scan(const QString& path, const XFileFilter* filter, const FileFe
                 for (;;) {
                     const long n = ::syscall(SYS_getdents64, fd, buf.data(), buf.size());
                     if (n <= 0) {
-                        if (n < 0)
+                        if (n < 0) {
                             log(32, "XDirInfo::scan_dir, cannot read <<<$>>> ($)", QFile::decodeName(dir.c_str()),
                                 QString::fromLocal8Bit(std::strerror(errno)));
+                            noteUnreadable(dir);
+                        }
                         break;
                     }
                     for (long off = 0; off < n;) {
@@ -284,6 +315,7 @@ bool XDirInfo::scan(const QString& path, const XFileFilter* filter, const FileFe
             if (!found.empty()) {
                 countDirs.fetch_add(uint32_t(found.size()), std::memory_order_relaxed);
                 for (std::string& f : found) q.todo.push_back(std::move(f));
+                found.clear();
                 q.cv.notify_all();
             }
             --q.busy;
@@ -396,8 +428,10 @@ XFindStats XDirInfo::setup_filtered_files(const XFileFilter& filter, bool sortBy
 }
 
 QString XDirInfo::toString() const {
-    return fill("path:<<<$>>>, dirs:$, files:$, bytes:$, filtered:$", sPath, countDirs.load(), countFiles.load(),
-                countBytes.load(), int(ar_filtered_files.size()));
+    QString s = fill("path:<<<$>>>, dirs:$, files:$, bytes:$, filtered:$", sPath, countDirs.load(), countFiles.load(),
+                     countBytes.load(), int(ar_filtered_files.size()));
+    if (const uint32_t n = countUnreadableDirs.load()) s += fill(", unreadable:$", n);
+    return s;
 }
 
 std::vector<QFileInfo> XDirInfo::get_flat_directory_info(const QString& dir, bool hiddenFiles) {

@@ -18,6 +18,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -72,6 +73,12 @@ public:
     std::atomic<uint32_t> countDirs{0};
     std::atomic<uint32_t> countFiles{0};
     std::atomic<uint64_t> countBytes{0};    // bytes of the files that were stat-ed
+    // Folders below the scanned one that could not be opened or read; they are
+    // skipped, never retried.
+    std::atomic<uint32_t> countUnreadableDirs{0};
+    // Their paths, sorted (at most kMaxUnreadableListed of them).
+    QStringList unreadableDirs() const;
+    static constexpr size_t kMaxUnreadableListed = 10000;
 
     // Files that passed setup_filtered_files; the pointers stay valid until the
     // next-but-one setup (a search still running on the previous list is safe).
@@ -129,6 +136,9 @@ private:
         int64_t mtimeMs;
     };
     std::vector<std::string> folders_;   // absolute native paths
+    mutable std::mutex unreadableMutex_;
+    QStringList unreadable_;
+    void noteUnreadable(const std::string& dir);
     std::vector<FileRec> files_;
     std::string names_;                  // file names, back to back
     std::shared_ptr<std::vector<QFileInfo>> infos_, retired_;

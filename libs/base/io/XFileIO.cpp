@@ -7,6 +7,12 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace tav {
 
 bool writeFileAtomic(const QString& path, const QByteArray& data, QString* error) {
@@ -29,6 +35,52 @@ bool writeFileAtomic(const QString& path, const QByteArray& data, QString* error
         if (error) *error = f.errorString();
         return false;
     }
+    return true;
+}
+
+bool readUserFile(const QString& path, qint64 maxBytes, QByteArray& data, QString* error) {
+    auto fail = [&](const QString& why) {
+        if (error) *error = why;
+        return false;
+    };
+    data.clear();
+    if (path.startsWith(QLatin1Char(':'))) {
+        QFile f(path);
+        if (!f.open(QIODevice::ReadOnly)) return fail(f.errorString());
+        data = f.read(maxBytes + 1);
+        if (data.size() > maxBytes) return fail(QStringLiteral("larger than %1 bytes").arg(maxBytes));
+        return true;
+    }
+    const QByteArray native = QFile::encodeName(path);
+    const int fd = ::open(native.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+    if (fd < 0) return fail(QString::fromLocal8Bit(std::strerror(errno)));
+    struct Closer {
+        int fd;
+        ~Closer() { ::close(fd); }
+    } closer{fd};
+    struct stat st;
+    if (::fstat(fd, &st) != 0) return fail(QString::fromLocal8Bit(std::strerror(errno)));
+    if (!S_ISREG(st.st_mode)) return fail(QStringLiteral("not a regular file"));
+    if (st.st_size > maxBytes) return fail(QStringLiteral("larger than %1 bytes").arg(maxBytes));
+    // The size may change while reading: read up to one byte past the limit.
+    data.resize(int(st.st_size));
+    qint64 got = 0;
+    for (;;) {
+        if (got == data.size()) {
+            if (got > maxBytes) return fail(QStringLiteral("larger than %1 bytes").arg(maxBytes));
+            data.resize(int(std::min<qint64>(maxBytes + 1, got + 65536)));
+            if (got == data.size()) break;
+        }
+        const ssize_t n = ::read(fd, data.data() + got, size_t(data.size() - got));
+        if (n < 0) {
+            if (errno == EINTR) continue;
+            return fail(QString::fromLocal8Bit(std::strerror(errno)));
+        }
+        if (n == 0) break;
+        got += n;
+    }
+    if (got > maxBytes) return fail(QStringLiteral("larger than %1 bytes").arg(maxBytes));
+    data.resize(int(got));
     return true;
 }
 

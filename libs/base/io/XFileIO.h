@@ -9,6 +9,13 @@ namespace tav {
 // so a crash never leaves a half-written file. Creates the folder when missing.
 bool writeFileAtomic(const QString& path, const QByteArray& data, QString* error = nullptr);
 
+// Reads a whole user file (configuration, catalogue, stores). Only a regular
+// file of at most 'maxBytes' is read, and opening never blocks (a FIFO in its
+// place is refused, not waited on). Paths starting with ':' are resources.
+// False and a reason in 'error' otherwise.
+constexpr qint64 kMaxUserFileBytes = 64 * 1024 * 1024;
+bool readUserFile(const QString& path, qint64 maxBytes, QByteArray& data, QString* error = nullptr);
+
 // Renames 'path' to 'path.bad' (replacing an older one); returns the new name or empty.
 QString moveAside(const QString& path);
 

@@ -140,7 +140,14 @@ QString escapeText(const QString& s, bool attribute) {
         case '\r': out += QLatin1String("&#13;"); break;
         case '\t': out += attribute ? QLatin1String("&#9;") : QLatin1String("\t"); break;
         default:
-            if (c.unicode() < 0x20) continue;   // not representable in XML 1.0
+            // Not representable in XML 1.0: a reader would refuse the whole file.
+            if (c.unicode() < 0x20 || c.unicode() == 0xFFFE || c.unicode() == 0xFFFF) continue;
+            if (c.isHighSurrogate() && i + 1 < s.size() && s[i + 1].isLowSurrogate()) {
+                out += c;
+                out += s[++i];
+                continue;
+            }
+            if (c.isSurrogate()) continue;   // half of a pair
             out += c;
         }
     }
@@ -257,12 +264,9 @@ std::unique_ptr<XNode> XNode::fromXml(const QByteArray& raw, QString* error) {
 }
 
 std::unique_ptr<XNode> XNode::loadFromXml(const QString& path, QString* error) {
-    QFile f(path);
-    if (!f.open(QIODevice::ReadOnly)) {
-        if (error) *error = f.errorString();
-        return nullptr;
-    }
-    return fromXml(f.readAll(), error);
+    QByteArray data;
+    if (!readUserFile(path, kMaxUserFileBytes, data, error)) return nullptr;
+    return fromXml(data, error);
 }
 
 } // namespace tav

@@ -17,22 +17,11 @@ bool XMem::loadMem(const QString& path) {
         log(64, "XMem::loadMem <<<$>>> 404", path);
         return false;
     }
-    // Only regular files: a FIFO or device would block or never end.
-    if (!fi.isFile() || fi.size() > kMaxSize) {
-        setError(QStringLiteral("not a regular file of at most %1 bytes").arg(kMaxSize));
-        log(4, "XMem::loadMem <<<$>>> - $", path, errorText());
-        return false;
-    }
-    QFile f(path);
-    if (!f.open(QIODevice::ReadOnly)) {
-        setError(f.errorString());
-        log(4, "XMem::loadMem <<<$>>> - $", path, errorText());
-        return false;
-    }
-    // The size may have grown since it was checked.
-    QByteArray data = f.read(kMaxSize + 1);
-    if (f.error() != QFileDevice::NoError || data.size() > kMaxSize) {
-        setError(f.error() != QFileDevice::NoError ? f.errorString() : QStringLiteral("too large"));
+    // Only regular files, opened without blocking: a FIFO or device would block or never end.
+    QByteArray data;
+    QString err;
+    if (!readUserFile(path, kMaxSize, data, &err)) {
+        setError(err);
         log(4, "XMem::loadMem <<<$>>> - $", path, errorText());
         return false;
     }
