@@ -193,6 +193,34 @@ private slots:
         QVERIFY(QFileInfo(path + QStringLiteral(".bad")).exists());
         QFile::remove(path + QStringLiteral(".bad"));
     }
+
+    // Hostile nesting: refused on reading with a reason, and a deep tree built
+    // in memory is destroyed without running out of stack.
+    void deepNestingIsRefusedAndFreedWithoutRecursion() {
+        const int deep = 300000;
+        QByteArray xml;
+        xml.reserve(deep * 7);
+        for (int i = 0; i < deep; ++i) xml += "<a>";
+        for (int i = 0; i < deep; ++i) xml += "</a>";
+        QString err;
+        QVERIFY(!XNode::fromXml(xml, &err));
+        QVERIFY2(err.contains(QStringLiteral("nested deeper than")), qPrintable(err));
+
+        // Exactly at the limit still reads.
+        QByteArray ok;
+        for (int i = 0; i < XNode::kMaxDepth; ++i) ok += "<a>";
+        for (int i = 0; i < XNode::kMaxDepth; ++i) ok += "</a>";
+        auto atLimit = XNode::fromXml(ok, &err);
+        QVERIFY2(atLimit, qPrintable(err));
+        int levels = 1;
+        for (XNode* n = atLimit.get(); n->countChildren() == 1; n = n->child(0)) ++levels;
+        QCOMPARE(levels, XNode::kMaxDepth);
+
+        auto root = XNode::createRoot(QStringLiteral("a"));
+        XNode* n = root.get();
+        for (int i = 0; i < deep; ++i) n = n->createChild(QStringLiteral("a"));
+        root.reset();   // would overflow the stack with one destructor call per level
+    }
 };
 
 QTEST_GUILESS_MAIN(TestNode)

@@ -12,7 +12,17 @@ namespace tav {
 std::atomic<bool> XNode::atomicWriteFullEmptyTags{false};
 
 XNode::XNode(const QString& type, const QString& name) : type_(type), name_(name) {}
-XNode::~XNode() = default;
+// Children are taken apart with a list instead of each destructor calling the
+// next: a file of a few megabytes can nest deep enough to overflow the stack.
+XNode::~XNode() {
+    std::vector<std::unique_ptr<XNode>> pending = std::move(children_);
+    while (!pending.empty()) {
+        std::unique_ptr<XNode> n = std::move(pending.back());
+        pending.pop_back();
+        for (auto& c : n->children_) pending.push_back(std::move(c));
+        n->children_.clear();
+    }
+}
 
 std::unique_ptr<XNode> XNode::createRoot(const QString& type) { return std::make_unique<XNode>(type); }
 
@@ -227,9 +237,14 @@ std::unique_ptr<XNode> XNode::fromXml(const QByteArray& raw, QString* error) {
     QXmlStreamReader xml(escapeBareAmpersands(raw));
     std::unique_ptr<XNode> root;
     XNode* cur = nullptr;
+    int depth = 0;
     while (!xml.atEnd()) {
         const auto tok = xml.readNext();
         if (tok == QXmlStreamReader::StartElement) {
+            if (++depth > kMaxDepth) {
+                if (error) *error = QStringLiteral("line %1: elements nested deeper than %2 levels").arg(xml.lineNumber()).arg(kMaxDepth);
+                return nullptr;
+            }
             auto n = std::make_unique<XNode>(xml.name().toString());
             for (const auto& a : xml.attributes()) {
                 if (a.name() == QLatin1String("name")) n->name_ = a.value().toString();
@@ -246,6 +261,7 @@ std::unique_ptr<XNode> XNode::fromXml(const QByteArray& raw, QString* error) {
                 cur = cur->addNode(std::move(n));
             }
         } else if (tok == QXmlStreamReader::EndElement) {
+            --depth;
             if (cur) {
                 // Text between child elements is layout, not content.
                 if (!cur->children_.empty() && cur->text_.trimmed().isEmpty()) cur->text_.clear();

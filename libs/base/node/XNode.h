@@ -69,6 +69,9 @@ public:
     QByteArray toXml() const;
     // Whole and atomic; false when the file could not be written.
     bool saveNodeToXml(const QString& path) const;
+    // Deeper files are refused: the program's own never pass a dozen levels, and
+    // the recursive copy and writer must not run out of stack.
+    static constexpr int kMaxDepth = 256;
     // Null and an error text on failure. A bare '&' that starts no entity is kept as text.
     static std::unique_ptr<XNode> fromXml(const QByteArray& xml, QString* error = nullptr);
     static std::unique_ptr<XNode> loadFromXml(const QString& path, QString* error = nullptr);
