@@ -1,4 +1,5 @@
 #include "base/dir/XDirInfo.h"
+#include "base/io/XLineReaderDA.h"
 #include "base/thread/XThread.h"
 #include "common/TestEnv.h"
 
@@ -7,6 +8,8 @@
 #include <QtTest>
 #include <mutex>
 #include <linux/capability.h>
+#include <climits>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -105,21 +108,85 @@ private slots:
         QCOMPARE(di.countFiles.load(), 0u);
     }
 
+    // Unreadable folders beside and below readable ones with subfolders: each is
+    // skipped once, counted and named, and the walk ends.
     void unreadableFolderIsLoggedAndSkipped() {
         tftest::TestDir d;
         d.file(QStringLiteral("ok/a.txt"), "a");
+        d.file(QStringLiteral("ok/s1/c.txt"), "c");
+        d.file(QStringLiteral("ok/s2/locked3/f.txt"), "f");
         d.file(QStringLiteral("locked/b.txt"), "b");
-        const QByteArray locked = QFile::encodeName(d.abs(QStringLiteral("locked")));
-        QCOMPARE(::chmod(locked.constData(), 0), 0);
+        d.file(QStringLiteral("locked2/sub/e.txt"), "e");
+        const QStringList lockedRel{QStringLiteral("locked"), QStringLiteral("locked2"), QStringLiteral("ok/s2/locked3")};
+        for (const QString& rel : lockedRel) QCOMPARE(::chmod(QFile::encodeName(d.abs(rel)).constData(), 0), 0);
         tftest::LogCapture logs;
         tav::XDirInfo di;
         const bool ok = di.scan_dir(d.path());
-        ::chmod(locked.constData(), 0755);
-        if (::access(locked.constData(), R_OK) == 0 && ::geteuid() == 0 && di.countFiles.load() == 2)
+        auto unlock = [&] {
+            for (const QString& rel : lockedRel) ::chmod(QFile::encodeName(d.abs(rel)).constData(), 0755);
+        };
+        if (::geteuid() == 0 && di.countFiles.load() == 5) {
+            unlock();
             QSKIP("permissions are not enforced for this process");
+        }
         QVERIFY(ok);   // the folder itself was read
-        QCOMPARE(di.countFiles.load(), 1u);
-        QCOMPARE(logs.linesAtLevel(32).filter(QStringLiteral("XDirInfo::scan_dir, cannot read")).size(), 1);
+        QCOMPARE(di.countFiles.load(), 2u);
+        QCOMPARE(di.countUnreadableDirs.load(), 3u);
+        QStringList want;
+        for (const QString& rel : lockedRel) want << d.abs(rel);
+        want.sort();
+        QCOMPARE(di.unreadableDirs(), want);
+        QCOMPARE(logs.linesAtLevel(32).filter(QStringLiteral("XDirInfo::scan_dir, cannot read")).size(), 3);
+        // A fed scan sees the same.
+        int fed = 0;
+        tav::XFileFilter all;
+        QVERIFY(di.scan_dir_feed(d.path(), all, [&](const std::vector<QFileInfo*>& f, const std::vector<int64_t>&) { fed += int(f.size()); }));
+        unlock();
+        QCOMPARE(fed, 2);
+        QCOMPARE(di.countUnreadableDirs.load(), 3u);
+    }
+
+    // Paths longer than the system's limit are walked, and their files opened.
+    void foldersPastThePathLimitAreWalked() {
+        tftest::TestDir d;
+        const int levels = 2500;   // "/dd" each: 7,500 bytes below the test folder
+        int fd = ::open(QFile::encodeName(d.path()).constData(), O_RDONLY | O_DIRECTORY);
+        QVERIFY(fd >= 0);
+        for (int i = 0; i < levels; ++i) {
+            QCOMPARE(::mkdirat(fd, "dd", 0755), 0);
+            const int next = ::openat(fd, "dd", O_RDONLY | O_DIRECTORY);
+            ::close(fd);
+            QVERIFY(next >= 0);
+            fd = next;
+            if (i == levels / 2) {   // one file half-way, one at the bottom
+                const int f = ::openat(fd, "half.txt", O_WRONLY | O_CREAT, 0644);
+                QVERIFY(f >= 0);
+                ::close(f);
+            }
+        }
+        const int f = ::openat(fd, "deep.txt", O_WRONLY | O_CREAT, 0644);
+        QVERIFY(f >= 0);
+        QCOMPARE(::write(f, "the needle\n", 11), ssize_t(11));
+        ::close(f);
+        ::close(fd);
+
+        tav::XDirInfo di;
+        QVERIFY(di.scan_dir(d.path()));
+        QCOMPARE(di.countFiles.load(), 2u);
+        QCOMPARE(di.countDirs.load(), uint32_t(levels + 1));
+        QCOMPARE(di.countUnreadableDirs.load(), 0u);
+        di.setup_filtered_files(tav::XFileFilter(), true);
+        QCOMPARE(di.ar_filtered_files.size(), size_t(2));
+        const QString deep = di.ar_filtered_files[0]->absoluteFilePath();
+        QVERIFY(deep.endsWith(QStringLiteral("/dd/deep.txt")));
+        QVERIFY(deep.size() > PATH_MAX);
+        tav::XLineReaderDA reader;
+        QVERIFY(reader.openFile(deep, 0, false));
+        QCOMPARE(reader.getMemorySize(), uint64_t(11));
+        QCOMPARE(reader.lineAt(0), QStringLiteral("the needle"));
+
+        // QTemporaryDir cannot remove what it cannot name.
+        QProcess::execute(QStringLiteral("rm"), {QStringLiteral("-rf"), d.abs(QStringLiteral("dd"))});
     }
 
     void stopFlagEndsAScanAndIsClearedByTheNext() {

@@ -1,5 +1,6 @@
 #include "base/dir/XDirInfo.h"
 
+#include "base/io/XPaths.h"
 #include "base/log/Logger.h"
 #include "base/thread/XThread.h"
 #include "base/util/Format.h"
@@ -209,7 +210,7 @@ bool XDirInfo::scan(const QString& path, const XFileFilter* filter, const FileFe
 
             const bool isRoot = dir == root;
             // The given folder may be reached through a link; below it links are never followed.
-            const int fd = ::open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | (isRoot ? 0 : O_NOFOLLOW));
+            const int fd = openPath(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | (isRoot ? 0 : O_NOFOLLOW));
             // Whatever happens below, this folder's subfolders are its own: never
             // those of an earlier folder, whose strings were moved to the queue.
             found.clear();

@@ -1,6 +1,7 @@
 #include "base/io/XLineReaderDA.h"
 
 #include "base/find/XByteScan.h"
+#include "base/io/XPaths.h"
 
 #include <QFile>
 #include <algorithm>
@@ -76,7 +77,7 @@ bool XLineReaderDA::open(const QString& path, uint64_t probeBytes, bool checkBin
     path_ = path;
     const QByteArray native = QFile::encodeName(path);
     // O_NONBLOCK: a file swapped for a FIFO since the scan must not block the search.
-    const int fd = ::open(native.constData(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK | (knownSize >= 0 ? O_NOFOLLOW : 0));
+    const int fd = openPath(native.constData(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK | (knownSize >= 0 ? O_NOFOLLOW : 0));
     if (fd < 0) return false;
     if (knownSize >= 0) {
         // Reads stop at the known size, so even a device swapped in meanwhile

@@ -11,6 +11,11 @@ QDir get_absolute_config_dir();                               // created when mi
 QFileInfo get_absolute_config_file_path(const QString& name);
 QDir get_create_cache_dir();
 bool empty_out_cache_dir();                                   // removes everything inside
+// open(2) for an absolute path of any length: one past the system's limit is
+// opened in pieces below the limit, each relative to the folder before it.
+// -1 and errno as open(2) otherwise.
+int openPath(const char* path, int flags);
+
 // Directory of the running executable (with its file name when 'withName').
 QString get_exe_path(bool withName);
 
