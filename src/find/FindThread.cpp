@@ -4,6 +4,8 @@
 #include "src/find/TavFind.h"
 #include "src/find/ThreadControllerFind.h"
 
+#include <cstring>
+
 namespace tavFinder {
 
 namespace {
@@ -57,6 +59,9 @@ void FindThread::runCustom() {
             // Searching first lets a big file's lines be counted while its windows pass by.
             tav::find::XRamLayer layer = contentFilter.find(0, reader_);
             contentFilter.seekHome();
+            if (reader_.readError())   // the hits before the error still count
+                tav::log(4, "FindThread::runCustom, read error in <<<$>>> ($)", path,
+                         QString::fromLocal8Bit(std::strerror(reader_.readError())));
             tav::XFindStats::add(stats.countBytes, reader_.getMemorySize());
             if (pTavFind->flagCountLines) tav::XFindStats::add(stats.countLines, reader_.countLines());
             reader_.close();

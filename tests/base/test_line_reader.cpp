@@ -1,4 +1,5 @@
 #include "base/find/XByteScan.h"
+#include "base/find/XContentFilter.h"
 #include "base/io/XLineReaderDA.h"
 #include "common/TestEnv.h"
 
@@ -153,6 +154,61 @@ private slots:
         QVERIFY(!r.isBinary());
         QVERIFY(r.openFile(bp, 0x10000, false));
         QVERIFY(!r.isBinary());
+    }
+
+    // Holes of a sparse file are skipped, yet hits keep their file positions and
+    // the line count is that of the whole file (holes hold zeros, no line ends).
+    void sparseFilesAreSearchedByTheirDataOnly() {
+        tftest::TestDir d;
+        const QString path = d.abs(QStringLiteral("sparse.img"));
+        const uint64_t gib = uint64_t(1) << 30;
+        struct Piece {
+            uint64_t at;
+            QByteArray bytes;
+        };
+        auto make = [&](const std::vector<Piece>& pieces, uint64_t size) {
+            QFile f(path);
+            QVERIFY(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+            for (const Piece& p : pieces) {
+                QVERIFY(f.seek(qint64(p.at)));
+                QCOMPARE(f.write(p.bytes), qint64(p.bytes.size()));
+            }
+            QVERIFY(f.resize(qint64(size)));
+        };
+        const uint64_t size = 3 * gib;
+        make({{0, "alpha\n"}, {gib + 12345, "needle one\n"}, {size - 10, "needle two"}}, size);
+        struct stat st;
+        QCOMPARE(::stat(QFile::encodeName(path).constData(), &st), 0);
+        if (uint64_t(st.st_blocks) * 512 >= size) QSKIP("this file system stores no holes");
+
+        tav::find::XContentFilter filter;
+        QVERIFY(filter.createSymbols(QStringLiteral("needle"), false));
+        for (uint32_t scope : {0u, 1u}) {
+            filter.setScope(scope);
+            XLineReaderDA r;
+            r.setWindowSizes(128 << 10, 8 << 20);
+            QVERIFY(r.openFile(path, 0x10000, true));
+            QVERIFY(r.isBinary());   // zeros within the probe
+            const tav::find::XRamLayer marks = filter.find(0, r);
+            QCOMPARE(marks.size(), 2);
+            QCOMPARE(marks.marks()[0].pos(), int64_t(gib + 12345));
+            QCOMPARE(marks.marks()[1].pos(), int64_t(size - 10));
+            QCOMPARE(r.countLines(), uint64_t(3));
+            QCOMPARE(r.getMemorySize(), size);
+            QVERIFY(r.skippedHoleBytes() > size - gib);   // not read as zeros
+            QCOMPARE(r.readError(), 0);
+        }
+
+        // Starting and ending with a hole: the zeros after the last line end make a line.
+        make({{2 * gib, "x needle\n"}}, size);
+        XLineReaderDA r;
+        QVERIFY(r.openFile(path, 0x10000, true));
+        QVERIFY(r.isBinary());
+        const tav::find::XRamLayer marks = filter.find(0, r);
+        QCOMPARE(marks.size(), 1);
+        QCOMPARE(marks.marks()[0].pos(), int64_t(2 * gib + 2));
+        QCOMPARE(r.countLines(), uint64_t(2));
+        QFile::remove(path);
     }
 };
 

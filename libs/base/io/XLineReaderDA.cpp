@@ -16,6 +16,8 @@ namespace tav {
 namespace {
 constexpr size_t kMinCapacity = size_t(64) << 10;
 constexpr size_t kPassBlock = size_t(1) << 20;
+// Holes smaller than this are read as zeros: seeking costs more than reading them.
+constexpr uint64_t kMinHole = uint64_t(1) << 20;
 
 bool isBlankLine(const char* p, size_t n) {
     for (size_t i = 0; i < n; ++i) {
@@ -47,7 +49,10 @@ void XLineReaderDA::setWindowSizes(size_t bytes, size_t maxBytes) {
 void XLineReaderDA::close() {
     if (fd_ >= 0) ::close(fd_);
     fd_ = -1;
-    open_ = whole_ = binary_ = eof_ = sizeGiven_ = false;
+    open_ = whole_ = binary_ = eof_ = sizeGiven_ = sparse_ = holeAhead_ = false;
+    holeBytes_ = 0;
+    trailingHole_ = false;
+    readError_ = 0;
     fileSize_ = readPos_ = bufOffset_ = 0;
     len_ = emitted_ = 0;
     windowsDone_ = false;
@@ -94,16 +99,28 @@ bool XLineReaderDA::open(const QString& path, uint64_t probeBytes, bool checkBin
     }
     fd_ = fd;
     open_ = true;
+    // A large file with fewer blocks than bytes has holes: its windows skip them
+    // (a 10 GB file with a few words in it is searched in those words' time).
+    bool holeInProbe = false;
+    if (fileSize_ >= kMinHole) {
+        struct stat st;
+        if (::fstat(fd, &st) == 0 && uint64_t(st.st_blocks) * 512 + kMinHole <= uint64_t(st.st_size)) {
+            sparse_ = true;
+            const off_t hole = ::lseek(fd, 0, SEEK_HOLE);
+            holeInProbe = hole >= 0 && uint64_t(hole) < std::min<uint64_t>(probeBytes, fileSize_);
+        }
+    }
     if (!fill()) {
         close();
         return false;
     }
-    whole_ = eof_;
+    // Whole only when the buffer holds the file byte for byte from its start.
+    whole_ = eof_ && holeBytes_ == 0;
     if (whole_) {
         ::close(fd_);
         fd_ = -1;
     }
-    if (checkBinary) binary_ = std::memchr(buf_.get(), 0, size_t(std::min<uint64_t>(probeBytes, len_))) != nullptr;
+    if (checkBinary) binary_ = holeInProbe || std::memchr(buf_.get(), 0, size_t(std::min<uint64_t>(probeBytes, len_))) != nullptr;
     return true;
 }
 
@@ -116,8 +133,39 @@ void XLineReaderDA::reserve(size_t bytes) {
     cap_ = cap;
 }
 
+bool XLineReaderDA::skipHole() {
+    if (holeAhead_ && len_ > 0) return false;
+    const off_t data = ::lseek(fd_, off_t(readPos_), SEEK_DATA);
+    if (data < 0) {
+        if (errno == ENXIO) {   // only a hole up to the end
+            if (fileSize_ > readPos_) {
+                holeBytes_ += fileSize_ - readPos_;
+                trailingHole_ = true;
+            }
+            eof_ = true;
+        } else {
+            sparse_ = false;    // no hole information here: read everything
+        }
+        return eof_;
+    }
+    const uint64_t next = uint64_t(data);
+    if (next < readPos_ + kMinHole) {
+        holeAhead_ = false;
+        return false;
+    }
+    if (len_ > 0) {
+        holeAhead_ = true;      // hand out what is held first
+        return true;
+    }
+    holeBytes_ += next - readPos_;
+    readPos_ = bufOffset_ = next;
+    holeAhead_ = false;
+    return false;
+}
+
 bool XLineReaderDA::fill(size_t target) {
     while (len_ < target && !eof_) {
+        if (sparse_ && skipHole()) break;
         size_t want = target - len_;
         // Trust the size fstat gave: a small file needs no extra read to see its end.
         if (fileSize_ > 0 || sizeGiven_) {
@@ -128,8 +176,16 @@ bool XLineReaderDA::fill(size_t target) {
             want = size_t(std::min<uint64_t>(want, fileSize_ - readPos_));
         }
         reserve(len_ + want);
+        if (sparse_) {
+            // Read no further than the next hole.
+            const off_t hole = ::lseek(fd_, off_t(readPos_), SEEK_HOLE);
+            if (hole > off_t(readPos_)) want = size_t(std::min<uint64_t>(want, uint64_t(hole) - readPos_));
+        }
         const ssize_t r = preadFull(fd_, buf_.get() + len_, want, readPos_);
-        if (r < 0) return false;
+        if (r < 0) {
+            readError_ = errno;
+            return false;
+        }
         if (r == 0) {
             eof_ = true;
             break;
@@ -141,6 +197,8 @@ bool XLineReaderDA::fill(size_t target) {
 }
 
 bool XLineReaderDA::readFrom(uint64_t offset) {
+    holeAhead_ = trailingHole_ = false;
+    holeBytes_ = 0;
     len_ = 0;
     emitted_ = 0;
     bufOffset_ = readPos_ = offset;
@@ -181,8 +239,11 @@ void XLineReaderDA::handOut(Cut cut, Window& w) {
         if (boundary || len_ >= maxWindow_) break;
         // No line (or paragraph) ends in the window: it grows rather than cut one.
         // A failed read leaves the cut as it is; the next window reports the error.
+        // Before a hole it cannot grow: the window ends there.
+        const size_t held = len_;
         if (!fill(std::min(maxWindow_, std::max(len_ * 2, window_)))) break;
         n = len_;
+        if (len_ == held) break;
     }
     const bool last = eof_;
     w.data = buf_.get();
@@ -193,6 +254,7 @@ void XLineReaderDA::handOut(Cut cut, Window& w) {
     if (!linesKnown_) {
         newlines_ += bytescan::count_byte(buf_.get(), n, '\n');
         if (n) lastByte_ = buf_[n - 1];
+        if (last && trailingHole_) lastByte_ = 0;   // the file ends in zeros
     }
     if (last) {
         windowsDone_ = true;

@@ -53,6 +53,10 @@ public:
     size_t windowSize() const { return window_; }
     size_t maxWindowSize() const { return maxWindow_; }
     bool isWhole() const { return whole_; }
+    // A read failed after the file was opened (the windows ended early); errno's value.
+    int readError() const { return readError_; }
+    // Bytes of holes a sparse file's windows skipped (they hold only zeros).
+    uint64_t skippedHoleBytes() const { return holeBytes_; }
 
     // ---- windows for the content search ---------------------------------------------
     enum Cut { CUT_LINE, CUT_PARAGRAPH };
@@ -71,6 +75,7 @@ private:
     bool open(const QString& path, uint64_t probeBytes, bool checkBinary, int64_t knownSize);
     bool fill() { return fill(window_); }
     bool fill(size_t target);                 // reads until the buffer holds 'target' bytes or the file ends
+    bool skipHole();                          // at a hole: past it when the buffer is empty, else stop there
     bool readFrom(uint64_t offset);           // restarts the buffer at a file position
     void reserve(size_t bytes);
     // Where the window ends; 'boundary' false when it had to cut a line (or a paragraph).
@@ -87,6 +92,11 @@ private:
     bool eof_ = false;
     uint64_t fileSize_ = 0;      // from fstat (0: read to the end) or from the caller
     bool sizeGiven_ = false;     // fileSize_ came from the caller and bounds every read
+    bool sparse_ = false;        // holes are skipped instead of read as zeros
+    bool holeAhead_ = false;     // the buffer ends where a hole begins
+    bool trailingHole_ = false;  // the file ends in a hole
+    uint64_t holeBytes_ = 0;
+    int readError_ = 0;
     uint64_t readPos_ = 0;       // file position of the next read
     size_t window_ = DEFAULT_WINDOW;
     size_t maxWindow_ = DEFAULT_WINDOW;
