@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QFile>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 
 using namespace tav;
@@ -52,11 +53,18 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const QByteArray once = n->toXml();
     QString err;
     auto again = XNode::fromXml(once, &err);
-    if (!again) std::abort();
+    if (!again) {
+        std::fprintf(stderr, "written XML does not read: %s\n%s\n", qPrintable(err), once.constData());
+        std::abort();
+    }
     const QByteArray twice = again->toXml();
     auto third = XNode::fromXml(twice);
-    if (!third || third->toXml() != twice) std::abort();
+    auto fail = [&](const char* what) {
+        std::fprintf(stderr, "%s\n--- once:\n%s\n--- twice:\n%s\n", what, once.constData(), twice.constData());
+        std::abort();
+    };
+    if (!third || third->toXml() != twice) fail("does not settle");
     auto copy = n->deepCopy();
-    if (copy->toXml() != once) std::abort();
+    if (copy->toXml() != once) fail("copy differs");
     return 0;
 }

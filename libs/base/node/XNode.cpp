@@ -4,7 +4,6 @@
 #include "base/log/Logger.h"
 
 #include <QFile>
-#include <QRegularExpression>
 #include <QXmlStreamReader>
 
 namespace tav {
@@ -127,12 +126,40 @@ void XNode::remove_all_pointer() {
     for (auto& c : children_) c->remove_all_pointer();
 }
 
+namespace {
+// Whether p[0] == '&' starts what an XML reader takes for an entity or a
+// character reference: "&#123;", "&#x1F;" or "&name;". The writer escapes
+// exactly these and the reader keeps every other '&' as text, so the two
+// always agree on what a written file means.
+inline int code(QChar c) { return c.unicode(); }
+inline int code(char c) { return static_cast<unsigned char>(c); }
+
+template <typename C>
+bool isEntityAt(const C* p, size_t n) {
+    auto at = [&](size_t i) -> int { return i < n ? code(p[i]) : -1; };
+    auto digit = [](int c) { return c >= '0' && c <= '9'; };
+    auto hex = [&](int c) { return digit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); };
+    auto alpha = [](int c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
+    size_t i = 1;
+    if (at(i) == '#') {
+        ++i;
+        const bool isHex = at(i) == 'x';
+        if (isHex) ++i;
+        const size_t start = i;
+        while (isHex ? hex(at(i)) : digit(at(i))) ++i;
+        return i > start && at(i) == ';';
+    }
+    if (!alpha(at(i))) return false;
+    ++i;
+    while (alpha(at(i)) || digit(at(i)) || at(i) == '.' || at(i) == '_' || at(i) == '-') ++i;
+    return at(i) == ';';
+}
+
+bool looksLikeEntity(const QString& s, int amp) { return isEntityAt(s.constData() + amp, size_t(s.size() - amp)); }
+}
+
 // ---- writing -------------------------------------------------------------------
 namespace {
-bool looksLikeEntity(const QString& s, int amp) {
-    static const QRegularExpression re(QStringLiteral("^&(#[0-9]+|#x[0-9a-fA-F]+|[A-Za-z][A-Za-z0-9]*);"));
-    return re.match(s.mid(amp, 16)).hasMatch();
-}
 
 // A bare '&' stays bare (so accelerators such as "&add" read naturally in the
 // file); only an '&' that would read back as an entity is escaped.
@@ -215,17 +242,13 @@ bool XNode::saveNodeToXml(const QString& path) const {
 // ---- reading -------------------------------------------------------------------
 namespace {
 QByteArray escapeBareAmpersands(const QByteArray& in) {
-    static const QRegularExpression re(QStringLiteral("^&(#[0-9]+|#x[0-9a-fA-F]+|[A-Za-z][A-Za-z0-9._-]*);"));
     if (!in.contains('&')) return in;
     QByteArray out;
     out.reserve(in.size() + 64);
     for (int i = 0; i < in.size(); ++i) {
-        if (in[i] == '&') {
-            const QString head = QString::fromLatin1(in.mid(i, 24));
-            if (!re.match(head).hasMatch()) {
-                out += "&amp;";
-                continue;
-            }
+        if (in[i] == '&' && !isEntityAt(in.constData() + i, size_t(in.size() - i))) {
+            out += "&amp;";
+            continue;
         }
         out += in[i];
     }
@@ -258,6 +281,13 @@ std::unique_ptr<XNode> XNode::fromXml(const QByteArray& raw, QString* error) {
                 root = std::move(n);
                 cur = root.get();
             } else {
+                // The writer puts a line end and indentation between an element's
+                // text and its first child: that layout is not part of the text.
+                if (cur->children_.empty()) {
+                    int end = cur->text_.size();
+                    while (end > 0 && cur->text_[end - 1].isSpace()) --end;
+                    cur->text_.truncate(end);
+                }
                 cur = cur->addNode(std::move(n));
             }
         } else if (tok == QXmlStreamReader::EndElement) {

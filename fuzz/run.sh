@@ -1,0 +1,27 @@
+#!/usr/bin/env bash
+# Builds the libFuzzer targets (clang, AddressSanitizer) into build-fuzz, makes
+# each target's seed corpus and runs every target for TF_FUZZ_SECONDS (default
+# 600) in turn. Usage: fuzz/run.sh [target ...]   (default: all of them)
+# A crash leaves crash-* in build-fuzz/out/<target>/; replay it with
+# build-fuzz/<target> <file>.
+source "$(dirname "$0")/../scripts/common.sh"
+tf_install_missing clang libclang-rt-14-dev
+B="$TF_ROOT/build-fuzz"
+targets=("$@")
+[ ${#targets[@]} -gt 0 ] || targets=(fuzz_xtree fuzz_node fuzz_expression fuzz_userdata)
+if [ ! -f "$B/CMakeCache.txt" ]; then
+  CC=clang CXX=clang++ cmake -S "$TF_ROOT" -B "$B" -DTF_FUZZ=ON -DTF_BUILD_TESTS=OFF -DTF_SANITIZE=address \
+    -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+fi
+cmake --build "$B" -j"$(nproc)" --target "${targets[@]}" >/dev/null
+secs="${TF_FUZZ_SECONDS:-600}"
+for t in "${targets[@]}"; do
+  corpus="$B/corpus/$t"
+  out="$B/out/$t"
+  mkdir -p "$corpus" "$out"
+  TF_FUZZ_SEEDS="$corpus" "$B/$t" >/dev/null 2>&1
+  echo "== $t: $(ls "$corpus" | wc -l) inputs in the corpus, $secs s"
+  # Leaks are errors (ASan's leak check runs at exit and after each crash).
+  (cd "$out" && "$B/$t" -max_total_time="$secs" -rss_limit_mb=2048 -timeout=10 -print_final_stats=1 \
+      "$corpus" 2>&1 | grep -E "^(stat::|Done|SUMMARY)|ERROR|crash-|leak-|timeout-|slow-unit" | grep -vE "stat::(peak|slowest|new_units_added)")
+done
