@@ -21,7 +21,9 @@ for t in "${targets[@]}"; do
   mkdir -p "$corpus" "$out"
   TF_FUZZ_SEEDS="$corpus" "$B/$t" >/dev/null 2>&1
   echo "== $t: $(ls "$corpus" | wc -l) inputs in the corpus, $secs s"
-  # Leaks are errors (ASan's leak check runs at exit and after each crash).
+  # Leaks are errors too (AddressSanitizer's leak check runs at exit).
   (cd "$out" && "$B/$t" -max_total_time="$secs" -rss_limit_mb=2048 -timeout=10 -print_final_stats=1 \
-      "$corpus" 2>&1 | grep -E "^(stat::|Done|SUMMARY)|ERROR|crash-|leak-|timeout-|slow-unit" | grep -vE "stat::(peak|slowest|new_units_added)")
+      "$corpus" > "$out/log" 2>&1) || echo "   FAILED: see $out/log"
+  grep -E "cov:" "$out/log" | tail -1 || true
+  grep -E "^stat::(number_of_executed_units|average_exec_per_sec|peak_rss_mb)|ERROR|SUMMARY|crash-|leak-|timeout-" "$out/log" || true
 done
