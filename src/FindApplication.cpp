@@ -1,4 +1,5 @@
 #include "src/FindApplication.h"
+#include "src/StartPath.h"
 #include "src/find/CommandFind.h"
 
 #include "base/env/Env.h"
@@ -36,9 +37,11 @@ const bool kLibInfo = tav::XAdditionalLibInfos::addLibInfo(
     tav::fill("TavFinder $ - build at $ / $", QString::fromLatin1(TAVFINDER_VERSION), buildDate(), buildTime()), false);
 
 // The command table: "app" here, the developer commands where they are built.
-const tav::TestGuiContextAdder kApp(&FindApplication::tavFind, QStringLiteral("app"), QString());
+const tav::TestGuiContextAdder kApp(&FindApplication::tavFind, QStringLiteral("app"), QString(), false,
+                                    {QString(), QStringLiteral("file=file,dir=folder"), true});
 const tav::TestGuiContextAdder kFind([](tav::KernelGUI& k) { return runFindCommand(k.commandLine()); }, QStringLiteral("find"),
-                                     QString(), true);
+                                     QString(), true, findCommandKeys());
+
 }
 
 void set_env_variables() {
@@ -90,12 +93,15 @@ int FindApplication::tavFind(tav::KernelGUI& kernel) {
     cfg().fromNode(nApp->getCreateNode(QStringLiteral("Config")));
     // 6
     tav::CommandLine& cl = kernel.commandLine();
-    cl.addOptionalKeys(QStringLiteral("file"));
     if (!cl.checkKeys()) {
         log(4, "Keys !");
         return 1;
     }
-    QString sFile = cl.getString(QStringLiteral("file"), QString());
+    QString sFile, error;
+    if (!start_path(cl, sFile, error)) {
+        tav::Logger::printToCerr(error);
+        return 2;
+    }
     log(32, "FindApplication::tavFind <<<$>>>", sFile);
     // 7
     if (sFile.isEmpty() && cfg().flagUseStartFolder) sFile = cfg().sStartFolder;

@@ -5,8 +5,25 @@
 #include "gui/kernel/KernelGUI.h"
 #include "gui/kernel/XRuntime.h"
 #include "src/FindApplication.h"
+#include "src/StartPath.h"
+
+#include <vector>
 
 int main(int argc, char** argv, char** envp) {
+    // "talvofinder PATH" runs as "talvofinder app --dir PATH"; the words live
+    // as long as the process, a restart re-executes them.
+    QStringList words;
+    for (int i = 0; i < argc; ++i) words << QString::fromLocal8Bit(argv[i]);
+    const QStringList args = tavFinder::args_for_path(words);
+    static std::vector<QByteArray> bytes;
+    static std::vector<char*> ptrs;
+    if (args != words) {
+        for (const QString& a : args) bytes.push_back(a.toLocal8Bit());
+        for (QByteArray& b : bytes) ptrs.push_back(b.data());
+        ptrs.push_back(nullptr);
+        argc = int(args.size());
+        argv = ptrs.data();
+    }
     tav::signal_handler_memory_alarm();
     tav::TavLibraries::addLib(2070, QStringLiteral("FIND"));
     tavFinder::set_env_variables();

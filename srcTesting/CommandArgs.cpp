@@ -16,9 +16,7 @@ const QString kStartDir = QDir::currentPath();
 
 QFileInfo callerPath(const QString& path) { return QFileInfo(QDir(kStartDir), path); }
 
-bool keysOk(tav::CommandLine& cl, const QString& must, const QString& optional, const QString& usage) {
-    if (!must.isEmpty()) cl.addMustHaveKeys(must);
-    if (!optional.isEmpty()) cl.addOptionalKeys(optional);
+bool keysOk(tav::CommandLine& cl, const QString& usage) {
     if (cl.checkKeys()) return true;
     cl.showExample(usage);
     return false;

@@ -15,9 +15,9 @@ namespace devcmd {
 // changes into the program's folder before a command runs).
 QFileInfo callerPath(const QString& path);
 
-// Declares the mandatory and optional keys and checks them; when they do not
-// check, prints 'usage' and returns false (the command then ends with 6).
-bool keysOk(tav::CommandLine& cl, const QString& must, const QString& optional, const QString& usage);
+// Checks the keys the command was registered with; when they do not check,
+// prints 'usage' and returns false (the command then ends with 6).
+bool keysOk(tav::CommandLine& cl, const QString& usage);
 
 // True when 'fi' is an existing file (or, with 'folder', an existing folder);
 // otherwise logs 'missing' (a template with one '$' for the path) as an error.

@@ -17,7 +17,6 @@ const QString kStartDir = QDir::currentPath();
 int dirInfo(tav::KernelGUI& kernel) {
     tav::Logger::setLogLevelSimple(5);
     tav::CommandLine& cl = kernel.commandLine();
-    cl.addMustHaveKeys(QStringLiteral("open"));
     if (!cl.checkKeys()) {
         cl.showExample(QStringLiteral("--open /data/myData"));
         return 6;
@@ -38,6 +37,7 @@ int dirInfo(tav::KernelGUI& kernel) {
     return ok ? 0 : 1;
 }
 
-const tav::TestGuiContextAdder kDirInfo(&dirInfo, QStringLiteral("dirInfo"), QString(), true);
+const tav::TestGuiContextAdder kDirInfo(&dirInfo, QStringLiteral("dirInfo"), QString(), true,
+                                         {QStringLiteral("open=folder"), QString()});
 
 } // namespace

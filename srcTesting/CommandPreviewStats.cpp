@@ -13,8 +13,7 @@ namespace {
 
 int previewStats(tav::KernelGUI& kernel) {
     tav::CommandLine& cl = kernel.commandLine();
-    if (!tavFinder::devcmd::keysOk(cl, QStringLiteral("file"), QString(),
-                                   QStringLiteral("--file /tmp/bla.txt")))
+    if (!tavFinder::devcmd::keysOk(cl, QStringLiteral("--file /tmp/bla.txt")))
         return 6;
     const QFileInfo fi = tavFinder::devcmd::callerPath(cl.getStringExt(QStringLiteral("file")));
     if (!tavFinder::devcmd::exists(fi, false, "file '$' does not exist")) return 1;
@@ -27,6 +26,7 @@ int previewStats(tav::KernelGUI& kernel) {
     return rc;
 }
 
-const tav::TestGuiContextAdder kPreviewStats(&previewStats, QStringLiteral("preview.stats"), QString());
+const tav::TestGuiContextAdder kPreviewStats(&previewStats, QStringLiteral("preview.stats"), QString(), false,
+                                              {QStringLiteral("file=file"), QString()});
 
 } // namespace

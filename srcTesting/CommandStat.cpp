@@ -72,9 +72,6 @@ bool readFlag(const tav::CommandLine& cl, const QString& key, bool def, bool& ou
 
 int commandStat(tav::KernelGUI& kernel) {
     tav::CommandLine& cl = kernel.commandLine();
-    cl.addMustHaveKeys(QStringLiteral("file,treat"));
-    // "delim" and "logTrailler" appear in the usage examples, so they must pass the check.
-    cl.addOptionalKeys(QStringLiteral("lineLenMax,filterDelimiter,wordLen,show,delim,logTrailler"));
     uint64_t lineLenMax = 0, show = 0, wordLen = 0;
     bool filterDelimiter = true, logTrailler = true;
     const QString showText = cl.getString(QStringLiteral("show")).trimmed();
@@ -129,7 +126,10 @@ int commandStat(tav::KernelGUI& kernel) {
     return 0;
 }
 
-const tav::TestGuiContextAdder kStat(&commandStat, QStringLiteral("stat"), QString(), true);
+const tav::TestGuiContextAdder kStat(&commandStat, QStringLiteral("stat"), QString(), true,
+    // "delim" and "logTrailler" appear in the usage examples, so they must pass the check.
+    {QStringLiteral("file=file,treat=QChar|Word"),
+     QStringLiteral("lineLenMax,filterDelimiter=true|false,wordLen,show,delim,logTrailler=true|false"), true});
 
 } // namespace
 } // namespace tavFinder

@@ -10,8 +10,7 @@ namespace {
 
 int winProperties(tav::KernelGUI& kernel) {
     tav::CommandLine& cl = kernel.commandLine();
-    if (!tavFinder::devcmd::keysOk(cl, QStringLiteral("file"), QStringLiteral("find"),
-                                   QStringLiteral("--file /data/myData/hello.jpg [--find Vector3]")))
+    if (!tavFinder::devcmd::keysOk(cl, QStringLiteral("--file /data/myData/hello.jpg [--find Vector3]")))
         return 6;
     const QFileInfo fi = tavFinder::devcmd::callerPath(cl.getStringExt(QStringLiteral("file")));
     if (!tavFinder::devcmd::exists(fi, false, "file <<<$>>> does not exist")) return 1;
@@ -19,5 +18,6 @@ int winProperties(tav::KernelGUI& kernel) {
     if (!tavFinder::WinProperties::open_window(fi)) return 1;
     return kernel.exec();
 }
-const tav::TestGuiContextAdder kWinProperties(&winProperties, QStringLiteral("winProperties"), QString());
+const tav::TestGuiContextAdder kWinProperties(&winProperties, QStringLiteral("winProperties"), QString(), false,
+                                                {QStringLiteral("file=file"), QStringLiteral("find")});
 }

@@ -13,8 +13,7 @@ namespace {
 
 int winView(tav::KernelGUI& kernel) {
     tav::CommandLine& cl = kernel.commandLine();
-    if (!tavFinder::devcmd::keysOk(cl, QStringLiteral("file"), QStringLiteral("find,stats"),
-                                   QStringLiteral("--file /data/myData/hello.jpg [--find Vector3]")))
+    if (!tavFinder::devcmd::keysOk(cl, QStringLiteral("--file /data/myData/hello.jpg [--find Vector3]")))
         return 6;
     const QFileInfo fi = tavFinder::devcmd::callerPath(cl.getStringExt(QStringLiteral("file")));
     if (!tavFinder::devcmd::exists(fi, false, "file <<<$>>> does not exist")) return 1;
@@ -31,6 +30,7 @@ int winView(tav::KernelGUI& kernel) {
     return kernel.exec();
 }
 
-const tav::TestGuiContextAdder kWinView(&winView, QStringLiteral("winView"), QString());
+const tav::TestGuiContextAdder kWinView(&winView, QStringLiteral("winView"), QString(), false,
+                                          {QStringLiteral("file=file"), QStringLiteral("find,stats=true|false")});
 
 } // namespace

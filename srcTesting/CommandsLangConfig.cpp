@@ -48,7 +48,6 @@ int diaShowFirstMessage(tav::KernelGUI&) {
 int winLang(tav::KernelGUI& kernel) {
     tav::Logger::setLogLevelSimple(5);
     tav::CommandLine& cl = kernel.commandLine();
-    cl.addOptionalKeys(QStringLiteral("file"));
     if (!cl.checkKeys()) {
         cl.showExample(QStringLiteral("--file /tmp/myLang.xml"));
         return 1;
@@ -79,7 +78,8 @@ int winLang(tav::KernelGUI& kernel) {
 
 const tav::TestGuiContextAdder kDiaConfig(&diaConfig, QStringLiteral("dia.config"), QString());
 const tav::TestGuiContextAdder kDiaFirst(&diaShowFirstMessage, QStringLiteral("dia.showFirstMessage"), QString());
-const tav::TestGuiContextAdder kWinLang(&winLang, QStringLiteral("winLang"), QString());
+const tav::TestGuiContextAdder kWinLang(&winLang, QStringLiteral("winLang"), QString(), false,
+                                         {QString(), QStringLiteral("file=file")});
 
 } // namespace
 } // namespace tavFinder

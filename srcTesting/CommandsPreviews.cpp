@@ -50,8 +50,7 @@ std::unordered_set<QString> textExtensions() {
 
 int dirPreviewSimple(tav::KernelGUI& kernel) {
     tav::CommandLine& cl = kernel.commandLine();
-    if (!keysOk(cl, QString(), QStringLiteral("select,openDir"),
-                QStringLiteral("[--openDir /tmp] [--select true]")))
+    if (!keysOk(cl, QStringLiteral("[--openDir /tmp] [--select true]")))
         return 6;
     windowCommandSetup();
     QString dir = cl.hasKey(QStringLiteral("openDir")) ? callerPath(cl.getString(QStringLiteral("openDir"))).absoluteFilePath()
@@ -79,7 +78,7 @@ int dirPreviewSimple(tav::KernelGUI& kernel) {
 
 int previewAscii(tav::KernelGUI& kernel) {
     tav::CommandLine& cl = kernel.commandLine();
-    if (!keysOk(cl, QStringLiteral("file"), QString(), QStringLiteral("--file /tmp/bla.txt"))) return 6;
+    if (!keysOk(cl, QStringLiteral("--file /tmp/bla.txt"))) return 6;
     const QFileInfo fi = callerPath(cl.getStringExt(QStringLiteral("file")));
     if (!exists(fi, false, "file '$' does not exist")) return 1;
     windowCommandSetup();
@@ -101,8 +100,7 @@ int previewAscii(tav::KernelGUI& kernel) {
 
 int previewDir(tav::KernelGUI& kernel) {
     tav::CommandLine& cl = kernel.commandLine();
-    if (!keysOk(cl, QStringLiteral("dir"), QStringLiteral("hiddenFiles"),
-                QStringLiteral("--dir /tmp --hiddenFiles true")))
+    if (!keysOk(cl, QStringLiteral("--dir /tmp --hiddenFiles true")))
         return 6;
     const QFileInfo dir = callerPath(cl.getString(QStringLiteral("dir")));
     if (!exists(dir, true, "folder '$' does not exist")) return 1;
@@ -134,8 +132,7 @@ int previewDir(tav::KernelGUI& kernel) {
 
 int previewHex(tav::KernelGUI& kernel) {
     tav::CommandLine& cl = kernel.commandLine();
-    if (!keysOk(cl, QStringLiteral("file"), QStringLiteral("flagMemory"),
-                QStringLiteral("--file /tmp/bla.txt --flagMemory TRUE")))
+    if (!keysOk(cl, QStringLiteral("--file /tmp/bla.txt --flagMemory TRUE")))
         return 6;
     const QFileInfo fi = callerPath(cl.getStringExt(QStringLiteral("file")));
     if (!exists(fi, false, "file '$' does not exist")) return 1;
@@ -164,8 +161,7 @@ int previewHex(tav::KernelGUI& kernel) {
 
 int testThumbs(tav::KernelGUI& kernel) {
     tav::CommandLine& cl = kernel.commandLine();
-    if (!keysOk(cl, QStringLiteral("open"), QStringLiteral("size,hiddenFiles"),
-                QStringLiteral("--open /data/myData")))
+    if (!keysOk(cl, QStringLiteral("--open /data/myData")))
         return 6;
     const QFileInfo dir = callerPath(cl.getString(QStringLiteral("open")));
     if (!exists(dir, true, "folder '$' does not exist")) return 1;
@@ -258,11 +254,16 @@ int filterProxy(tav::KernelGUI& kernel) {
     return kernel.exec();
 }
 
-const tav::TestGuiContextAdder kDirSimple(&dirPreviewSimple, QStringLiteral("misc.dir_preview_simple"), QString());
-const tav::TestGuiContextAdder kAscii(&previewAscii, QStringLiteral("preview.ascii"), QString());
-const tav::TestGuiContextAdder kDir(&previewDir, QStringLiteral("preview.dir"), QString());
-const tav::TestGuiContextAdder kHex(&previewHex, QStringLiteral("preview.hex"), QString());
-const tav::TestGuiContextAdder kThumbs(&testThumbs, QStringLiteral("testThumbs"), QString());
+const tav::TestGuiContextAdder kDirSimple(&dirPreviewSimple, QStringLiteral("misc.dir_preview_simple"), QString(), false,
+                                         {QString(), QStringLiteral("select=true|false,openDir=folder")});
+const tav::TestGuiContextAdder kAscii(&previewAscii, QStringLiteral("preview.ascii"), QString(), false,
+                                     {QStringLiteral("file=file"), QString()});
+const tav::TestGuiContextAdder kDir(&previewDir, QStringLiteral("preview.dir"), QString(), false,
+                                   {QStringLiteral("dir=folder"), QStringLiteral("hiddenFiles=true|false")});
+const tav::TestGuiContextAdder kHex(&previewHex, QStringLiteral("preview.hex"), QString(), false,
+                                   {QStringLiteral("file=file"), QStringLiteral("flagMemory=true|false")});
+const tav::TestGuiContextAdder kThumbs(&testThumbs, QStringLiteral("testThumbs"), QString(), false,
+                                      {QStringLiteral("open=folder"), QStringLiteral("size,hiddenFiles=true|false")});
 const tav::TestGuiContextAdder kTree(&treeViewDirs, QStringLiteral("qtreeViewDirs"), QString());
 const tav::TestGuiContextAdder kProxy(&filterProxy, QStringLiteral("filterProxy"), QString());
 

@@ -27,8 +27,7 @@ QString absoluteDir(const QString& path) { return tavFinder::devcmd::callerPath(
 
 int resultFullWindow(tav::KernelGUI& kernel) {
     tav::CommandLine& cl = kernel.commandLine();
-    if (!keysOk(cl, QStringLiteral("open,find"), QStringLiteral("regex"),
-                QStringLiteral("--open /data/myData --find hallo")))
+    if (!keysOk(cl, QStringLiteral("--open /data/myData --find hallo")))
         return 6;
     tavFinder::devcmd::windowCommandSetup();
     const QString sDir = absoluteDir(cl.getString(QStringLiteral("open")));
@@ -76,8 +75,7 @@ int resultFullWindow(tav::KernelGUI& kernel) {
 
 int resultScanWindow(tav::KernelGUI& kernel) {
     tav::CommandLine& cl = kernel.commandLine();
-    if (!keysOk(cl, QStringLiteral("dir"), QStringLiteral("sPattern,snPattern,flagTextFiles"),
-                QStringLiteral("--dir /data/myData [--sPattern *bla* --snPattern mist --flagTextFiles true]")))
+    if (!keysOk(cl, QStringLiteral("--dir /data/myData [--sPattern *bla* --snPattern mist --flagTextFiles true]")))
         return 6;
     tavFinder::devcmd::windowCommandSetup();
     const QString dir = absoluteDir(cl.getString(QStringLiteral("dir")));
@@ -115,7 +113,9 @@ int resultScanWindow(tav::KernelGUI& kernel) {
     return kernel.exec();
 }
 
-const tav::TestGuiContextAdder kFull(&resultFullWindow, QStringLiteral("result_full_Window"), QString());
-const tav::TestGuiContextAdder kScan(&resultScanWindow, QStringLiteral("result_scan_Window"), QString());
+const tav::TestGuiContextAdder kFull(&resultFullWindow, QStringLiteral("result_full_Window"), QString(), false,
+                                    {QStringLiteral("open=folder,find"), QStringLiteral("regex=true|false")});
+const tav::TestGuiContextAdder kScan(&resultScanWindow, QStringLiteral("result_scan_Window"), QString(), false,
+                                    {QStringLiteral("dir=folder"), QStringLiteral("sPattern,snPattern,flagTextFiles=true|false")});
 
 } // namespace

@@ -88,11 +88,19 @@ bool readSize(const tav::CommandLine& cl, const QString& key, bool& given, uint6
 
 } // namespace
 
+tav::CommandKeys findCommandKeys() {
+    return {QStringLiteral("dir=folder"),
+            QStringLiteral("find,regex=true|false,scope=File|Paragraph|Sentence,pattern,npattern,textFiles=true|false,"
+                           "hidden=true|false,minSize,maxSize,threads,show=files|count|hits,countLines=true|false"),
+            true};
+}
+
 int runFindCommand(tav::CommandLine& cl) {
     const int64_t timeStart = tav::getMicroseconds();
-    cl.addMustHaveKeys(QStringLiteral("dir"));
-    cl.addOptionalKeys(
-        QStringLiteral("find,regex,scope,pattern,npattern,textFiles,hidden,minSize,maxSize,threads,show,countLines"));
+    // Also started by main() without the registry: declare the keys here.
+    const tav::CommandKeys keys = findCommandKeys();
+    cl.addMustHaveKeys(keys.must);
+    cl.addOptionalKeys(keys.optional);
     if (!cl.checkKeys()) return badInput(cl.lastError());
 
     QString error;

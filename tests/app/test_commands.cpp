@@ -93,6 +93,7 @@ private slots:
         const QString a = data.abs(QStringLiteral("a.txt"));
         const std::vector<Case> cases = {
             {"app", {"app"}, 0, {}, "tavFinder::WinFinder"},
+            {"completion", {"completion"}, 0, {"complete -F _talvofinder talvofinder talvofinder-app", "'find --scope')"}, ""},
             {"apps.edit", {"apps.edit"}, 0, {}, "tavFinder::WinEditorApps"},
             {"apps.run", {"apps.run"}, 0, {}, "tav::XTestWindow 'Run Program'"},
             {"dia.config", {"dia.config"}, 0, {"dialog cancelled"}, "tavFinder::DiaTavFinderConfig"},
@@ -164,6 +165,7 @@ private slots:
             {"preview.hex missing file", {"preview.hex", "--file", gone, "--flagMemory", "true"}, 1,
              {"file '" + gone + "' does not exist"}, ""},
             {"unknown", {"no.such.command"}, 2, {"unknown command 'no.such.command'"}, ""},
+            {"completion for another shell", {"completion", "--shell", "fish"}, 2, {"usage: talvofinder completion"}, ""},
         };
         runAll(cases);
     }

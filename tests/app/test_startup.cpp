@@ -4,8 +4,14 @@
 #include "base/kernel/Kernel.h"
 #include "common/TestEnv.h"
 #include "src/FindApplication.h"
+#include "src/StartPath.h"
 
 #include <QtTest>
+
+namespace {
+// Where the test was started: set_env_variables() changes the folder later.
+const QString kStartDir = QDir::currentPath();
+}
 
 class TestStartup : public QObject {
     Q_OBJECT
@@ -77,6 +83,44 @@ private slots:
         if (!first.waitForFinished(5000)) {
             first.kill();
             first.waitForFinished(5000);
+        }
+    }
+
+    // A file manager's "Open with" passes a path where a command would be.
+    void pathInPlaceOfCommandOpensTheFinderThere() {
+        tftest::TestDir data;
+        const QString dir = data.dir(QStringLiteral("open me"));
+        const QString file = data.file(QStringLiteral("open me/a.txt"), "x");
+        const QString p0 = QStringLiteral("talvofinder");
+        using tavFinder::args_for_path;
+        QCOMPARE(args_for_path({p0, dir}), (QStringList{p0, "app", "--dir", dir}));
+        QCOMPARE(args_for_path({p0, file}), (QStringList{p0, "app", "--dir", file}));
+        // Relative to where the program was started.
+        const QString rel = QDir(kStartDir).relativeFilePath(dir);
+        QCOMPARE(args_for_path({p0, rel}).value(3), dir);
+        // A slash makes a path even when nothing is there, so "app" can say so.
+        QCOMPARE(args_for_path({p0, "gone/x"}), (QStringList{p0, "app", "--dir", QDir(kStartDir).absoluteFilePath("gone/x")}));
+        // Commands, keys and unknown words stay as they are.
+        for (const QStringList& same : {QStringList{p0}, QStringList{p0, "find", "--dir", dir}, QStringList{p0, "--file", dir},
+                                        QStringList{p0, "no.such.command"}})
+            QCOMPARE(args_for_path(same), same);
+
+        QProcessEnvironment e = procEnv();
+        e.insert(QStringLiteral("TAV_AUTO_CLOSE_MS"), QStringLiteral("1500"));
+        QProcess p;
+        p.setProcessEnvironment(e);
+        p.start(exe(), {dir});
+        QVERIFY(p.waitForFinished(30000));
+        const QByteArray err = p.readAllStandardError();
+        QVERIFY2(p.exitCode() == 0, err.constData());
+        QVERIFY2(err.contains("auto-close: tavFinder::WinFinder 'TF " + dir.toUtf8() + "'"), err.constData());
+
+        const QString gone = data.abs(QStringLiteral("gone"));
+        for (const QStringList& args : {QStringList{gone}, QStringList{"app", "--dir", gone}}) {
+            p.start(exe(), args);
+            QVERIFY(p.waitForFinished(30000));
+            QCOMPARE(p.exitCode(), 2);
+            QVERIFY(p.readAllStandardError().contains("'" + gone.toUtf8() + "' does not exist"));
         }
     }
 

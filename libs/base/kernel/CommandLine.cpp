@@ -22,7 +22,8 @@ CommandLine::CommandLine(const QStringList& args) : args_(args) {
 
 static QStringList splitKeys(const QString& keys) {
     QStringList out;
-    for (const QString& k : keys.split(QLatin1Char(','), Qt::SkipEmptyParts)) out << k.trimmed();
+    // "key=what" names what the value is (for completion); the key is the part before '='.
+    for (const QString& k : keys.split(QLatin1Char(','), Qt::SkipEmptyParts)) out << k.section(QLatin1Char('='), 0, 0).trimmed();
     return out;
 }
 

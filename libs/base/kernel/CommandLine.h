@@ -12,7 +12,7 @@ public:
     // 'args' are the words after the command name.
     explicit CommandLine(const QStringList& args);
 
-    // Comma-separated key lists ("file,treat").
+    // Comma-separated key lists ("file,treat"); a "=what" after a key is ignored here.
     void addMustHaveKeys(const QString& keys);
     void addOptionalKeys(const QString& keys);
     // False (with a level-4 log line) when a mandatory key is missing or empty,

@@ -54,8 +54,8 @@ void registerPendingCommand(const QString& name, const QString& description) {
 }
 
 TestContextAdder::TestContextAdder(std::function<int(Kernel&)> f, const QString& name, const QString& description,
-                                   bool needsDisplay) {
-    CommandRegistry::add({name, description, std::move(f), needsDisplay});
+                                   bool needsDisplay, CommandKeys keys) {
+    CommandRegistry::add({name, description, std::move(f), needsDisplay, false, std::move(keys)});
 }
 
 } // namespace tav

@@ -109,6 +109,8 @@ int XRuntime::runStandard(int argc, char** argv, char** /*envp*/, const QString&
         {
             KernelGUI kernel(engineName, command, rest, entry->needsDisplay);
             armAutoClose();
+            kernel.commandLine().addMustHaveKeys(entry->keys.must);
+            kernel.commandLine().addOptionalKeys(entry->keys.optional);
             result = entry->run(kernel);
             // Work still queued must not outlive the kernel it may use.
             XThreadPool::wait_for_all(-1);
@@ -127,9 +129,10 @@ int XRuntime::runStandard(int argc, char** argv, char** /*envp*/, const QString&
 }
 
 TestGuiContextAdder::TestGuiContextAdder(std::function<int(KernelGUI&)> f, const QString& name,
-                                         const QString& description, bool console) {
+                                         const QString& description, bool console, CommandKeys keys) {
     CommandRegistry::add({name, description,
-                          [f = std::move(f)](Kernel& k) { return f(static_cast<KernelGUI&>(k)); }, !console});
+                          [f = std::move(f)](Kernel& k) { return f(static_cast<KernelGUI&>(k)); }, !console, false,
+                          std::move(keys)});
 }
 
 } // namespace tav

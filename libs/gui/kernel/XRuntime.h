@@ -24,7 +24,7 @@ public:
 class TestGuiContextAdder {
 public:
     TestGuiContextAdder(std::function<int(KernelGUI&)> f, const QString& name, const QString& description,
-                        bool console = false);
+                        bool console = false, CommandKeys keys = {});
 };
 
 } // namespace tav
