@@ -38,7 +38,7 @@ const bool kLibInfo = tav::XAdditionalLibInfos::addLibInfo(
 
 // The command table: "app" here, the developer commands where they are built.
 const tav::TestGuiContextAdder kApp(&FindApplication::tavFind, QStringLiteral("app"), QString(), false,
-                                    {QString(), QStringLiteral("file=file,dir=folder"), true});
+                                    {QString(), QStringLiteral("file=file,dir=folder,newWindow=true|false"), true});
 const tav::TestGuiContextAdder kFind([](tav::KernelGUI& k) { return runFindCommand(k.commandLine()); }, QStringLiteral("find"),
                                      QString(), true, findCommandKeys());
 
@@ -77,6 +77,8 @@ int FindApplication::tavFind(tav::KernelGUI& kernel) {
     // 1
     tav::Logger::setLogLevelSimple(3);
     QGuiApplication::setQuitOnLastWindowClosed(false);
+    // Lets the desktop match the windows to the menu entry and its icon.
+    QGuiApplication::setDesktopFileName(QStringLiteral(TF_APP_ID));
     // 2
     tav::XRunGuard guard(QStringLiteral("tavFind"));
     if (!guard.run_instance_of_program()) {
