@@ -18,7 +18,9 @@ QFileInfo callerPath(const QString& path) { return QFileInfo(QDir(kStartDir), pa
 QStringList args_for_path(const QStringList& args) {
     if (args.size() < 2) return args;
     const QString& first = args[1];
-    if (first.isEmpty() || first.startsWith(QLatin1Char('-')) || tav::CommandRegistry::find(first)) return args;
+    if (first.isEmpty() || first.startsWith(QLatin1Char('-')) || first == QLatin1String("help") ||
+        tav::CommandRegistry::find(first))
+        return args;
     // A word with a slash is meant as a path even when it does not exist: "app"
     // then says so, instead of "unknown command".
     const QFileInfo fi = callerPath(first);
