@@ -8,13 +8,15 @@ TF_BUILD_TYPE="${TF_BUILD_TYPE:-RelWithDebInfo}"
 
 tf_packages() {
   local pkgs=(cmake make g++ pkg-config ccache qtbase5-dev libqt5svg5-dev libpcre2-dev
-              xvfb xauth fonts-dejavu-core
-              # installation checks and the Debian package
-              desktop-file-utils appstream man-db dpkg-dev file)
+              xvfb xauth fonts-dejavu-core)
   # The fast matcher exists for x86-64 only; the build falls back to PCRE2 elsewhere.
   if [ "$(uname -m)" = "x86_64" ]; then pkgs+=(libhyperscan-dev); fi
   printf '%s\n' "${pkgs[@]}"
 }
+
+# What the installation test and the Debian package need beyond the build:
+# test.sh and package.sh install these, run.sh does not.
+TF_CHECK_PACKAGES="desktop-file-utils appstream man-db dpkg-dev file"
 
 tf_install_missing() {
   local missing=()

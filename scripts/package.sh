@@ -7,7 +7,7 @@
 #   scripts/package.sh --install  also apt-get install the package (as root), check
 #                                 /usr/bin/talvofinder, and remove it again
 source "$(dirname "$0")/common.sh"
-tf_install_missing
+tf_install_missing $TF_CHECK_PACKAGES
 tf_build > "$TF_BUILD.log" 2>&1 || { cat "$TF_BUILD.log"; exit 1; }
 cd "$TF_BUILD"
 rm -f talvofinder_*.deb
