@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <climits>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <unistd.h>
@@ -29,6 +30,13 @@ std::string exeDir() {
 }
 
 int main(int argc, char** argv) {
+    // "--log N" belongs to every command; the windowed program gets it through TAV_LOG.
+    QString logError;
+    if (!tav::Logger::takeLogOption(argc, argv, &logError)) {
+        std::fprintf(stderr, "talvofinder: %s\n", logError.toLocal8Bit().constData());
+        return 2;
+    }
+    if (tav::Logger::pinnedLogLevel() >= 0) ::setenv("TAV_LOG", std::to_string(tav::Logger::pinnedLogLevel()).c_str(), 1);
     if (argc >= 2 && std::strcmp(argv[1], "find") == 0) {
         QCoreApplication app(argc, argv);
         QCoreApplication::setApplicationName(QStringLiteral("talvofinder"));

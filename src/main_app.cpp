@@ -10,6 +10,11 @@
 #include <vector>
 
 int main(int argc, char** argv, char** envp) {
+    QString logError;
+    if (!tav::Logger::takeLogOption(argc, argv, &logError)) {
+        tav::Logger::printToCerr(QStringLiteral("talvofinder: ") + logError);
+        return 2;
+    }
     // "talvofinder PATH" runs as "talvofinder app --dir PATH"; the words live
     // as long as the process, a restart re-executes them.
     QStringList words;

@@ -35,6 +35,15 @@ public:
     static void removeSink(int id);
     // Standard error output can be switched off (tests keep their output short).
     static void setStderrEnabled(bool on);
+
+    // The user's choice of level ("--log N" on any command line, or TAV_LOG=N)
+    // wins over the levels the program sets for itself. Removes the option from
+    // argv; returns false with a message when N is not a level 0..5.
+    static bool takeLogOption(int& argc, char** argv, QString* error);
+    // Pins (0..5) or unpins (-1) the level; while pinned, setLogLevelSimple
+    // and setLogLevelBits change nothing.
+    static void pinLogLevelSimple(int n);
+    static int pinnedLogLevel();
 };
 
 // ---- conversion of template arguments -----------------------------------------
