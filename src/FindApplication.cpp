@@ -9,6 +9,9 @@
 #include "base/log/Logger.h"
 #include "base/thread/XThread.h"
 #include "gui/kernel/KernelGUI.h"
+#include "gui/kernel/XInstanceChannel.h"
+#include "gui/kernel/XQuitSignals.h"
+#include "base/io/XFileIO.h"
 #include "gui/kernel/XRuntime.h"
 #include "gui/tools/XTools.h"
 #include "gui/tools/XSearchMachines.h"
@@ -21,8 +24,10 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QApplication>
+#include <QSessionManager>
 
 namespace tavFinder {
 
@@ -48,9 +53,9 @@ void set_env_variables() {
     tav::setEnv(QStringLiteral("TAVFINDER_VERSION"), QString::fromLatin1(TAVFINDER_VERSION));
     tav::setEnv(QStringLiteral("BUILD_DATE"), buildDate());
     tav::setEnv(QStringLiteral("BUILD_TIME"), buildTime());
+    // The working folder stays the caller's: relative paths on the command line,
+    // started programs and file dialogs belong there. Resources are found by path.
     const QString exeDir = tav::get_exe_path(false);
-    if (!QDir::setCurrent(exeDir))
-        tav::Logger::printToCout(tav::fill("main::set_env_variables - tried to cd to dir <<<$>>> did not work!", exeDir));
 #ifdef Q_OS_WIN
     tav::setEnv(QStringLiteral("OS"), QStringLiteral("WINDOWS"));
 #else
@@ -82,15 +87,32 @@ int FindApplication::tavFind(tav::KernelGUI& kernel) {
     // 2
     tav::XRunGuard guard(QStringLiteral("tavFind"));
     if (!guard.run_instance_of_program()) {
+        // The running instance shows its windows (they may be hidden or minimised).
+        const bool shown = tav::XInstanceChannel::send(QStringLiteral("tavFind"), QByteArrayLiteral("show"));
+        log(16, "FindApplication::tavFind, running instance asked to show its windows: $", shown);
         log(4, "ONE-INSTANCE-ONLY!");
         kernel.setSaveOnExit(false);
         return 0;
     }
+    tav::XInstanceChannel channel(QStringLiteral("tavFind"));
+    channel.eventRequest().add([](const QByteArray& request) {
+        if (request != "show") {
+            log(4, "FindApplication, unknown request '$'", QString::fromUtf8(request.left(200)));
+            return;
+        }
+        log(16, "FindApplication, show request");
+        bool any = false;
+        for (QWidget* w : QApplication::topLevelWidgets()) any = any || qobject_cast<WinFinder*>(w);
+        if (!any) WinFinder::new_win(QString());
+        WindowBase::showAllWindows();
+    });
+    channel.listen();
     // 3
     tav::XNode* nApp = kernel.getCreateNodeApplication();
     tav::XNode* root = nApp ? nApp->root() : nullptr;
-    // 4
-    first_run_message(root);
+    // 4: a damaged configuration is no first run: the notice in the window says what happened.
+    if (!QFileInfo::exists(tav::Kernel::nodeFilePath()) && damagedConfiguration()) log(16, "FindApplication::tavFind, configuration damaged");
+    else first_run_message(root);
     // 5
     cfg().fromNode(nApp->getCreateNode(QStringLiteral("Config")));
     // 6
@@ -104,6 +126,7 @@ int FindApplication::tavFind(tav::KernelGUI& kernel) {
         tav::Logger::printToCerr(error);
         return 2;
     }
+    if (!sFile.isEmpty()) sFile = QFileInfo(sFile).absoluteFilePath();
     log(32, "FindApplication::tavFind <<<$>>>", sFile);
     // 7
     if (sFile.isEmpty() && cfg().flagUseStartFolder) sFile = cfg().sStartFolder;
@@ -142,11 +165,29 @@ int FindApplication::tavFind(tav::KernelGUI& kernel) {
     kernel.addSaveListener([nApp]() {
         cfg().toNode(nApp->getCreateNode(QStringLiteral("Config")));
         Bookmarks::save(Bookmarks::get_tree());
-        WinTray::destroy();
     });
+    // Log-out, shutdown and kill quit as Ctrl+Q does (no question), so nothing is lost;
+    // a desktop session that ends saves first, in case it does not wait for us.
+    tav::XQuitSignals::install([](int) { quit_the_app(); });
+    QObject::connect(qApp, &QGuiApplication::commitDataRequest, qApp, [&kernel](QSessionManager&) {
+        log(16, "FindApplication, the desktop session ends: saving");
+        for (QWidget* w : QApplication::topLevelWidgets())
+            if (auto* wf = qobject_cast<WinFinder*>(w)) wf->save_state();
+        kernel.save();
+    }, Qt::DirectConnection);
     // 14
     win->show();
-    return kernel.exec();
+    win->show_notice(WinFinder::damaged_files_notice());
+    const int code = kernel.exec();
+    WinTray::destroy();
+    return code;
+}
+
+bool FindApplication::damagedConfiguration() {
+    const QString config = tav::Kernel::nodeFilePath();
+    for (const tav::MovedAside& m : tav::movedAside())
+        if (m.path == config) return true;
+    return false;
 }
 
 void FindApplication::quit_application() { WinFinder::quit_application(); }

@@ -37,6 +37,8 @@ public:
     // is true; "OK" sets the language for this run, "OK + save" also stores it
     // and switches the message off.
     static void first_run_message(tav::XNode* root);
+    // True when the configuration file was found damaged and set aside at this start.
+    static bool damagedConfiguration();
     // Restart one second later (after the configuration dialog).
     static void restart_later();
 };

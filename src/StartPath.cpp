@@ -9,10 +9,8 @@
 namespace tavFinder {
 
 namespace {
-// Read at static initialisation: main() changes into the program's folder.
-const QString kStartDir = QDir::currentPath();
-
-QFileInfo callerPath(const QString& path) { return QFileInfo(QDir(kStartDir), path); }
+// The working folder is the caller's: a relative path means theirs.
+QFileInfo callerPath(const QString& path) { return QFileInfo(QDir::current(), path); }
 }
 
 QStringList args_for_path(const QStringList& args) {

@@ -10,11 +10,9 @@ namespace tavFinder {
 namespace devcmd {
 
 namespace {
-// Read at static initialisation, before main() changes the folder.
-const QString kStartDir = QDir::currentPath();
 }
 
-QFileInfo callerPath(const QString& path) { return QFileInfo(QDir(kStartDir), path); }
+QFileInfo callerPath(const QString& path) { return QFileInfo(QDir::current(), path); }
 
 bool keysOk(tav::CommandLine& cl, const QString& usage) {
     if (cl.checkKeys()) return true;

@@ -11,8 +11,6 @@
 
 namespace {
 
-// main() changes into the program's folder; a relative --open means the caller's folder.
-const QString kStartDir = QDir::currentPath();
 
 int dirInfo(tav::KernelGUI& kernel) {
     tav::Logger::setLogLevelSimple(5);
@@ -21,7 +19,7 @@ int dirInfo(tav::KernelGUI& kernel) {
         cl.showExample(QStringLiteral("--open /data/myData"));
         return 6;
     }
-    const QString dir = QFileInfo(QDir(kStartDir), cl.getString(QStringLiteral("open"))).absoluteFilePath();
+    const QString dir = QFileInfo(QDir::current(), cl.getString(QStringLiteral("open"))).absoluteFilePath();
     tav::log(32, "Recursive scan <<<$>>>", dir);
     tav::XDirInfo di;
     di.flagStatFiles = true;

@@ -16,8 +16,6 @@ namespace tavFinder {
 
 namespace {
 
-// main() changes into the program's folder; relative paths mean the caller's folder.
-const QString kStartDir = QDir::currentPath();
 
 constexpr uint64_t kLineLenMaxLimit = 2000000000ull;
 
@@ -84,7 +82,7 @@ int commandStat(tav::KernelGUI& kernel) {
         usage(cl);
         return 6;
     }
-    const QFileInfo fi(QDir(kStartDir), cl.getString(QStringLiteral("file")));
+    const QFileInfo fi(QDir::current(), cl.getString(QStringLiteral("file")));
     if (!fi.isFile()) {
         tav::Logger::printToCout(tav::fill("File '$' does not exist", cl.getString(QStringLiteral("file"))));
         return 6;

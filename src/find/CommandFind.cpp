@@ -25,8 +25,6 @@ namespace tavFinder {
 
 namespace {
 
-// main() changes into the program's folder; relative paths mean the caller's folder.
-const QString kStartDir = QDir::currentPath();
 
 const char* kUsage =
     "usage: talvofinder find --dir DIR [--find TEXT] [--regex true] [--scope File|Paragraph|Sentence]\n"
@@ -114,7 +112,7 @@ int runFindCommand(tav::CommandLine& cl) {
         return badInput(error);
 
     const QString dirArg = cl.getString(QStringLiteral("dir"));
-    const QFileInfo dirInfo(QDir(kStartDir), dirArg);
+    const QFileInfo dirInfo(QDir::current(), dirArg);
     if (!dirInfo.isDir()) return badInput(tav::fill("folder <<<$>>> does not exist", dirArg));
     const QString dir = QDir::cleanPath(dirInfo.absoluteFilePath());
 

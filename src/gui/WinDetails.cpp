@@ -125,7 +125,7 @@ void WinDetails::setup_toolbar(tav::XPanel* bar) {
     });
     buttonFullScreen_->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(buttonFullScreen_, &QWidget::customContextMenuRequested, this, [this]() { close(); });
-    bar->createImageButton(icon(QStringLiteral("hide.svg")), xt("Hide to Tray Menu"), [this]() { hide(); });
+    bar->createImageButton(icon(QStringLiteral("hide.svg")), xt("Hide to Tray Menu"), [this]() { hideToTray(); });
 
     stackToolbar_ = bar->add(new tav::XPanelStacked(bar, QStringLiteral("toolbarStack")), 1);
     pageText_ = new tav::XPanel(stackToolbar_, tav::XPanel::HORIZONTAL, QStringLiteral("pageText"));

@@ -116,7 +116,7 @@ void WinFinder::setup_panel_find_pages() {
         if (on) showFullScreen();
         else showNormal();
     });
-    done->createImageButton(icon(QStringLiteral("hide.svg")), xt("Hide to Tray Menu"), [this]() { hide(); });
+    done->createImageButton(icon(QStringLiteral("hide.svg")), xt("Hide to Tray Menu"), [this]() { hideToTray(); });
 
     panelFind_->setCurrentIndex(PAGE_FILTER);
 }

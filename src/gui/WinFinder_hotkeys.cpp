@@ -45,7 +45,7 @@ void WinFinder::setup_hotkeys() {
     key(QKeySequence(Qt::Key_Return), onReturn);
     key(QKeySequence(Qt::Key_Enter), onReturn);
     key(QKeySequence(Qt::ALT | Qt::Key_B), [this]() { on_bookmarks(); });
-    key(QKeySequence(Qt::ALT | Qt::Key_H), [this]() { hide(); });
+    key(QKeySequence(Qt::ALT | Qt::Key_H), [this]() { hideToTray(); });
     key(QKeySequence(Qt::ALT | Qt::Key_Left), [this]() {
         log(32, "WinFinder::setup_hotkeys - LEFT");
         on_navi_back();

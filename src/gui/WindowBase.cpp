@@ -8,6 +8,9 @@
 #include "src/gui/WinTray.h"
 
 #include <QAction>
+#include <QApplication>
+#include <QSystemTrayIcon>
+#include <atomic>
 #include <QCloseEvent>
 #include <QFile>
 
@@ -35,6 +38,36 @@ QString WindowBase::helpPageOfLanguage() {
 void WindowBase::on_about() { tav::XBrowserWindow::showHelp(helpPageOfLanguage(), tav::xt("About Talvo Finder"), 0); }
 void WindowBase::on_help() { tav::XBrowserWindow::showHelp(helpPageOfLanguage(), tav::xt("About Talvo Finder"), 1); }
 
+namespace {
+std::atomic<int> gTrayOverride{-1};
+}
+
+void WindowBase::setTrayAvailableOverride(int available) { gTrayOverride = available; }
+
+bool WindowBase::trayAvailable() {
+    const int o = gTrayOverride.load();
+    return o >= 0 ? o == 1 : QSystemTrayIcon::isSystemTrayAvailable();
+}
+
+void WindowBase::hideToTray() {
+    if (trayAvailable()) {
+        hide();
+        return;
+    }
+    log(16, "WindowBase::hideToTray, no system tray: minimised");
+    showMinimized();
+}
+
+void WindowBase::showAllWindows() {
+    for (QWidget* w : QApplication::topLevelWidgets()) {
+        if (!qobject_cast<WindowBase*>(w)) continue;
+        if (w->isMinimized()) w->showNormal();
+        else w->show();
+        w->raise();
+        w->activateWindow();
+    }
+}
+
 void WindowBase::setupTray() {
     log(32, "WindowBase::setupTray");
     if (actionTray_) {
@@ -44,10 +77,11 @@ void WindowBase::setupTray() {
     WinTray* tray = WinTray::get();
     actionTray_ = tray->menu()->addAction(QString());
     connect(actionTray_.data(), &QAction::triggered, this, [this]() {
-        if (isVisible()) {
-            hide();
+        if (isVisible() && !isMinimized()) {
+            hideToTray();
         } else {
-            show();
+            if (isMinimized()) showNormal();
+            else show();
             raise();
             activateWindow();
         }

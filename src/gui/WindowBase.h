@@ -22,6 +22,16 @@ public:
     void setupTray();
     QAction* trayAction() const { return actionTray_; }
 
+    // "Hide to Tray": hides the window when a system tray can bring it back,
+    // otherwise minimises it (a hidden window without a tray is lost to the user).
+    void hideToTray();
+    static bool trayAvailable();
+    // Tests decide: 1 a tray, 0 none, -1 ask the desktop.
+    static void setTrayAvailableOverride(int available);
+    // Shows, raises and activates every top-level window of the program
+    // (what a second start asks of the running one).
+    static void showAllWindows();
+
     // The file the window shows; none here, the main window has its selection.
     virtual QFileInfo getCurrentFile() const { return QFileInfo(); }
 

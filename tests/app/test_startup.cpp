@@ -1,4 +1,5 @@
 #include "base/env/Env.h"
+#include "base/io/XFileIO.h"
 #include "base/io/XPaths.h"
 #include "base/kernel/CommandRegistry.h"
 #include "base/kernel/Kernel.h"
@@ -7,6 +8,7 @@
 #include "src/StartPath.h"
 
 #include <QtTest>
+#include <tuple>
 
 namespace {
 // Where the test was started: set_env_variables() changes the folder later.
@@ -19,6 +21,10 @@ class TestStartup : public QObject {
 
     static QString exe() { return tftest::TestEnv::programPath(); }
     QProcessEnvironment procEnv() const { return env.processEnvironment(true); }
+    static QString configText() {
+        QFile f(tav::Kernel::nodeFilePath());
+        return f.open(QIODevice::ReadOnly) ? QString::fromUtf8(f.readAll()) : QString();
+    }
 
 private slots:
     void initTestCase() {
@@ -27,12 +33,13 @@ private slots:
     }
 
     void environmentIsPrepared() {
+        const QString callerDir = QDir::currentPath();
         tav::setEnv(QStringLiteral("TAV_WINDOWS_DEVELOP"), QString());
         tavFinder::set_env_variables();
         QCOMPARE(tav::getEnv(QStringLiteral("TAVFINDER_VERSION")), QStringLiteral("1.00.16"));
         QCOMPARE(tav::getEnv(QStringLiteral("OS")), QStringLiteral("LINUX"));
         QCOMPARE(tav::getEnv(QStringLiteral("QT_PLUGIN_PATH")), tav::get_exe_path(false) + QStringLiteral("/plugins"));
-        QCOMPARE(QDir::currentPath(), tav::get_exe_path(false));
+        QCOMPARE(QDir::currentPath(), callerDir);   // the caller's folder stays the working folder
         QCOMPARE(tav::getEnv(QStringLiteral("BUILD_DATE")).size(), 11);   // "Sep 25 2022"
         tav::setEnv(QStringLiteral("TAV_WINDOWS_DEVELOP"), QStringLiteral("1"));
         tav::setEnv(QStringLiteral("QT_PLUGIN_PATH"), QStringLiteral("/keep/me"));
@@ -61,7 +68,11 @@ private slots:
     }
 
     void secondInstanceEndsAtOnce() {
+        QFile::remove(tav::Kernel::nodeFilePath());
+        env.markFirstRunDone();
         QProcess first;
+        QByteArray firstLog;
+        connect(&first, &QProcess::readyReadStandardError, this, [&]() { firstLog += first.readAllStandardError(); });
         first.setProcessEnvironment(procEnv());
         first.start(exe(), QStringList());
         QVERIFY(first.waitForStarted(10000));
@@ -78,12 +89,75 @@ private slots:
         QCOMPARE(second.exitCode(), 0);
         QVERIFY(second.readAllStandardError().contains("ONE-INSTANCE-ONLY!"));
         QCOMPARE(first.state(), QProcess::Running);
+        // The running one was asked to show its windows (they may be hidden or minimised).
+        QTRY_VERIFY_WITH_TIMEOUT(firstLog.contains("FindApplication, show request"), 10000);
 
+        // SIGTERM (log-out, shutdown, kill) quits through the normal path: the
+        // settings and the window's state are written, the exit is clean.
+        QVERIFY(!configText().contains("<Config"));
         first.terminate();
-        if (!first.waitForFinished(5000)) {
-            first.kill();
-            first.waitForFinished(5000);
-        }
+        QVERIFY(first.waitForFinished(20000));
+        QCOMPARE(first.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(first.exitCode(), 0);
+        QVERIFY(firstLog.contains("XQuitSignals, signal 15: quitting"));
+        const QString saved = configText();
+        QVERIFY(saved.contains("<Config"));
+        QVERIFY(saved.contains("<XTreeView"));
+        QVERIFY(!QFile::exists(lock));
+    }
+
+    void callerFolderAndLogLevel() {
+        // A relative path on the command line is the caller's; "--log 4" shows the trace.
+        QTemporaryDir caller;
+        QVERIFY(QDir(caller.path()).mkpath(QStringLiteral("sub")));
+        QProcessEnvironment e = procEnv();
+        e.insert(QStringLiteral("TAV_AUTO_CLOSE_MS"), QStringLiteral("800"));
+        auto run = [&](const QStringList& args, const QProcessEnvironment& env) {
+            QProcess p;
+            p.setProcessEnvironment(env);
+            p.setWorkingDirectory(caller.path());
+            p.start(exe(), args);
+            p.waitForFinished(30000);
+            return std::make_pair(p.exitCode(), QString::fromLocal8Bit(p.readAllStandardError()));
+        };
+        const QString line = QStringLiteral("FindApplication::tavFind <<<%1/sub>>>").arg(QFileInfo(caller.path()).canonicalFilePath());
+        auto [code, err] = run({QStringLiteral("app"), QStringLiteral("--file"), QStringLiteral("sub"), QStringLiteral("--log"), QStringLiteral("4")}, e);
+        QCOMPARE(code, 0);
+        QVERIFY2(err.contains(line), qPrintable(err.left(2000)));
+        // The same from the environment; without either, the trace stays off.
+        QProcessEnvironment withEnv = e;
+        withEnv.insert(QStringLiteral("TAV_LOG"), QStringLiteral("4"));
+        std::tie(code, err) = run({QStringLiteral("app"), QStringLiteral("--file"), QStringLiteral("sub")}, withEnv);
+        QCOMPARE(code, 0);
+        QVERIFY(err.contains(line));
+        std::tie(code, err) = run({QStringLiteral("app"), QStringLiteral("--file"), QStringLiteral("sub")}, e);
+        QCOMPARE(code, 0);
+        QVERIFY(!err.contains(QStringLiteral("FindApplication::tavFind <<<")));
+        // A level that is none is refused before anything starts.
+        std::tie(code, err) = run({QStringLiteral("app"), QStringLiteral("--log"), QStringLiteral("9")}, e);
+        QCOMPARE(code, 2);
+        QVERIFY(err.contains(QStringLiteral("--log needs a level from 0")));
+        std::tie(code, err) = run({QStringLiteral("find"), QStringLiteral("--log")}, e);
+        QCOMPARE(code, 2);
+    }
+
+    void damagedConfigurationIsToldInTheWindow() {
+        const QString path = tav::Kernel::nodeFilePath();
+        QVERIFY(tav::writeFileAtomic(path, "<TalvoEngine flagSeeIniMessage=\"false\"><Applicat"));
+        QProcessEnvironment e = procEnv();
+        e.insert(QStringLiteral("TAV_AUTO_CLOSE_MS"), QStringLiteral("800"));
+        QProcess p;
+        p.setProcessEnvironment(e);
+        p.start(exe(), {QStringLiteral("app"), QStringLiteral("--log"), QStringLiteral("4")});
+        QVERIFY(p.waitForFinished(30000));
+        QCOMPARE(p.exitCode(), 0);
+        const QString err = QString::fromLocal8Bit(p.readAllStandardError());
+        // The window says which file, where its copy is; no first-run page instead.
+        QVERIFY2(err.contains(QStringLiteral("WinFinder::show_notice, The file ") + path + QStringLiteral(" was damaged")), qPrintable(err.left(3000)));
+        QVERIFY(err.contains(QStringLiteral(".bad.")));
+        QVERIFY(err.contains(QStringLiteral("FindApplication::tavFind, configuration damaged")));
+        QVERIFY(!err.contains(QStringLiteral("sLang:")));
+        env.markFirstRunDone();
     }
 
     // A file manager's "Open with" passes a path where a command would be.

@@ -1,4 +1,5 @@
 #include "gui/kernel/XRuntime.h"
+#include "gui/kernel/XQuitSignals.h"
 
 #include "base/io/XPaths.h"
 #include "base/log/Logger.h"
@@ -111,7 +112,14 @@ int XRuntime::runStandard(int argc, char** argv, char** /*envp*/, const QString&
             armAutoClose();
             kernel.commandLine().addMustHaveKeys(entry->keys.must);
             kernel.commandLine().addOptionalKeys(entry->keys.optional);
+            // Log-out and kill close the windows as the user would, so their state is saved.
+            if (entry->needsDisplay)
+                XQuitSignals::install([](int) {
+                    for (QWidget* w : QApplication::topLevelWidgets()) w->close();
+                    QCoreApplication::exit(0);
+                });
             result = entry->run(kernel);
+            XQuitSignals::uninstall();
             // Work still queued must not outlive the kernel it may use.
             XThreadPool::wait_for_all(-1);
             if (entry->needsDisplay && kernel.isSaveOnExit()) kernel.save();
