@@ -18,8 +18,6 @@
 namespace tavFinder {
 namespace {
 
-// main() changes into the program's folder; a relative --file means the caller's folder.
-const QString kStartDir = QDir::currentPath();
 
 using tav::log;
 
@@ -54,12 +52,18 @@ int winLang(tav::KernelGUI& kernel) {
     }
     // A catalogue given on the command line becomes the live one for this run.
     QString file = cl.getString(QStringLiteral("file"), QString());
-    if (!file.isEmpty()) file = QFileInfo(QDir(kStartDir), file).absoluteFilePath();
-    if (!file.isEmpty()) {
+    if (!file.isEmpty()) file = QFileInfo(file).absoluteFilePath();
+    // A file that exists and is no catalogue is not edited (saving would replace it);
+    // a new one is created by the first save.
+    if (!file.isEmpty() && QFileInfo::exists(file)) {
         QString err;
         auto cat = tav::XNode::loadFromXml(file, &err);
-        if (cat && cat->type() == QLatin1String("GUI")) tav::XTools::set_catalogue_content(cat.get());
-        else log(4, "winLang, <<<$>>> is no catalogue ($)", file, err);
+        if (!cat || cat->type() != QLatin1String("GUI")) {
+            if (cat) err = QStringLiteral("unexpected root <%1>").arg(cat->type());
+            log(4, "winLang, <<<$>>> is no catalogue ($)", file, err);
+            return 1;
+        }
+        tav::XTools::set_catalogue_content(cat.get());
     }
     tav::XNode* nLang = tav::XTools::nGUI();
     if (!X_ASSERT_MSG(nLang, "nLang == NULL")) return 1;
@@ -67,6 +71,7 @@ int winLang(tav::KernelGUI& kernel) {
     auto* win = new WinLang(nullptr);
     win->setDeleteOnClose(false);   // kept after closing
     win->set_lang_root(nLang);
+    if (!file.isEmpty()) win->setSaveFile(file);
     // Right of a first screen where there is room; on a small one it stays visible.
     QRect geo(1970, 50, 800, 500);
     const QScreen* screen = QGuiApplication::primaryScreen();

@@ -279,22 +279,45 @@ void TestLang::savingWritesTheSortedCatalogueUsedAtTheNextStart() {
     QCOMPARE(tav::xt("Alpha"), QStringLiteral("Alpha neu & mehr"));
     QCOMPARE(tav::xt("&add"), QStringLiteral("&hinzufügen"));
 
-    // The next start loads the saved file, not the resource ...
+    // The next start merges the saved file over the built-in catalogue: the
+    // user's texts win, texts the file lacks (as after an update) stay built in.
+    const size_t builtIn = [] {
+        auto cat = tav::XNode::loadFromXml(QStringLiteral(":/tf/lang/lang.xml"));
+        return cat ? cat->children_by_Type(QStringLiteral("Message")).size() : size_t(0);
+    }();
+    QVERIFY(builtIn >= 197);
     tav::XTools::set_lang_path(QStringLiteral(":/tf/lang/lang.xml"));
     QVERIFY(tav::XTools::lang_ini(true));
-    QCOMPARE(int(tav::XTools::nGUI()->children_by_Type(QStringLiteral("Message")).size()), 5);
+    // Zeta, beta and Alpha are new; "&add" is a built-in text; one without English is no text.
+    QCOMPARE(tav::XTools::nGUI()->children_by_Type(QStringLiteral("Message")).size(), builtIn + 3);
     QCOMPARE(tav::xt("Alpha"), QStringLiteral("Alpha neu & mehr"));
-    QCOMPARE(tav::xt("Quit"), QStringLiteral("Quit"));
+    QCOMPARE(tav::xt("Quit"), QStringLiteral("Beenden"));
     tav::XTools::set_lang(QStringLiteral("ru"));
     QCOMPARE(tav::xt("beta"), QStringLiteral("beta"));   // emptied: the English text again
+    QCOMPARE(tav::xt("Quit"), QStringLiteral("Выход"));
+    // A built-in text the user translated differently is the user's.
+    QVERIFY(tav::writeFileAtomic(userCatalogue(),
+                                 "<GUI><Message><en>Quit</en><de>Schluss</de><ru></ru></Message></GUI>"));
+    QVERIFY(tav::XTools::lang_ini(true));
+    QCOMPARE(tav::XTools::nGUI()->children_by_Type(QStringLiteral("Message")).size(), builtIn);
+    QCOMPARE(tav::xt("Quit"), QStringLiteral("Выход"));   // an empty text does not hide the built-in one
+    tav::XTools::set_lang(QStringLiteral("de"));
+    QCOMPARE(tav::xt("Quit"), QStringLiteral("Schluss"));
 
-    // ... unless it does not parse: then the resource, and a log line.
+    // A file that does not parse: the built-in catalogue, a log line, and the
+    // user's file kept aside (the editor would otherwise save over it).
     tftest::LogCapture logs;
+    tav::takeMovedAside();
     QVERIFY(tav::writeFileAtomic(userCatalogue(), "<GUI><Message><en>broken"));
     QVERIFY(tav::XTools::lang_ini(true));
-    QVERIFY(tav::XTools::nGUI()->children_by_Type(QStringLiteral("Message")).size() >= 197);
-    QCOMPARE(tav::xt("Quit"), QStringLiteral("Выход"));
+    QCOMPARE(tav::XTools::nGUI()->children_by_Type(QStringLiteral("Message")).size(), builtIn);
+    QCOMPARE(tav::xt("Quit"), QStringLiteral("Beenden"));
     QVERIFY(logs.contains(QStringLiteral("XTools::lang_ini")));
+    QVERIFY(!QFile::exists(userCatalogue()));
+    const std::vector<tav::MovedAside> moved = tav::takeMovedAside();
+    QCOMPARE(moved.size(), size_t(1));
+    QCOMPARE(moved[0].path, userCatalogue());
+    QVERIFY(QFile::exists(moved[0].copy));
 }
 
 void TestLang::cancelKeepsEverything() {

@@ -1,4 +1,5 @@
 #include "base/env/Env.h"
+#include "base/io/XFileIO.h"
 #include "base/io/XPaths.h"
 #include "base/tree/XMem.h"
 #include "base/tree/XTreeArray.h"
@@ -142,7 +143,10 @@ private slots:
         Bookmarks::load(t);
         QVERIFY(t.isEmpty());
         QVERIFY(!QFile::exists(file));
-        QCOMPARE(readFile(file + QStringLiteral(".bad")), damaged);
+        const std::vector<tav::MovedAside> moved = tav::takeMovedAside();
+        QCOMPARE(moved.size(), size_t(1));
+        QCOMPARE(moved[0].path, file);
+        QCOMPARE(readFile(moved[0].copy), damaged);
     }
 
     void applicationRecordFields() {
@@ -155,15 +159,23 @@ private slots:
 
         const XTree defaults = XAppManager::defaults();
         const tav::XTreeArray& programs = defaults.array(QLatin1String(XAppManager::KEY_PROGRAMS));
-        QCOMPARE(programs.size(), 1);
+        // The defaults are programs a Linux desktop has.
+        QCOMPARE(programs.size(), 2);
         const auto* notepad = dynamic_cast<const XApp*>(programs.at(0));
-        QVERIFY(notepad);
+        const auto* editor = dynamic_cast<const XApp*>(programs.at(1));
+        QVERIFY(notepad && editor);
         QCOMPARE(notepad->keys(), (QStringList{"arguments", "flagTerminal", "name", "path", "title", "toolTip"}));
-        QVERIFY(notepad->is_name(QStringLiteral("notepad")));
-        QCOMPARE(notepad->get_title(true), QStringLiteral("Classical notepad"));
-        QCOMPARE(notepad->get_tool_tip(true), QStringLiteral("Windows Standard Editor"));
+        QCOMPARE(notepad->get_path(true), QStringLiteral("xdg-open"));
+        QVERIFY(!notepad->is_flag_terminal() && editor->is_flag_terminal());
+        QVERIFY(!QStandardPaths::findExecutable(editor->get_path(true)).isEmpty() || editor->get_path(true) == QStringLiteral("vi"));
         QVERIFY(notepad->is_flag_enabled());
         QCOMPARE(notepad->get_icon_path(true), QString());
+        tav::unsetEnv(QStringLiteral("VISUAL"));
+        tav::setEnv(QStringLiteral("EDITOR"), QStringLiteral("sh"));
+        QCOMPARE(XAppManager::terminal_editor(), QStringLiteral("sh"));
+        tav::setEnv(QStringLiteral("EDITOR"), QStringLiteral("no-such-editor-here"));
+        QVERIFY(XAppManager::terminal_editor() != QStringLiteral("no-such-editor-here"));
+        tav::unsetEnv(QStringLiteral("EDITOR"));
 
         tav::fileInfo_to_env(QFileInfo(QStringLiteral("/tmp/some dir/file.txt")));
         QCOMPARE(notepad->get_arguments(false), QStringLiteral("$(G_PATH)"));
@@ -174,7 +186,7 @@ private slots:
         XApp copy(*notepad);
         copy.set_title(QStringLiteral("changed"));
         copy.set_flag_enabled(false);
-        QCOMPARE(notepad->get_title(false), QStringLiteral("Classical notepad"));
+        QCOMPARE(notepad->get_title(false), QStringLiteral("Desktop editor"));
         QVERIFY(!copy.is_flag_enabled());
         XApp moved = std::move(copy);
         QCOMPARE(moved.get_title(false), QStringLiteral("changed"));
@@ -182,11 +194,11 @@ private slots:
 
         tftest::LogCapture cap;
         notepad->show(32);
-        QCOMPARE(cap.linesAtLevel(32), (QStringList{"XApp@notepad", "title:'Classical notepad'", "path:'notepad'", "icon_path:''",
+        QCOMPARE(cap.linesAtLevel(32), (QStringList{"XApp@desktop", "title:'Desktop editor'", "path:'xdg-open'", "icon_path:''",
                                            "is_flag_terminal:'false'", "is_flag_keep_term_open:'false'",
                                            "is_flag_show_output:'false'", "environment:''",
                                            "arguments:'/tmp/some dir/file.txt'", "working_dir:''",
-                                           "toolTip:'Windows Standard Editor'"}));
+                                           "toolTip:'The desktop\'s program for the file (xdg-open)'"}));
     }
 
     void applicationStoreFile() {
@@ -220,7 +232,10 @@ private slots:
         damaged[20] = char(damaged[20] ^ 0x01);
         QVERIFY(tav::XMem(damaged).saveToFile(file, 0));
         QVERIFY(!XAppManager::load());
-        QCOMPARE(readFile(file + QStringLiteral(".bad")), damaged);
+        const std::vector<tav::MovedAside> moved = tav::takeMovedAside();
+        QCOMPARE(moved.size(), size_t(1));
+        QCOMPARE(moved[0].path, file);
+        QCOMPARE(readFile(moved[0].copy), damaged);
     }
 
     void programListOperations() {

@@ -111,15 +111,32 @@ private slots:
 
     void corruptConfigurationIsMovedAsideAndDefaultsLoad() {
         const QString path = tav::Kernel::nodeFilePath();
-        QVERIFY(tav::writeFileAtomic(path, "<TalvoEngine lang=\"de\"><Application>"));
+        tav::takeMovedAside();
+        const QByteArray first = "<TalvoEngine lang=\"de\"><Application>";
+        QVERIFY(tav::writeFileAtomic(path, first));
         {
             tftest::LogCapture cap;
             tav::Kernel k(QStringLiteral("talvoEngine"), QStringLiteral("test"), {});
             QVERIFY(k.nodeRoot());
             QCOMPARE(k.nodeRoot()->countChildren(), 0);
             QCOMPARE(k.getNodeRoot()->get_lang(), QStringLiteral("en"));
-            QVERIFY(QFile::exists(path + QStringLiteral(".bad")));
             QVERIFY(!QFile::exists(path));
+            // A second damaged file in the same second keeps the first copy.
+            const QByteArray second = "<TalvoEngine><Application><Config>";
+            QVERIFY(tav::writeFileAtomic(path, second));
+            tav::Kernel k2(QStringLiteral("talvoEngine"), QStringLiteral("test"), {});
+            const std::vector<tav::MovedAside> moved = tav::takeMovedAside();
+            QCOMPARE(moved.size(), size_t(2));
+            QCOMPARE(moved[0].path, path);
+            QVERIFY(moved[0].copy != moved[1].copy);
+            QVERIFY(moved[0].copy.endsWith(QStringLiteral(".bad")) && moved[1].copy.endsWith(QStringLiteral(".bad")));
+            QCOMPARE(QFileInfo(moved[0].copy).absolutePath(), QFileInfo(path).absolutePath());
+            QByteArray got;
+            QVERIFY(tav::readUserFile(moved[0].copy, 1000, got));
+            QCOMPARE(got, first);
+            QVERIFY(tav::readUserFile(moved[1].copy, 1000, got));
+            QCOMPARE(got, second);
+            QVERIFY(tav::takeMovedAside().empty());
             QVERIFY(cap.contains(QStringLiteral("Kernel::loadNodes")));
             // The save event runs, then the file is written whole again.
             int saved = 0;
@@ -190,8 +207,10 @@ private slots:
         QCOMPARE(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
         tav::Kernel k(QStringLiteral("talvoEngine"), QStringLiteral("test"), {});
         QVERIFY(k.nodeRoot());
-        QVERIFY(QFileInfo(path + QStringLiteral(".bad")).exists());
-        QFile::remove(path + QStringLiteral(".bad"));
+        const std::vector<tav::MovedAside> moved = tav::takeMovedAside();
+        QCOMPARE(moved.size(), size_t(1));
+        QVERIFY(QFileInfo(moved[0].copy).exists());
+        QFile::remove(moved[0].copy);
     }
 
     // Found by fuzzing: what the writer leaves as a bare '&' the reader must not

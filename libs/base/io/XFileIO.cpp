@@ -2,6 +2,7 @@
 
 #include "base/log/Logger.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -9,6 +10,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <mutex>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -84,15 +86,35 @@ bool readUserFile(const QString& path, qint64 maxBytes, QByteArray& data, QStrin
     return true;
 }
 
+namespace {
+std::mutex& movedMutex() { static std::mutex m; return m; }
+std::vector<MovedAside>& moved() { static std::vector<MovedAside> v; return v; }
+}
+
 QString moveAside(const QString& path) {
-    const QString bad = path + QStringLiteral(".bad");
-    QFile::remove(bad);
+    const QString stamp = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss"));
+    QString bad = QStringLiteral("%1.%2.bad").arg(path, stamp);
+    for (int n = 2; QFileInfo::exists(bad) || QFileInfo(bad).isSymLink(); ++n) bad = QStringLiteral("%1.%2-%3.bad").arg(path, stamp).arg(n);
     if (!QFile::rename(path, bad)) {
         log(4, "moveAside, cannot rename <<<$>>>", path);
         return QString();
     }
     log(4, "moveAside, <<<$>>> moved to <<<$>>>", path, bad);
+    std::lock_guard<std::mutex> lock(movedMutex());
+    if (moved().size() < 64) moved().push_back({path, bad});   // nobody reads more
     return bad;
+}
+
+std::vector<MovedAside> movedAside() {
+    std::lock_guard<std::mutex> lock(movedMutex());
+    return moved();
+}
+
+std::vector<MovedAside> takeMovedAside() {
+    std::lock_guard<std::mutex> lock(movedMutex());
+    std::vector<MovedAside> out;
+    out.swap(moved());
+    return out;
 }
 
 bool fileExists(const QString& path) { return QFileInfo::exists(path); }

@@ -2,6 +2,7 @@
 // File helpers: whole, atomic writes and setting a broken file aside.
 #include <QByteArray>
 #include <QString>
+#include <vector>
 
 namespace tav {
 
@@ -16,8 +17,17 @@ bool writeFileAtomic(const QString& path, const QByteArray& data, QString* error
 constexpr qint64 kMaxUserFileBytes = 64 * 1024 * 1024;
 bool readUserFile(const QString& path, qint64 maxBytes, QByteArray& data, QString* error = nullptr);
 
-// Renames 'path' to 'path.bad' (replacing an older one); returns the new name or empty.
+// Renames a damaged 'path' to 'path.<time>.bad' (a number added if that
+// exists), so every damaged copy is kept; returns the new name or empty.
+// Each move is remembered until takeMovedAside() hands it to the window that
+// tells the user.
 QString moveAside(const QString& path);
+struct MovedAside {
+    QString path;   // the damaged file's own name
+    QString copy;   // where it is now
+};
+std::vector<MovedAside> takeMovedAside();
+std::vector<MovedAside> movedAside();   // the same, kept for the taker
 
 bool fileExists(const QString& path);
 bool deleteFile(const QString& path);

@@ -1,5 +1,6 @@
 #include "gui/tools/XTools.h"
 
+#include "base/io/XFileIO.h"
 #include "base/io/XPaths.h"
 #include "base/kernel/Kernel.h"
 #include "base/log/Logger.h"
@@ -64,26 +65,59 @@ QString XTools::lang_path() {
     return S().resourcePath;
 }
 
+namespace {
+// The user's catalogue overrides the built-in one text by text: a language the
+// user edited replaces that language of the message, everything the user's
+// file lacks (texts added in a later version among them) stays built in.
+void mergeUserCatalogue(XNode* builtIn, const XNode* user) {
+    QHash<QString, XNode*> byKey;
+    for (XNode* m : builtIn->children_by_Type(QStringLiteral("Message"))) {
+        XNode* en = m->query(QStringLiteral("en"));
+        const QString key = en ? XTools::normalizeKey(en->getText()) : QString();
+        if (!key.isEmpty() && !byKey.contains(key)) byKey.insert(key, m);
+    }
+    for (XNode* um : user->children_by_Type(QStringLiteral("Message"))) {
+        XNode* en = um->query(QStringLiteral("en"));
+        const QString key = en ? XTools::normalizeKey(en->getText()) : QString();
+        if (key.isEmpty()) continue;
+        XNode* target = byKey.value(key);
+        if (!target) {
+            byKey.insert(key, builtIn->addNode(um, true));
+            continue;
+        }
+        for (XNode* text : um->children()) {
+            if (text->type() == QLatin1String("en") || text->getText().trimmed().isEmpty()) continue;
+            if (XNode* old = target->query(text->type())) target->removeNode(old, true);
+            target->addNode(text, true);
+        }
+    }
+}
+}
+
 bool XTools::lang_ini(bool reload) {
     LangState& s = S();
     QMutexLocker l(&s.mutex);
     if (s.catalogue && !reload) return true;
     std::unique_ptr<XNode> cat;
-    const QFileInfo user = get_absolute_config_file_path(QStringLiteral("lang.xml"));
-    if (user.exists()) {
-        QString err;
-        cat = XNode::loadFromXml(user.absoluteFilePath(), &err);
-        if (!cat || cat->type() != QLatin1String("GUI")) {
-            log(4, "XTools::lang_ini, <<<$>>> cannot be read ($), using the built-in catalogue", user.absoluteFilePath(), err);
-            cat.reset();
-        }
-    }
-    if (!cat) {
+    {
         QString err;
         cat = XNode::loadFromXml(s.resourcePath, &err);
         if (!cat) log(4, "XTools::lang_ini, catalogue <<<$>>> missing ($)", s.resourcePath, err);
     }
     if (!cat) cat = XNode::createRoot(QStringLiteral("GUI"));
+    const QFileInfo user = get_absolute_config_file_path(QStringLiteral("lang.xml"));
+    if (user.exists() || user.isSymLink()) {
+        QString err;
+        std::unique_ptr<XNode> mine = XNode::loadFromXml(user.absoluteFilePath(), &err);
+        if (mine && mine->type() == QLatin1String("GUI")) {
+            mergeUserCatalogue(cat.get(), mine.get());
+        } else {
+            if (mine) err = QStringLiteral("unexpected root <%1>").arg(mine->type());
+            log(4, "XTools::lang_ini, <<<$>>> cannot be read ($), using the built-in catalogue", user.absoluteFilePath(), err);
+            // The editor would save over it: keep the user's work aside.
+            moveAside(user.absoluteFilePath());
+        }
+    }
     s.catalogue = std::move(cat);
     rebuildIndex(s);
     return true;

@@ -194,15 +194,20 @@ void WinLang::on_remove_lang(const QString& lang) {
     tav::XTools::set_lang(QStringLiteral("de"));
 }
 
+QString WinLang::saveFile() const {
+    if (!saveFile_.isEmpty()) return saveFile_;
+    return tav::XTools::get_absolute_config_file_path(QStringLiteral("lang.xml")).absoluteFilePath();
+}
+
 void WinLang::on_apply() {
     log(32, "WinLang::on_apply");
     if (!X_ASSERT_MSG(nLang_.get(), "nLang == NULL")) return;
     update_nodes(langToEdit_);
-    const QString path = tav::XTools::get_absolute_config_file_path(QStringLiteral("lang.xml")).absoluteFilePath();
+    const QString path = saveFile();
     log(32, "WinLang::on_ok - save '$'", path);
     std::unique_ptr<tav::XNode> copy = nLang_->deepCopy();
     copy->remove_all_pointer();
-    copy->saveNodeToXml(path);
+    if (!copy->saveNodeToXml(path)) log(4, "WinLang::on_apply, <<<$>>> could not be written", path);
     tav::XTools::set_catalogue_content(copy.get());
     copy.reset();
     tav::XTools::set_lang(tav::XTools::lang());

@@ -29,6 +29,10 @@ public:
 
     // Works on a sorted copy of 'catalogue' (the live one, as a rule).
     void set_lang_root(tav::XNode* catalogue);
+    // Where "OK"/"Apply" write the catalogue; empty is the user's lang.xml in
+    // the configuration folder.
+    void setSaveFile(const QString& path) { saveFile_ = path; }
+    QString saveFile() const;
     void set_current_lang_to_edit(const QString& lang);
     // Takes the texts of the rows into the working copy's children named 'lang'.
     void update_nodes(const QString& lang);
@@ -65,6 +69,7 @@ private:
     QPushButton* buttonRemove_;
     QString langToEdit_;
     QString langAtOpen_;
+    QString saveFile_;
 };
 
 } // namespace tavFinder
