@@ -74,14 +74,7 @@ bool ContextPreviews::openIn(tav::Preview* p) {
 }
 
 void ContextPreviews::select_file(const QFileInfo& fi) {
-    // 1: with Ctrl the file is dragged out of the source widget instead.
-    if (tav::XTools::is_modifier_control()) {
-        log(32, "ContextPreviews::select_file, fi '$'", fi);
-        tav::XTools::drop_file(sourceWidget_, fi);
-        tav::XTools::set_modifier(0);
-        return;
-    }
-    // 2
+    // 1, 2: a selection never drags (that takes a mouse gesture, see XDragOut).
     candidates_.clear();
     fiCurrent_ = fi;
     if (container_) WinFinder::show_status_for(container_, fi);

@@ -8,6 +8,7 @@
 #include "gui/panel/XSplitter.h"
 #include "gui/previews/PreviewAscii.h"
 #include "gui/previews/PreviewHex.h"
+#include "gui/tools/XDragOut.h"
 #include "gui/tools/XTools.h"
 #include "gui/viewText/XTextView.h"
 #include "gui/widgets/XBrowser.h"
@@ -58,6 +59,10 @@ PanelResults::PanelResults(QWidget* parent)
         else on_jump_to_result_simple(row);
     });
     tableResult_->eventContextMenu().add([this](int row) { on_context_menu(row); });
+    tav::XDragOut::install(tableResult_, [this](const QPoint& pos) {
+        const QModelIndex idx = tableResult_->indexAt(pos);
+        return idx.isValid() && idx.row() < model_->rowCount() ? model_->fromRow(idx.row()) : QFileInfo();
+    });
     tableResult_->eventDoubleClick().add([this](const QModelIndex& index) {
         if (index.isValid()) on_double_click(index.row());
     });
@@ -143,12 +148,6 @@ void PanelResults::on_jump_to_result(int row) {
     showStack(1);
     const FileResult fr = model_->fileResultFromRow(row);
     const QFileInfo& fi = fr.fileInfo;
-    if (tav::XTools::is_modifier_control()) {
-        log(32, "PanelResults::on_jump_to_result, fi '$'", fi);
-        tav::XTools::drop_file(tableResult_, fi);
-        tav::XTools::set_modifier(0);
-        return;
-    }
     WinFinder::show_status_for(this, fi);
     if (fr.layer.isBinary()) {
         log(32, "PanelResults::on_jump_to_result, BIN FILE !");
@@ -215,12 +214,6 @@ void PanelResults::on_jump_to_result_simple(int row) {
     log(32, "PanelResults::on_jump_to_result_simple");
     showStack(1);
     const QFileInfo fi = model_->fromRow(row);
-    if (tav::XTools::is_modifier_control()) {
-        log(32, "PanelResults::on_jump_to_result_simple, fi '$'", fi);
-        tav::XTools::drop_file(tableResult_, fi);
-        tav::XTools::set_modifier(0);
-        return;
-    }
     context_->select_file(fi);
 }
 

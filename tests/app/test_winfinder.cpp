@@ -4,8 +4,10 @@
 
 #include "base/node/XNode.h"
 #include "gui/kernel/KernelGUI.h"
+#include "gui/kernel/XInstanceChannel.h"
 #include "gui/panel/XPanelStacked.h"
 #include "gui/panel/XSplitter.h"
+#include "gui/tools/XDragOut.h"
 #include "gui/tools/XTools.h"
 #include "gui/widgets/XBox.h"
 #include "gui/widgets/XBrowser.h"
@@ -28,6 +30,7 @@
 #include <QStatusBar>
 #include <QToolButton>
 #include <QtTest>
+#include <future>
 
 using tavFinder::History;
 using tavFinder::WinFinder;
@@ -73,6 +76,7 @@ private slots:
     void rootFolderAndTreeColours();
     void windowTextsFollowTheLanguage();
     void hoverPreviewOnlyInLaterWindows();
+    void ctrlKeysAndSelectionsNeverDrag();
 };
 
 void TestWinFinder::initTestCase() {
@@ -338,6 +342,7 @@ void TestWinFinder::keysReachTheirActions() {
 
 void TestWinFinder::hideAndShowThroughTheTray() {
     tav::KernelGUI::setTavStyleNewStandard();
+    WinFinder::setTrayAvailableOverride(1);
     QPointer<WinFinder> w = open(abs(QStringLiteral("d")));
     QVERIFY(WinTray::exists());
     WinTray* tray = WinTray::get();
@@ -360,6 +365,24 @@ void TestWinFinder::hideAndShowThroughTheTray() {
     w->setupTray();
     QCOMPARE(tray->menu()->actions().size(), entries);
     QCOMPARE(logs.linesAtLevel(4), QStringList{QStringLiteral("WindowBase::setupTray, actionShow already exists")});
+
+    // Without a system tray hiding would lose the window: it is minimised instead,
+    // and a request on the instance channel (a second start) brings it back.
+    WinFinder::setTrayAvailableOverride(0);
+    QTest::keyClick(w, Qt::Key_H, Qt::AltModifier);
+    QVERIFY(w->isVisible());
+    QTRY_VERIFY(w->isMinimized());
+    tav::XInstanceChannel channel(QStringLiteral("testRaise"));
+    QVERIFY(channel.listen());
+    channel.eventRequest().add([](const QByteArray& r) {
+        if (r == "show") WinFinder::showAllWindows();
+    });
+    auto answered = std::async(std::launch::async, [] { return tav::XInstanceChannel::send(QStringLiteral("testRaise"), "show"); });
+    QTRY_VERIFY(!w->isMinimized());
+    QVERIFY(w->isVisible());
+    QVERIFY(answered.get());
+    QVERIFY(!tav::XInstanceChannel::send(QStringLiteral("nobodyListens"), "show", 500));
+    WinFinder::setTrayAvailableOverride(-1);
     // Closing the window takes its entry out of the menu.
     closeNow(w);
     QCOMPARE(tray->menu()->actions().size(), entries - 1);
@@ -468,6 +491,67 @@ void TestWinFinder::hoverPreviewOnlyInLaterWindows() {
     kernel.eventModifier(0).clear();
     kernel.eventModifier(1).clear();
     closeNow(first);
+}
+
+namespace {
+QStringList gWarnings;
+void keepWarnings(QtMsgType type, const QMessageLogContext&, const QString& msg) {
+    if (type != QtDebugMsg && type != QtInfoMsg) gWarnings << msg;
+}
+}
+
+void TestWinFinder::ctrlKeysAndSelectionsNeverDrag() {
+    gWarnings.clear();
+    const QtMessageHandler before = qInstallMessageHandler(keepWarnings);
+    tftest::LogCapture logs;
+    const QString one = abs(QStringLiteral("a/one.txt"));
+    QPointer<WinFinder> w = open(one);
+    QTRY_COMPARE(w->treeView()->selectedFile().absoluteFilePath(), one);
+    const int drags = tav::XDragOut::started();
+    // Ctrl+N with a selected file, Escape in the new window, many times over:
+    // each new window selects the file, nothing drags, nothing crashes.
+    for (int i = 0; i < 20; ++i) {
+        w->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(w));
+        const size_t windows = tav::XTools::getAbstractWindows(true, true).size();
+        QTest::keyClick(w, Qt::Key_N, Qt::ControlModifier);
+        QCOMPARE(tav::XTools::getAbstractWindows(true, true).size(), windows + 1);
+        QPointer<WinFinder> second = qobject_cast<WinFinder*>(tav::XTools::getAbstractWindows(true, true).back()->widget());
+        QVERIFY(second);
+        QTest::keyClick(second, Qt::Key_Escape, Qt::ControlModifier);
+        QTRY_COMPARE(second->treeView()->selectedFile().absoluteFilePath(), one);
+        if (i % 5 == 4) QTest::qWait(50);   // let the file model load in between
+        closeNow(second);
+    }
+    // Ctrl+2 and selecting a folder or a file while Ctrl is held preview, never drag.
+    QTest::keyPress(w, Qt::Key_Control, Qt::ControlModifier);
+    QTest::keyClick(w, Qt::Key_2, Qt::ControlModifier);
+    QVERIFY(w->treeView()->selectFile(abs(QStringLiteral("a/b")), true));
+    QTRY_COMPARE(w->getCurrentFile().absoluteFilePath(), abs(QStringLiteral("a/b")));
+    QVERIFY(w->treeView()->selectFile(one, false));
+    QTRY_COMPARE(w->getCurrentFile().absoluteFilePath(), one);
+    QTest::keyRelease(w, Qt::Key_Control, Qt::NoModifier);
+    QCOMPARE(tav::XDragOut::started(), drags);
+    QVERIFY(!logs.contains(QStringLiteral("XTools::drop_file")));
+
+    // A real gesture does drag: pressed on the item, moved past the drag distance with Ctrl.
+    tav::XTreeViewFiles* t = w->treeView();
+    const QRect r = t->visualRect(t->indexOfPath(one));
+    QVERIFY(r.isValid());
+    const QPoint far = r.center() + QPoint(QApplication::startDragDistance() + 5, 0);
+    QTest::mousePress(t->viewport(), Qt::LeftButton, Qt::NoModifier, r.center());
+    QMouseEvent plainMove(QEvent::MouseMove, far, Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(t->viewport(), &plainMove);
+    QCOMPARE(tav::XDragOut::started(), drags);   // without Ctrl: a selection, no drag
+    QMouseEvent ctrlMove(QEvent::MouseMove, far, Qt::NoButton, Qt::LeftButton, Qt::ControlModifier);
+    QApplication::sendEvent(t->viewport(), &ctrlMove);
+    QCOMPARE(tav::XDragOut::started(), drags + 1);
+    QVERIFY(logs.contains(QStringLiteral("XTools::drop_file, <<<") + one));
+    QTest::mouseRelease(t->viewport(), Qt::LeftButton, Qt::NoModifier, far);
+
+    closeNow(w);
+    qInstallMessageHandler(before);
+    for (const QString& m : gWarnings) QVERIFY2(!m.contains(QStringLiteral("wrong model")), qPrintable(m));
 }
 
 QTEST_MAIN(TestWinFinder)

@@ -149,6 +149,7 @@ bool XTools::drop_file(QWidget* source, const QFileInfo& fi) {
         log(4, "XTools::drop_file, <<<$>>> 404", fi.absoluteFilePath());
         return false;
     }
+    log(32, "XTools::drop_file, <<<$>>>", fi.absoluteFilePath());
     auto* mime = new QMimeData;
     mime->setUrls({QUrl::fromLocalFile(fi.absoluteFilePath())});
     mime->setText(fi.absoluteFilePath());

@@ -1,5 +1,6 @@
 #include "gui/widgets/XTreeViewFiles.h"
 
+#include "gui/tools/XDragOut.h"
 #include "base/log/Logger.h"
 #include "base/node/XNode.h"
 
@@ -90,6 +91,7 @@ XTreeViewFiles::XTreeViewFiles(QWidget* parent)
     setSortingEnabled(true);
     sortByColumn(NAME, Qt::AscendingOrder);
     applyColumns();
+    XDragOut::install(this, [this](const QPoint& pos) { return fileAt(indexAt(pos)); });
 
     connect(selectionModel(), &QItemSelectionModel::currentChanged, this, [this](const QModelIndex& cur) {
         const QFileInfo fi = fileAt(cur);
@@ -191,10 +193,16 @@ bool XTreeViewFiles::selectFile(const QString& path, bool expand) {
         log(16, "XTreeViewFiles::selectFile, <<<$>>> not in the tree", fi.absoluteFilePath());
         return false;
     }
+    // Selecting runs the owner's handlers, which may change the model (or run
+    // an event loop): the index is looked up again after each step.
+    const QString target = fi.absoluteFilePath();
     setCurrentIndex(idx);
-    selectionModel()->select(idx, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
-    if (expand) this->expand(idx);
-    scrollTo(idx, QAbstractItemView::PositionAtCenter);
+    QModelIndex now = indexOfPath(target);
+    if (now.isValid()) selectionModel()->select(now, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    now = indexOfPath(target);
+    if (expand && now.isValid()) this->expand(now);
+    now = indexOfPath(target);
+    if (now.isValid()) scrollTo(now, QAbstractItemView::PositionAtCenter);
     pendingScroll_ = cleanPath(fi.absoluteFilePath());
     pendingScrollUntil_ = QDateTime::currentMSecsSinceEpoch() + 3000;
     return true;

@@ -8,6 +8,7 @@
 #include "gui/panel/XSplitter.h"
 #include "gui/table/XTableWidget.h"
 #include "gui/thumbs/XVScrollPanel.h"
+#include "gui/tools/XDragOut.h"
 #include "gui/tools/XTools.h"
 #include "src/dir/ContextPreviews.h"
 #include "src/dir/LimitedPreviewContainer.h"
@@ -76,6 +77,10 @@ void private_PreviewDir::ini() {
 
     table_->eventHeaderClicked().add([this](int c) { onHeaderClicked(c); });
     table_->eventRowClicked().add([this](int r) { onRowClicked(r); });
+    tav::XDragOut::install(table_, [this](const QPoint& pos) {
+        const int row = table_->rowAt(pos.y());
+        return row >= 0 && row < entries_.size() ? entries_[row] : QFileInfo();
+    });
     table_->eventRowDoubleClicked().add([this](int r) {
         if (r >= 0 && r < entries_.size()) owner_->eventFileActivated().fire(entries_[r]);
     });
