@@ -1,6 +1,7 @@
 #include "src/gui/WinFinder.h"
 
 #include "base/env/Env.h"
+#include "base/io/XFileIO.h"
 #include "base/find/XContentFilter.h"
 #include "base/log/Logger.h"
 #include "base/node/XNode.h"
@@ -35,6 +36,11 @@
 #include <QDir>
 #include <QFileSystemModel>
 #include <QPointer>
+#include <QBoxLayout>
+#include <QFrame>
+#include <QLabel>
+#include <QPalette>
+#include <QToolButton>
 
 namespace tavFinder {
 
@@ -62,6 +68,7 @@ WinFinder::~WinFinder() {
     thScanDir.reset();
     // A window deleted without closing must not leave listeners on the kernel.
     remove_modifier_listeners();
+    remove_output_files(outputFiles_);
     // The contexts point into widgets that go with this window.
     contexts_.clear();
 }
@@ -268,6 +275,10 @@ void WinFinder::remove_modifier_listeners() {
 
 void WinFinder::on_close_save_state() {
     remove_modifier_listeners();
+    save_state();
+}
+
+void WinFinder::save_state() {
     tav::XNode* nWin = nodeWin();
     if (!X_ASSERT_MSG(nWin, "nWin == NULL") || !treeView_) return;
     splitter_->stateToNode(nWin, QStringLiteral("splitter"));
@@ -277,6 +288,44 @@ void WinFinder::on_close_save_state() {
     container_preview_->to_node();
     nWin->setUInt(QStringLiteral("filterFlags"), filterFlags_.flags());
     saveSearchHistory();
+}
+
+void WinFinder::show_notice(const QString& text) {
+    if (text.isEmpty() || !content_) return;
+    delete notice_.data();
+    auto* frame = new QFrame(content_);
+    frame->setObjectName(QStringLiteral("notice"));
+    frame->setFrameShape(QFrame::StyledPanel);
+    frame->setAutoFillBackground(true);
+    QPalette pal = frame->palette();
+    pal.setColor(QPalette::Window, pal.color(QPalette::ToolTipBase));
+    pal.setColor(QPalette::WindowText, pal.color(QPalette::ToolTipText));
+    frame->setPalette(pal);
+    auto* row = new QHBoxLayout(frame);
+    row->setContentsMargins(8, 4, 4, 4);
+    auto* label = new QLabel(text, frame);
+    label->setWordWrap(true);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    row->addWidget(label, 1);
+    auto* close = new QToolButton(frame);
+    close->setObjectName(QStringLiteral("noticeClose"));
+    close->setText(QStringLiteral("✕"));
+    close->setToolTip(tav::xt("Close"));
+    close->setAutoRaise(true);
+    row->addWidget(close, 0, Qt::AlignTop);
+    connect(close, &QToolButton::clicked, frame, &QObject::deleteLater);
+    if (auto* box = qobject_cast<QBoxLayout*>(content_->layout())) box->insertWidget(0, frame);
+    notice_ = frame;
+    log(4, "WinFinder::show_notice, $", text);
+}
+
+QString WinFinder::damaged_files_notice() {
+    QStringList lines;
+    for (const tav::MovedAside& m : tav::takeMovedAside())
+        lines << tav::fill(tav::xt("The file $ was damaged and could not be read; Talvo Finder uses defaults instead. "
+                                   "The damaged file was kept as $."),
+                           m.path, m.copy);
+    return lines.join(QLatin1Char('\n'));
 }
 
 void WinFinder::on_treeView_selectFile(const QFileInfo& fi) {

@@ -11,6 +11,7 @@
 
 #include <QColor>
 #include <QFileInfo>
+#include <QStringList>
 #include <memory>
 #include <vector>
 
@@ -108,6 +109,17 @@ public:
     // Quit with the configured confirmation, and the end itself.
     static void quit_application();
     static void quit_the_app();
+    // Writes this window's state (splitter, tree, filters, search history) into
+    // its node without closing it: the session may end right after.
+    void save_state();
+    // A line at the top of the window that stays until the user closes it.
+    void show_notice(const QString& text);
+    QWidget* notice() const { return notice_; }
+    // Files found damaged at start ("file moved aside, defaults used"), told once.
+    static QString damaged_files_notice();
+    // Files holding started programs' output shown in this window.
+    const QStringList& output_files() const { return outputFiles_; }
+    static void remove_output_files(const QStringList& files);
 
     // ---- navigation (WinFinder_navigate.cpp) ------------------------------------------------
     void on_navi_root();
@@ -197,6 +209,12 @@ public:
     void fill_settings_menu(tav::XMenu& menu);
     void on_rename();
     void rename_file(const QFileInfo& fi);
+    // Empty when 'name' can be a new file name here, else why not.
+    static QString check_new_name(const QString& name);
+    // Delete moves to the desktop's trash; off, it asks twice and deletes for good
+    // (tests turn it off to act as a place without a trash).
+    static void set_trash_enabled(bool on);
+    static bool trash_enabled();
     void on_delete(const QFileInfo& fi);
     // "Rename" and "Delete" after a separator, unless the configuration is read-only.
     void add_modify_entries(tav::XMenu& menu, const QFileInfo& fi);
@@ -294,6 +312,9 @@ private:
     tav::XPanel* content_ = nullptr;
     tav::XSplitter* splitter_ = nullptr;
     QLabel* statusLabel_ = nullptr;
+    QPointer<QWidget> notice_;
+    QStringList outputFiles_;
+    static QStringList& outputFilesOfAll();
 
     // filter panel
     tav::XPanelStacked* panelFind_ = nullptr;

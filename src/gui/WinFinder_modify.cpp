@@ -13,6 +13,19 @@
 
 #include <QAction>
 #include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QLocale>
+#include <atomic>
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <ftw.h>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace tavFinder {
 
@@ -49,38 +62,147 @@ void selectParent(WinFinder* win, const QString& folder) {
 }
 }
 
+namespace {
+// Why a rename or delete failed, in the user's words.
+QString reasonOf(int err) {
+    switch (err) {
+    case EEXIST:
+    case ENOTEMPTY: return xt("a file or folder with this name already exists");
+    case EACCES:
+    case EPERM: return xt("permission denied");
+    case EROFS: return xt("read-only file system");
+    case ENOENT: return xt("the file or folder no longer exists");
+    case ENAMETOOLONG: return xt("the name is too long");
+    case EBUSY: return xt("the file or folder is in use");
+    default: return QString::fromLocal8Bit(std::strerror(err));
+    }
+}
+
+// Renames without ever replacing an existing entry, also when one appears
+// between a check and the rename.
+int renameNoReplace(const QString& from, const QString& to) {
+    const QByteArray a = QFile::encodeName(from), b = QFile::encodeName(to);
+#ifdef RENAME_NOREPLACE
+    if (::renameat2(AT_FDCWD, a.constData(), AT_FDCWD, b.constData(), RENAME_NOREPLACE) == 0) return 0;
+    if (errno != EINVAL && errno != ENOSYS) return errno;
+#endif
+    struct stat st;
+    if (::lstat(b.constData(), &st) == 0) return EEXIST;
+    return ::rename(a.constData(), b.constData()) == 0 ? 0 : errno;
+}
+
+// Removes a file or a folder tree for good; the first failure's errno and path.
+int removeForGood(const QString& path, QString* failedPath) {
+    static thread_local int firstErr;
+    static thread_local std::string firstPath;
+    firstErr = 0;
+    firstPath.clear();
+    const QByteArray p = QFile::encodeName(path);
+    auto remove = [](const char* f, const struct stat*, int, struct FTW*) -> int {
+        if (::remove(f) != 0 && firstErr == 0) {
+            firstErr = errno;
+            firstPath = f;
+        }
+        return 0;   // go on: remove what can be removed
+    };
+    if (::nftw(p.constData(), remove, 32, FTW_DEPTH | FTW_PHYS) != 0 && firstErr == 0) {
+        firstErr = errno;
+        firstPath = p.constData();
+    }
+    if (failedPath) *failedPath = QFile::decodeName(QByteArray::fromStdString(firstPath));
+    return firstErr;
+}
+
+// Files below a folder, counted up to a limit so a huge tree does not stall the question.
+qint64 countFiles(const QString& dir, qint64 limit, bool* more) {
+    qint64 n = 0;
+    *more = false;
+    QDirIterator it(dir, QDir::Files | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        it.next();
+        if (++n >= limit) {
+            *more = it.hasNext();
+            break;
+        }
+    }
+    return n;
+}
+}
+
+QString WinFinder::check_new_name(const QString& name) {
+    if (name == QLatin1String(".") || name == QLatin1String("..") || name.contains(QLatin1Char('/')) || name.contains(QChar(0)))
+        return xt("A name cannot contain '/' and cannot be '.' or '..'.");
+    if (QFile::encodeName(name).size() > NAME_MAX) return reasonOf(ENAMETOOLONG);
+    return QString();
+}
+
 void WinFinder::rename_file(const QFileInfo& fi) {
     const QString name = tav::XBoxInput::get_text(this, xt("Rename"), QString(), fi.fileName());
     if (name.isEmpty()) return;
-    // Taken as entered; the platform's own separator joins folder and name.
-    const QString newPath = fi.absolutePath() + QDir::separator() + name;
-    // An existing target (the current name included) is never replaced.
-    const bool ok = !QFileInfo::exists(newPath) && QDir().rename(fi.absoluteFilePath(), newPath);
-    if (!ok) {
-        tav::XBox::warn(this, xt("Error"), xt("Cannot rename file"));
+    // A separator would move the file into another folder: only a name is taken.
+    QString why = check_new_name(name);
+    const QString newPath = fi.absolutePath() + QLatin1Char('/') + name;
+    if (why.isEmpty()) {
+        const int err = name == fi.fileName() ? EEXIST : renameNoReplace(fi.absoluteFilePath(), newPath);
+        if (err != 0) why = reasonOf(err);
+    }
+    if (!why.isEmpty()) {
+        log(4, "WinFinder::rename_file, <<<$>>> to '$': $", fi, name, why);
+        tav::XBox::warn(this, xt("Error"), tav::fill("$\n$\n$", xt("Cannot rename file"), fi.absoluteFilePath(), why));
         return;
     }
     selectParent(this, fi.absolutePath());
 }
 
 void WinFinder::on_delete(const QFileInfo& fi) {
-    const bool isDir = fi.isDir();
-    const QString question = tav::fill("$\n$", isDir ? xt("Do you really want to delete directory ?")
-                                                       : xt("Do you really want to delete file ?"),
-                                       fi.absoluteFilePath());
+    const bool isDir = fi.isDir() && !fi.isSymLink();
+    QString question = tav::fill("$\n$", isDir ? xt("Do you really want to delete directory ?")
+                                                : xt("Do you really want to delete file ?"),
+                                 fi.absoluteFilePath());
+    if (isDir) {
+        bool more = false;
+        const qint64 n = countFiles(fi.absoluteFilePath(), 100000, &more);
+        question += QLatin1Char('\n') + tav::fill(xt("…and everything in it ($ files)"),
+                                                  QLocale().toString(n) + (more ? QStringLiteral("+") : QString()));
+    }
     if (!tav::XBox::ask_yes_no(this, isDir ? xt("Delete Directory") : xt("Delete File"), question)) return;
     // The preview must not hold the file open while it goes.
     if (tav::Preview* p = ContextPreviews::currentPreview()) {
         p->close_preview();
         log(16, "WinFinder_modify::on_delete, Preview-Open-Counter:$", tav::Preview::open_counter());
     }
-    const bool ok = isDir ? QDir(fi.absoluteFilePath()).removeRecursively() : tav::deleteFile(fi.absoluteFilePath());
-    if (!ok) {
-        tav::XBox::warn(this, xt("Error"),
-                        tav::fill("$\n$", isDir ? xt("Cannot Delete Directory") : xt("Cannot Delete File"), fi.absoluteFilePath()));
+    const QString path = fi.absoluteFilePath();
+    if (!fi.exists() && !fi.isSymLink()) {
+        tav::XBox::warn(this, xt("Error"), tav::fill("$\n$\n$", isDir ? xt("Cannot Delete Directory") : xt("Cannot Delete File"),
+                                                     path, reasonOf(ENOENT)));
+        return;
+    }
+    // The trash first, so a mistake can be undone; without one, a second question.
+    if (trash_enabled() && QFile::moveToTrash(path)) {
+        log(16, "WinFinder_modify::on_delete, <<<$>>> moved to the trash", path);
+        selectParent(this, fi.absolutePath());
+        return;
+    }
+    log(16, "WinFinder_modify::on_delete, no trash for <<<$>>>", path);
+    if (!tav::XBox::ask_yes_no(this, isDir ? xt("Delete Directory") : xt("Delete File"),
+                               tav::fill("$\n$", xt("This cannot be moved to a trash. Delete it for good?"), path)))
+        return;
+    QString failed;
+    const int err = removeForGood(path, &failed);
+    if (err != 0) {
+        log(4, "WinFinder::on_delete, <<<$>>>: $", failed, reasonOf(err));
+        tav::XBox::warn(this, xt("Error"), tav::fill("$\n$\n$", isDir ? xt("Cannot Delete Directory") : xt("Cannot Delete File"),
+                                                     failed.isEmpty() ? path : failed, reasonOf(err)));
+        if (!QFileInfo::exists(path)) selectParent(this, fi.absolutePath());
         return;
     }
     selectParent(this, fi.absolutePath());
 }
+
+namespace {
+std::atomic<bool> gTrash{true};
+}
+void WinFinder::set_trash_enabled(bool on) { gTrash = on; }
+bool WinFinder::trash_enabled() { return gTrash; }
 
 } // namespace tavFinder

@@ -1,6 +1,10 @@
 // Custom applications from the main window: the "Open with ..." submenu, the
 // applications editor, and the way back of a program's output.
 #include "base/env/Env.h"
+
+#include <QCoreApplication>
+#include <QFile>
+
 #include "base/log/Logger.h"
 #include "base/thread/XThread.h"
 #include "gui/panel/XPanelStacked.h"
@@ -77,15 +81,19 @@ QString WinFinder::output_target(const QString& text) {
 }
 
 void WinFinder::show_process_output(const QString& text) {
-    // 1: the text goes to a file of its own, shown like any other file; it is kept.
+    // 1: the text goes to a file of its own, shown like any other file; it goes
+    // when this window closes or the program ends.
     QTemporaryFile tmp(QDir::temp().absoluteFilePath(QStringLiteral("tavFind-output-XXXXXXXXXXXXXXXX.txt")));
     tmp.setAutoRemove(false);
     if (!tmp.open() || tmp.write(text.toUtf8()) <= 0) {
         log(4, "WinFinder::show_process_output, cannot write <<<$>>>", tmp.fileName());
+        if (tmp.isOpen()) tmp.remove();
         return;
     }
     tmp.close();
     const QString tmpPath = tmp.fileName();
+    outputFiles_ << tmpPath;
+    outputFilesOfAll() << tmpPath;
     // 2
     QString target = output_target(text);
     if (!target.isEmpty() && !QFileInfo::exists(target)) {
@@ -101,10 +109,27 @@ void WinFinder::show_process_output(const QString& text) {
     contextMain_->select_file(QFileInfo(tmpPath));
 }
 
+QStringList& WinFinder::outputFilesOfAll() {
+    static QStringList files;
+    return files;
+}
+
+void WinFinder::remove_output_files(const QStringList& files) {
+    for (const QString& f : files) {
+        QFile::remove(f);
+        outputFilesOfAll().removeAll(f);
+    }
+}
+
 void WinFinder::register_process_output_consumer() {
     static bool registered = false;
     if (registered) return;
     registered = true;
+    // Windows still open at the end are not deleted: their output files go here.
+    QObject::connect(qApp, &QCoreApplication::aboutToQuit, qApp, []() {
+        const QStringList all = outputFilesOfAll();
+        remove_output_files(all);
+    });
     XAppRunner::eventProcessOutput().add([](const QString& text) {
         for (tav::AbstractWindow* w : tav::XTools::getAbstractWindows(true, false)) {
             auto* win = dynamic_cast<WinFinder*>(w);

@@ -31,6 +31,7 @@
 #include <QToolButton>
 #include <QtTest>
 #include <functional>
+#include <unistd.h>
 
 using namespace tavFinder;
 
@@ -291,10 +292,32 @@ private slots:
             QVERIFY(logs.contains(QStringLiteral("XBox::warn, title:'Error'")));
             QVERIFY(QFileInfo::exists(note));
         }
+        QVERIFY(tav::XBox::lastText().contains(QStringLiteral("already exists")));
         QFile f(other);
         QVERIFY(f.open(QIODevice::ReadOnly));
         QCOMPARE(f.readAll(), QByteArray("other"));
         f.close();
+
+        // A name is only a name: separators and the dot folders are refused with a
+        // reason, and nothing moves into another folder.
+        for (const QString& name : {QStringLiteral("../note.txt"), QStringLiteral("deep/note.txt"), QStringLiteral(".."),
+                                    QStringLiteral(".")}) {
+            logs.clear();
+            tav::XBoxInput::setScriptedText(name);
+            win->rename_file(QFileInfo(note));
+            QVERIFY2(logs.contains(QStringLiteral("XBox::warn, title:'Error'")), qPrintable(name));
+            QVERIFY(tav::XBox::lastText().contains(QStringLiteral("'/'")));
+            QVERIFY(QFileInfo::exists(note));
+        }
+        QVERIFY(!QFileInfo::exists(abs(QStringLiteral("note.txt"))) && !QFileInfo::exists(abs(QStringLiteral("docs/deep/note.txt"))));
+        // A folder the user may not write to says so (root may write anywhere).
+        if (::geteuid() != 0) {
+            QFile::setPermissions(abs(QStringLiteral("docs/deep")), QFileDevice::ReadOwner | QFileDevice::ExeOwner);
+            tav::XBoxInput::setScriptedText(QStringLiteral("renamed.txt"));
+            win->rename_file(QFileInfo(abs(QStringLiteral("docs/deep/er"))));
+            QVERIFY(tav::XBox::lastText().contains(QStringLiteral("permission denied")));
+            QFile::setPermissions(abs(QStringLiteral("docs/deep")), QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+        }
 
         // Cancelling the input changes nothing.
         tav::XBox::setScriptedAnswer(0);
@@ -334,19 +357,44 @@ private slots:
         QVERIFY(logs.contains(QStringLiteral("WinFinder_modify::on_delete, Preview-Open-Counter:0")));
         QVERIFY(!QFileInfo::exists(viaF2));
 
-        // Delete: "no" keeps the file; "yes" removes a file, or a folder with everything in it.
+        const QString trash = env.dataHome() + QStringLiteral("/Trash/files/");
+        QVERIFY(QFile::exists(trash + QStringLiteral("viaF2.txt")));
+
+        // Delete: "no" keeps the file; "yes" moves a file, or a folder with everything
+        // in it, to the trash; the question counts the folder's files.
         tav::XBox::setScriptedAnswer(0);
         win->on_delete(QFileInfo(other));
         QVERIFY(QFileInfo::exists(other));
         tav::XBox::setScriptedAnswer(1);
         win->on_delete(QFileInfo(other));
         QVERIFY(!QFileInfo::exists(other));
+        QVERIFY(QFile::exists(trash + QStringLiteral("other.txt")));
+        tree.file(QStringLiteral("folder/sub/y.txt"), "y");
+        tav::XBox::setScriptedAnswer(0);
+        win->on_delete(QFileInfo(abs(QStringLiteral("folder"))));
+        QVERIFY(tav::XBox::lastText().contains(QStringLiteral("everything in it (2 files)")));
+        tav::XBox::setScriptedAnswer(1);
         win->on_delete(QFileInfo(abs(QStringLiteral("folder"))));
         QVERIFY(!QFileInfo::exists(abs(QStringLiteral("folder"))));
-        // A file that is already gone gives the warning.
+        QVERIFY(QFile::exists(trash + QStringLiteral("folder/sub/y.txt")));
+        // A file that is already gone gives the warning, with the reason.
         logs.clear();
         win->on_delete(QFileInfo(other));
         QVERIFY(logs.contains(QStringLiteral("XBox::warn, title:'Error'")));
+        QVERIFY(tav::XBox::lastText().contains(QStringLiteral("no longer exists")));
+
+        // Without a trash the user is asked a second time; "no" there keeps the file.
+        WinFinder::set_trash_enabled(false);
+        const QString gone = abs(QStringLiteral("docs/gone.txt"));
+        tree.file(QStringLiteral("docs/gone.txt"), "g");
+        tav::XBox::setScriptedAnswer(1);
+        const int asked = tav::XBox::countShown();
+        win->on_delete(QFileInfo(gone));
+        QCOMPARE(tav::XBox::countShown() - asked, 2);
+        QVERIFY(tav::XBox::lastText().contains(QStringLiteral("for good")));
+        QVERIFY(!QFileInfo::exists(gone));
+        QVERIFY(!QFile::exists(trash + QStringLiteral("gone.txt")));
+        WinFinder::set_trash_enabled(true);
     }
 
     void comboHistoryEditor() {

@@ -202,8 +202,17 @@ private slots:
         XApp broken = record(QStringLiteral("broken"), QStringLiteral("Broken"));
         broken.set_path(abs(QStringLiteral("nobin/none")));
         XAppRunner::start_program(broken);
-        QTRY_COMPARE_WITH_TIMEOUT(received, QStringList{QStringLiteral("Process Error\nProcess Error\n")}, 5000);
+        const QString none = abs(QStringLiteral("nobin/none"));
+        QTRY_COMPARE_WITH_TIMEOUT(received, QStringList{QStringLiteral("Process Error\nThe program '%1' was not found.\n").arg(none)}, 5000);
+        // One on PATH that is missing is named too; a file that may not run says so.
+        received.clear();
+        broken.set_path(QStringLiteral("no-such-program-anywhere"));
+        XAppRunner::start_program(broken);
+        QTRY_COMPARE_WITH_TIMEOUT(received, QStringList{QStringLiteral("Process Error\nThe program 'no-such-program-anywhere' was not found.\n")}, 5000);
         XAppRunner::eventProcessOutput().remove(id);
+        tree.file(QStringLiteral("nobin/plain"), "#!/bin/sh\n");
+        QCOMPARE(XAppRunner::start_error_text(abs(QStringLiteral("nobin/plain")), QProcess::FailedToStart, QStringLiteral("x")),
+                 QStringLiteral("The program '%1' may not be run (permission denied).").arg(abs(QStringLiteral("nobin/plain"))));
     }
 
     void terminalRunArguments() {

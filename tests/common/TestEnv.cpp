@@ -19,10 +19,12 @@ TestEnv::TestEnv() {
     d.mkpath(QStringLiteral("config"));
     d.mkpath(QStringLiteral("cache"));
     d.mkpath(QStringLiteral("runtime"));
+    d.mkpath(QStringLiteral("data"));   // the trash lives here: never the user's own
     QFile::setPermissions(runtimeDir(), QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
     qputenv("XDG_CONFIG_HOME", configHome().toLocal8Bit());
     qputenv("XDG_CACHE_HOME", cacheHome().toLocal8Bit());
     qputenv("XDG_RUNTIME_DIR", runtimeDir().toLocal8Bit());
+    qputenv("XDG_DATA_HOME", dataHome().toLocal8Bit());
     tav::Logger::setStderrEnabled(qEnvironmentVariableIsSet("TF_TEST_LOG"));
 }
 TestEnv::~TestEnv() = default;
@@ -38,6 +40,7 @@ QProcessEnvironment TestEnv::processEnvironment(bool display) const {
     e.insert(QStringLiteral("XDG_CONFIG_HOME"), configHome());
     e.insert(QStringLiteral("XDG_CACHE_HOME"), cacheHome());
     e.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtimeDir());
+    e.insert(QStringLiteral("XDG_DATA_HOME"), dataHome());
     if (display) {
         e.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     } else {
@@ -50,6 +53,7 @@ QString TestEnv::programPath() { return qEnvironmentVariable("TF_TEST_BINARY_DIR
 QString TestEnv::configHome() const { return dir_.path() + QStringLiteral("/config"); }
 QString TestEnv::cacheHome() const { return dir_.path() + QStringLiteral("/cache"); }
 QString TestEnv::runtimeDir() const { return dir_.path() + QStringLiteral("/runtime"); }
+QString TestEnv::dataHome() const { return dir_.path() + QStringLiteral("/data"); }
 
 struct LogCapture::Impl {
     mutable std::mutex mutex;   // visible to the thread sanitizer

@@ -21,6 +21,7 @@ public:
     QString configHome() const;
     QString cacheHome() const;
     QString runtimeDir() const;
+    QString dataHome() const;
     QString root() const { return dir_.path(); }
     // Writes the configuration node so that "app" starts without the first-run
     // message (a modal dialog that would wait for a user).

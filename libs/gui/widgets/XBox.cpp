@@ -12,9 +12,11 @@ namespace {
 std::atomic<int> gAnswer{-1};
 std::atomic<int> gShown{0};
 QString gScriptedText;
+QString gLastText;
 
-bool scripted(const char* kind, const QString& title, int* answer) {
+bool scripted(const char* kind, const QString& title, int* answer, const QString& text = QString()) {
     ++gShown;
+    gLastText = text;
     const int a = gAnswer.load();
     if (a < 0) return false;
     log(32, "XBox::$, title:'$', scripted answer:$", kind, title, a);
@@ -26,23 +28,24 @@ bool scripted(const char* kind, const QString& title, int* answer) {
 void XBox::setScriptedAnswer(int answer) { gAnswer = answer; }
 int XBox::scriptedAnswer() { return gAnswer; }
 int XBox::countShown() { return gShown; }
+QString XBox::lastText() { return gLastText; }
 
 bool XBox::ask_yes_no(QWidget* parent, const QString& title, const QString& text) {
     int a = 0;
-    if (scripted("ask_yes_no", title, &a)) return a == 1;
+    if (scripted("ask_yes_no", title, &a, text)) return a == 1;
     return QMessageBox::question(parent, title, text, QMessageBox::Yes | QMessageBox::No, QMessageBox::No) ==
            QMessageBox::Yes;
 }
 
 void XBox::warn(QWidget* parent, const QString& title, const QString& text) {
     int a = 0;
-    if (scripted("warn", title, &a)) return;
+    if (scripted("warn", title, &a, text)) return;
     QMessageBox::warning(parent, title, text);
 }
 
 void XBox::info(QWidget* parent, const QString& title, const QString& text) {
     int a = 0;
-    if (scripted("info", title, &a)) return;
+    if (scripted("info", title, &a, text)) return;
     QMessageBox::information(parent, title, text);
 }
 

@@ -19,6 +19,8 @@ public:
     static int scriptedAnswer();
     // Number of boxes opened so far (shown or answered by script).
     static int countShown();
+    // The text of the last box asked for (scripted or shown); tests read it.
+    static QString lastText();
 };
 
 class XBoxInput {

@@ -4,6 +4,8 @@
 #include "base/log/Logger.h"
 #include "base/tree/XTreeArray.h"
 #include "base/tree/XTypeSupporter.h"
+
+#include <QStandardPaths>
 #include "gui/tools/XTools.h"
 #include "src/FindApplication.h"
 #include "src/gui/apps/XType_App.h"
@@ -45,15 +47,35 @@ bool XAppManager::save() { return tree().save_as_compressed_file(fileInfo(), typ
 tav::XTree XAppManager::defaults() {
     tav::XTree t;
     tav::XTreeArray& programs = t.setArray(QLatin1String(KEY_PROGRAMS), tav::XTreeArray(0, XType_App::appType()));
-    auto app = std::make_unique<XApp>(XApp::Empty{});
-    app->set_name(QStringLiteral("notepad"));
-    app->set_path(QStringLiteral("notepad"));
-    app->set_title(QStringLiteral("Classical notepad"));
-    app->set_flag_terminal(false);
-    app->set_arguments(QStringLiteral("$(G_PATH)"));
-    app->set_tool_tip(QStringLiteral("Windows Standard Editor"));
-    programs.append(std::move(app));
+    // What every Linux desktop has: its own program for the file, and an editor in a terminal.
+    auto desktop = std::make_unique<XApp>(XApp::Empty{});
+    desktop->set_name(QStringLiteral("desktop"));
+    desktop->set_path(QStringLiteral("xdg-open"));
+    desktop->set_title(QStringLiteral("Desktop editor"));
+    desktop->set_flag_terminal(false);
+    desktop->set_arguments(QStringLiteral("$(G_PATH)"));
+    desktop->set_tool_tip(QStringLiteral("The desktop's program for the file (xdg-open)"));
+    programs.append(std::move(desktop));
+    auto editor = std::make_unique<XApp>(XApp::Empty{});
+    editor->set_name(QStringLiteral("terminalEditor"));
+    editor->set_path(terminal_editor());
+    editor->set_title(QStringLiteral("Terminal editor"));
+    editor->set_flag_terminal(true);
+    editor->set_arguments(QStringLiteral("$(G_PATH)"));
+    editor->set_tool_tip(QStringLiteral("The file in a text editor in a terminal"));
+    programs.append(std::move(editor));
     return t;
+}
+
+QString XAppManager::terminal_editor() {
+    // $VISUAL / $EDITOR as the user chose, then the system's choice, then the usual ones.
+    for (const char* var : {"VISUAL", "EDITOR"}) {
+        const QString v = qEnvironmentVariable(var).trimmed();
+        if (!v.isEmpty() && !v.contains(QLatin1Char(' ')) && !QStandardPaths::findExecutable(v).isEmpty()) return v;
+    }
+    for (const char* p : {"editor", "nano", "vim", "vi"})
+        if (!QStandardPaths::findExecutable(QString::fromLatin1(p)).isEmpty()) return QString::fromLatin1(p);
+    return QStringLiteral("vi");
 }
 
 void XAppManager::set_defaults() {

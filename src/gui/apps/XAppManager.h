@@ -27,6 +27,8 @@ public:
     // moved aside (NAME.bad) and gives false as well.
     static bool load();
     static bool save();
+    // The editor the "Terminal editor" default starts: $VISUAL, $EDITOR, editor, nano, vim, vi.
+    static QString terminal_editor();
     static void set_defaults();
     // The built-in list: one record that opens a file in the plain text editor.
     static tav::XTree defaults();

@@ -5,8 +5,12 @@
 #include "base/process/XProcess.h"
 #include "base/text/XTokenizer.h"
 #include "base/thread/XThread.h"
+#include "gui/tools/XTools.h"
 #include "src/gui/apps/Terminal.h"
 #include "src/gui/apps/XApp.h"
+
+#include <QFileInfo>
+#include <QStandardPaths>
 
 namespace tavFinder {
 
@@ -26,7 +30,8 @@ void broadcastLater(const QString& text) {
 
 void logStart(tav::XProcess* proc, bool started) {
     if (started) log(16, "WinRunProgram::on_exec, processID:$ started", proc->processId());
-    else log(4, "WinRunProgram::on_exec, processID cannot start_global:$", tav::getLastErrorMessage());
+    else log(4, "WinRunProgram::on_exec, processID cannot start_global:$",
+             XAppRunner::start_error_text(proc->program(), proc->error(), proc->errorString()));
 }
 
 bool startTerminal(const XApp& app) {
@@ -89,8 +94,9 @@ bool startDirect(const XApp& app) {
         proc->deleteLater();
     });
     proc->setErrorListener([proc]() {
-        log(4, "XAppRunner::start_program, process error");
-        broadcastLater(QStringLiteral("Process Error\nProcess Error\n"));
+        const QString why = XAppRunner::start_error_text(proc->program(), proc->error(), proc->errorString());
+        log(4, "XAppRunner::start_program, process error: $", why);
+        broadcastLater(QStringLiteral("Process Error\n") + why + QLatin1Char('\n'));
         // A program that never started never finishes either.
         if (proc->error() == QProcess::FailedToStart) proc->deleteLater();
     });
@@ -106,6 +112,17 @@ bool startDirect(const XApp& app) {
 }
 
 tav::XEventListener<XAppRunner::OutputListener>& XAppRunner::eventProcessOutput() { return outputEvent(); }
+
+QString XAppRunner::start_error_text(const QString& program, QProcess::ProcessError error, const QString& qtText) {
+    if (error == QProcess::FailedToStart) {
+        if (program.trimmed().isEmpty()) return tav::xt("No program is set for this application.");
+        const QFileInfo fi(program);
+        const bool found = program.contains(QLatin1Char('/')) ? fi.exists() : !QStandardPaths::findExecutable(program).isEmpty();
+        if (!found) return tav::fill(tav::xt("The program '$' was not found."), program);
+        if (!fi.isExecutable() && program.contains(QLatin1Char('/'))) return tav::fill(tav::xt("The program '$' may not be run (permission denied)."), program);
+    }
+    return tav::fill("$: $", program, qtText);
+}
 
 void XAppRunner::broadcast(const QString& text) { outputEvent().fireLocked(text); }
 

@@ -3,6 +3,7 @@
 // the output of direct runs back to the finder through one process-wide event.
 #include "base/core/XEventListener.h"
 
+#include <QProcess>
 #include <QString>
 #include <QStringList>
 #include <functional>
@@ -27,6 +28,9 @@ public:
     // shell-quoted after their references are replaced, so a file name never runs
     // as a command; "; exec bash" keeps the terminal open.
     static QString terminal_command_line(const XApp& app);
+
+    // Why a program did not start, naming it ("The program 'x' was not found.").
+    static QString start_error_text(const QString& program, QProcess::ProcessError error, const QString& qtText);
 };
 
 } // namespace tavFinder
