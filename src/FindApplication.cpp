@@ -84,38 +84,7 @@ int FindApplication::tavFind(tav::KernelGUI& kernel) {
     QGuiApplication::setQuitOnLastWindowClosed(false);
     // Lets the desktop match the windows to the menu entry and its icon.
     QGuiApplication::setDesktopFileName(QStringLiteral(TF_APP_ID));
-    // 2
-    tav::XRunGuard guard(QStringLiteral("tavFind"));
-    if (!guard.run_instance_of_program()) {
-        // The running instance shows its windows (they may be hidden or minimised).
-        const bool shown = tav::XInstanceChannel::send(QStringLiteral("tavFind"), QByteArrayLiteral("show"));
-        log(16, "FindApplication::tavFind, running instance asked to show its windows: $", shown);
-        log(4, "ONE-INSTANCE-ONLY!");
-        kernel.setSaveOnExit(false);
-        return 0;
-    }
-    tav::XInstanceChannel channel(QStringLiteral("tavFind"));
-    channel.eventRequest().add([](const QByteArray& request) {
-        if (request != "show") {
-            log(4, "FindApplication, unknown request '$'", QString::fromUtf8(request.left(200)));
-            return;
-        }
-        log(16, "FindApplication, show request");
-        bool any = false;
-        for (QWidget* w : QApplication::topLevelWidgets()) any = any || qobject_cast<WinFinder*>(w);
-        if (!any) WinFinder::new_win(QString());
-        WindowBase::showAllWindows();
-    });
-    channel.listen();
-    // 3
-    tav::XNode* nApp = kernel.getCreateNodeApplication();
-    tav::XNode* root = nApp ? nApp->root() : nullptr;
-    // 4: a damaged configuration is no first run: the notice in the window says what happened.
-    if (!QFileInfo::exists(tav::Kernel::nodeFilePath()) && damagedConfiguration()) log(16, "FindApplication::tavFind, configuration damaged");
-    else first_run_message(root);
-    // 5
-    cfg().fromNode(nApp->getCreateNode(QStringLiteral("Config")));
-    // 6
+    // 2: the command line first, so a second start can hand its folder on.
     tav::CommandLine& cl = kernel.commandLine();
     if (!cl.checkKeys()) {
         log(4, "Keys !");
@@ -127,6 +96,31 @@ int FindApplication::tavFind(tav::KernelGUI& kernel) {
         return 2;
     }
     if (!sFile.isEmpty()) sFile = QFileInfo(sFile).absoluteFilePath();
+    const bool newWindow = cl.getBool(QStringLiteral("newWindow"), false);
+    tav::XRunGuard guard(QStringLiteral("tavFind"));
+    if (!guard.run_instance_of_program()) {
+        // The running instance opens a window at the path (or shows the windows it
+        // has: they may be hidden or minimised).
+        const QByteArray request = !sFile.isEmpty() || newWindow ? QByteArrayLiteral("open ") + sFile.toUtf8()
+                                                                 : QByteArrayLiteral("show");
+        const bool done = tav::XInstanceChannel::send(QStringLiteral("tavFind"), request);
+        log(16, "FindApplication::tavFind, running instance asked to '$': $", QString::fromUtf8(request), done);
+        log(4, "ONE-INSTANCE-ONLY!");
+        kernel.setSaveOnExit(false);
+        return 0;
+    }
+    tav::XInstanceChannel channel(QStringLiteral("tavFind"));
+    channel.eventRequest().add([](const QByteArray& request) { on_instance_request(request); });
+    channel.listen();
+    // 3
+    tav::XNode* nApp = kernel.getCreateNodeApplication();
+    tav::XNode* root = nApp ? nApp->root() : nullptr;
+    // 4: a damaged configuration is no first run: the notice in the window says what happened.
+    if (!QFileInfo::exists(tav::Kernel::nodeFilePath()) && damagedConfiguration()) log(16, "FindApplication::tavFind, configuration damaged");
+    else first_run_message(root);
+    // 5
+    cfg().fromNode(nApp->getCreateNode(QStringLiteral("Config")));
+    // 6 (the command line was read before the run guard)
     log(32, "FindApplication::tavFind <<<$>>>", sFile);
     // 7
     if (sFile.isEmpty() && cfg().flagUseStartFolder) sFile = cfg().sStartFolder;
@@ -181,6 +175,27 @@ int FindApplication::tavFind(tav::KernelGUI& kernel) {
     const int code = kernel.exec();
     WinTray::destroy();
     return code;
+}
+
+void FindApplication::on_instance_request(const QByteArray& request) {
+    if (request.startsWith("open ")) {
+        const QString path = QString::fromUtf8(request.mid(5));
+        log(16, "FindApplication, open request <<<$>>>", path);
+        if (WinFinder* w = WinFinder::new_win(path)) {
+            w->raise();
+            w->activateWindow();
+        }
+        return;
+    }
+    if (request != "show") {
+        log(4, "FindApplication, unknown request '$'", QString::fromUtf8(request.left(200)));
+        return;
+    }
+    log(16, "FindApplication, show request");
+    bool any = false;
+    for (QWidget* w : QApplication::topLevelWidgets()) any = any || qobject_cast<WinFinder*>(w);
+    if (!any) WinFinder::new_win(QString());
+    WindowBase::showAllWindows();
 }
 
 bool FindApplication::damagedConfiguration() {

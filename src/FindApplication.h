@@ -3,6 +3,7 @@
 // initialiser and the command "app".
 #include "base/core/XEventListener.h"
 
+#include <QByteArray>
 #include <QString>
 #include <functional>
 
@@ -39,6 +40,9 @@ public:
     static void first_run_message(tav::XNode* root);
     // True when the configuration file was found damaged and set aside at this start.
     static bool damagedConfiguration();
+    // What a second start asks of this one: "show" its windows, or "open PATH"
+    // in a new window (an empty path: a new window at the start folder).
+    static void on_instance_request(const QByteArray& request);
     // Restart one second later (after the configuration dialog).
     static void restart_later();
 };

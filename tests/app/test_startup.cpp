@@ -74,7 +74,7 @@ private slots:
         QByteArray firstLog;
         connect(&first, &QProcess::readyReadStandardError, this, [&]() { firstLog += first.readAllStandardError(); });
         first.setProcessEnvironment(procEnv());
-        first.start(exe(), QStringList());
+        first.start(exe(), {QStringLiteral("app"), QStringLiteral("--log"), QStringLiteral("4")});
         QVERIFY(first.waitForStarted(10000));
         const QString lock = env.runtimeDir() + QStringLiteral("/tavFind.lock");
         QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(lock), 20000);
@@ -91,6 +91,16 @@ private slots:
         QCOMPARE(first.state(), QProcess::Running);
         // The running one was asked to show its windows (they may be hidden or minimised).
         QTRY_VERIFY_WITH_TIMEOUT(firstLog.contains("FindApplication, show request"), 10000);
+        // "talvofinder PATH" hands the path over: the running one opens a window there.
+        QTemporaryDir there;
+        QProcess third;
+        third.setProcessEnvironment(procEnv());
+        third.start(exe(), {there.path()});
+        QVERIFY(third.waitForFinished(20000));
+        QCOMPARE(third.exitCode(), 0);
+        QVERIFY(third.readAllStandardError().contains("ONE-INSTANCE-ONLY!"));
+        const QByteArray opened = "WinFinder::setUp, sSelectFile '" + QFile::encodeName(QDir::cleanPath(there.path())) + "'";
+        QTRY_VERIFY_WITH_TIMEOUT(firstLog.contains(opened), 10000);
 
         // SIGTERM (log-out, shutdown, kill) quits through the normal path: the
         // settings and the window's state are written, the exit is clean.
