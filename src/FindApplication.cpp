@@ -115,9 +115,10 @@ int FindApplication::tavFind(tav::KernelGUI& kernel) {
     // 3
     tav::XNode* nApp = kernel.getCreateNodeApplication();
     tav::XNode* root = nApp ? nApp->root() : nullptr;
-    // 4: a damaged configuration is no first run: the notice in the window says what happened.
-    if (!QFileInfo::exists(tav::Kernel::nodeFilePath()) && damagedConfiguration()) log(16, "FindApplication::tavFind, configuration damaged");
-    else first_run_message(root);
+    // 4: also after a damaged configuration (its language is gone with it); the
+    // notice in the window then says what happened.
+    if (damagedConfiguration()) log(16, "FindApplication::tavFind, configuration damaged");
+    first_run_message(root);
     // 5
     cfg().fromNode(nApp->getCreateNode(QStringLiteral("Config")));
     // 6 (the command line was read before the run guard)

@@ -131,7 +131,13 @@ private slots:
     }
     void cleanupTestCase() {
         qputenv("PATH", savedPath);
+        // The output files shown in the window go with it.
+        const QStringList outputs = win ? win->output_files() : QStringList();
+        QVERIFY(outputs.size() >= 2);
+        for (const QString& f : outputs) QVERIFY(QFile::exists(f));
         if (win) win->close();
+        QTRY_VERIFY(win.isNull());
+        for (const QString& f : outputs) QVERIFY2(!QFile::exists(f), qPrintable(f));
     }
     void cleanup() {
         qputenv("PATH", savedPath);
