@@ -24,10 +24,14 @@ void FindThread::runCustom() {
     // one without a line end grows as far as a whole window of the reader.
     reader_.setWindowSizes(kSearchWindow, tav::XLineReaderDA::DEFAULT_WINDOW);
     if (pController && pController->isFlag(tav::AbstractThread::RUNNING)) {
+        const std::function<void()> fileDone = pTavFind->onFileDone;
+        bool took = false;
         do {
+            if (fileDone && took) fileDone();
             int64_t size = -1;
             QFileInfo* file = pTavFind->nextFile(&size);
             if (!file) break;
+            took = true;
             contentFilter.seekHome();
             // A size known from the scan spares two stats: here and when the file is opened.
             const bool sizeFromScan = size >= 0;

@@ -45,6 +45,9 @@ public:
     tav::XFindStats stats;       // left untouched by the search
     // Lines are counted for every file searched; off only to measure what that costs.
     bool flagCountLines = true;
+    // Called by a worker after each file it took (tests hold a worker here to
+    // stop a search at a known point); set before the search starts.
+    std::function<void()> onFileDone;
 
     tav::find::XContentFilter& contentFilter() { return request.contentFilter; }
     void setContentFilter(const tav::find::XContentFilter& f) { request.contentFilter = f; }
