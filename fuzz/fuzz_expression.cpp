@@ -1,5 +1,6 @@
 // libFuzzer target for the search-expression compiler and the content filter.
-// The first byte picks the kind (simple or regular expression) and the scope;
+// The first byte picks the kind (simple or regular expression), the scope and
+// the two switches (whole words, match case);
 // up to the first NUL the rest is the expression, after it the text searched.
 // Where both engines are built in, they must agree mark for mark.
 //
@@ -30,6 +31,8 @@ void writeSeeds(const QString& dir) {
     put("simple_sentence", 4, "съешь", text);
     put("regex", 1, "[A-Z][a-z]+|ret(urn)?\\b", text);
     put("regex_para", 3, "^return.*$", text);
+    put("query", 0x20, "(return | error) NEAR/2 value -(a AND b)", text);
+    put("regex_words_case", 0x61, "re\\w+", text);
 }
 
 bool sameMarks(const find::XRamLayer& a, const find::XRamLayer& b) {
@@ -54,6 +57,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size < 1 || size > (1u << 16)) return 0;
     const bool regex = data[0] & 1;
     const uint32_t scope = (data[0] >> 1) % 3;
+    const bool wholeWords = data[0] & 0x20, matchCase = data[0] & 0x40;
     const char* begin = reinterpret_cast<const char*>(data + 1);
     const char* end = reinterpret_cast<const char*>(data + size);
     const char* nul = begin;
@@ -64,6 +68,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
     XContentFilter f;
     f.setScope(scope);
+    f.setWholeWords(wholeWords);
+    f.setMatchCase(matchCase);
     if (!f.createSymbols(expr, regex)) {
         if (f.errorText().isEmpty()) std::abort();   // a refusal always says why
         return 0;
@@ -79,6 +85,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (XContentFilter::hasHyperscan()) {
         XContentFilter p;
         p.setScope(scope);
+        p.setWholeWords(wholeWords);
+        p.setMatchCase(matchCase);
         if (!p.createSymbols(expr, regex, XContentFilter::ENGINE_PCRE2)) return 0;   // a pattern only one engine takes
         if (p.engineName() == f.engineName()) return 0;
         if (!sameMarks(marks, p.find(0, text))) std::abort();

@@ -1,6 +1,7 @@
 // The headless command "find": scans a folder, filters the files and searches
 // their contents with the same engine as the main window, then prints the hits.
-//   find --dir DIR [--find TEXT] [--regex true] [--scope File|Paragraph|Sentence]
+//   find --dir DIR [--find TEXT] [--regex true] [--wholeWords true] [--matchCase true]
+//        [--scope File|Paragraph|Sentence]
 //        [--pattern P] [--npattern P] [--textFiles true] [--hidden true]
 //        [--minSize N] [--maxSize N] [--threads N] [--show files|count|hits]
 // Exit code: 0 something found, 1 nothing found, 2 bad input.
@@ -27,7 +28,8 @@ namespace {
 
 
 const char* kUsage =
-    "usage: talvofinder find --dir DIR [--find TEXT] [--regex true] [--scope File|Paragraph|Sentence]\n"
+    "usage: talvofinder find --dir DIR [--find TEXT] [--regex true] [--wholeWords true] [--matchCase true]\n"
+    "         [--scope File|Paragraph|Sentence]\n"
     "         [--pattern P] [--npattern P] [--textFiles true] [--hidden true] [--minSize N] [--maxSize N]\n"
     "         [--threads N] [--show files|count|hits]";
 
@@ -88,7 +90,7 @@ bool readSize(const tav::CommandLine& cl, const QString& key, bool& given, uint6
 
 tav::CommandKeys findCommandKeys() {
     return {QStringLiteral("dir=folder"),
-            QStringLiteral("find,regex=true|false,scope=File|Paragraph|Sentence,pattern,npattern,textFiles=true|false,"
+            QStringLiteral("find,regex=true|false,wholeWords=true|false,matchCase=true|false,scope=File|Paragraph|Sentence,pattern,npattern,textFiles=true|false,"
                            "hidden=true|false,minSize,maxSize,threads,show=files|count|hits,countLines=true|false"),
             true};
 }
@@ -102,8 +104,9 @@ int runFindCommand(tav::CommandLine& cl) {
     if (!cl.checkKeys()) return badInput(cl.lastError());
 
     QString error;
-    bool regEx = false, textFiles = false, hidden = false, countLines = true;
-    if (!readBool(cl, QStringLiteral("regex"), regEx, error) || !readBool(cl, QStringLiteral("textFiles"), textFiles, error) ||
+    bool regEx = false, textFiles = false, hidden = false, countLines = true, wholeWords = false, matchCase = false;
+    if (!readBool(cl, QStringLiteral("regex"), regEx, error) || !readBool(cl, QStringLiteral("wholeWords"), wholeWords, error) ||
+        !readBool(cl, QStringLiteral("matchCase"), matchCase, error) || !readBool(cl, QStringLiteral("textFiles"), textFiles, error) ||
         !readBool(cl, QStringLiteral("hidden"), hidden, error) || !readBool(cl, QStringLiteral("countLines"), countLines, error))
         return badInput(error);
     bool hasMin = false, hasMax = false;
@@ -151,8 +154,11 @@ int runFindCommand(tav::CommandLine& cl) {
     if (content) {
         const QString text = cl.getString(QStringLiteral("find"));
         filter.contentFilter.setScope(scope);
+        filter.contentFilter.setWholeWords(wholeWords);
+        filter.contentFilter.setMatchCase(matchCase);
+        // Refused before any file is read, with the place and the reason.
         if (!filter.contentFilter.createSymbols(text, regEx))
-            return badInput(tav::fill("cannot use '$': $", text, filter.contentFilter.errorText()));
+            return badInput(tav::fill("cannot use '$': $", text, filter.contentFilter.errorMessage()));
     }
 
     tav::XDirInfo scan;

@@ -57,9 +57,18 @@ private slots:
         QCOMPARE(r.out.size(), 4);   // three.txt, h.txt, one.cpp + summary (b/ pruned, x.bin is no text)
         QVERIFY(r.out.last().startsWith(QStringLiteral("files-total:4 => ")));
         r = run({"--dir", d.path(), "--find", "^return", "--regex", "true", "--pattern", "*.txt", "--threads", "1"});
-        // Case counts and ^ is at line starts: one hit in each file.
+        // Case is ignored as in simple expressions, and ^ is at line starts.
+        QCOMPARE(r.out.mid(0, 2), (QStringList{QStringLiteral("2\t") + d.abs(QStringLiteral("b/two.txt")),
+                                               QStringLiteral("1\t") + d.abs(QStringLiteral("a/three.txt"))}));
+        r = run({"--dir", d.path(), "--find", "^return", "--regex", "true", "--matchCase", "true", "--pattern", "*.txt"});
         QCOMPARE(r.out.mid(0, 2), (QStringList{QStringLiteral("1\t") + d.abs(QStringLiteral("a/three.txt")),
                                                QStringLiteral("1\t") + d.abs(QStringLiteral("b/two.txt"))}));
+        // The query language with both switches: "return" as a whole word in the same paragraph as "0" or "f".
+        r = run({"--dir", d.path(), "--find", "(0 | f) NEAR/1 return", "--wholeWords", "true", "--show", "hits"});
+        const QString one = d.abs(QStringLiteral("a/one.cpp"));
+        QCOMPARE(r.out.mid(0, 3), (QStringList{one + "\t4\t1", one + "\t10\t6", one + "\t17\t1"}));
+        QCOMPARE(r.out.size(), 4);
+        QCOMPARE(run({"--dir", d.path(), "--find", "Return -return", "--matchCase", "true"}).code, 1);
         r = run({"--dir", d.path(), "--find", "return -int", "--scope", "Paragraph", "--show", "count"});
         QCOMPARE(r.out.size(), 2);
         QVERIFY(r.out[0].contains(QStringLiteral("files-match:3, match-total:6")));
@@ -97,6 +106,8 @@ private slots:
             {"--find", "x"},
             {"--dir", d.path(), "--find", "(unclosed", "--regex", "true"},
             {"--dir", d.path(), "--find", "\"open quote"},
+            {"--dir", d.path(), "--find", "a NEAR"},
+            {"--dir", d.path(), "--find", "x", "--matchCase", "perhaps"},
             {"--dir", d.path(), "--find", "x", "--scope", "Chapter"},
             {"--dir", d.path(), "--threads", "0"},
             {"--dir", d.path(), "--hidden", "maybe"},
@@ -111,6 +122,11 @@ private slots:
             QVERIFY(r.out.isEmpty());
         }
         QVERIFY(run({"--dir", d.abs(QStringLiteral("missing"))}).err.contains(QStringLiteral("does not exist")));
+        // A query that does not parse says where and why, before reading anything.
+        QVERIFY(run({"--dir", d.path(), "--find", "(mutex | lock"}).err.contains(
+            QStringLiteral("find: cannot use '(mutex | lock': character 1: unbalanced parenthesis")));
+        QVERIFY(run({"--dir", d.path(), "--find", "-test"}).err.contains(QStringLiteral("character 1: nothing to find: only excluded terms")));
+        QVERIFY(run({"--dir", d.path(), "--find", "x", "--wholeWords", "sometimes"}).err.contains(QStringLiteral("--wholeWords")));
     }
 };
 

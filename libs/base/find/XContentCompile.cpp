@@ -12,14 +12,33 @@ namespace find {
 
 namespace {
 
-bool compilePcre(const std::string& pattern, uint32_t options, XPcre& out, QString& error) {
+// A literal that matches only its own bytes.
+CaselessLiteral exact_literal(const QString& t) {
+    CaselessLiteral r;
+    const std::string bytes = t.toUtf8().toStdString();
+    r.expression = escape_bytes(bytes);
+    r.byteLength = bytes.size();
+    return r;
+}
+
+void markNearTerms(XContentSymbols& sym, uint32_t node, bool inNear) {
+    const XQueryNode& n = sym.query.nodes[node];
+    if (n.kind == XQueryNode::TERM) {
+        if (inNear) sym.terms[n.term].inNear = true;
+        return;
+    }
+    for (uint32_t k : n.kids) markNearTerms(sym, k, inNear || n.kind == XQueryNode::NEAR);
+}
+
+bool compilePcre(const std::string& pattern, uint32_t options, XPcre& out, QString& error, size_t* errorOffset = nullptr) {
     int code = 0;
     PCRE2_SIZE offset = 0;
     out.code = pcre2_compile(reinterpret_cast<PCRE2_SPTR>(pattern.data()), pattern.size(), options, &code, &offset, nullptr);
     if (!out.code) {
         PCRE2_UCHAR buf[256];
         pcre2_get_error_message(code, buf, sizeof buf);
-        error = fill("$ (at offset $)", QString::fromUtf8(reinterpret_cast<const char*>(buf)), quint64(offset));
+        error = QString::fromUtf8(reinterpret_cast<const char*>(buf));
+        if (errorOffset) *errorOffset = offset;
         return false;
     }
     out.jit = pcre2_jit_compile(out.code, PCRE2_JIT_COMPLETE) == 0;
@@ -32,53 +51,20 @@ uint32_t captureCount(const XPcre& p) {
     return n;
 }
 
-bool parseTerms(const QString& text, std::vector<XTerm>& terms, QString& error) {
-    if (text.count(QLatin1Char('"')) % 2) {
-        error = QStringLiteral("unbalanced quote");
+// The terms of the expression tree as literals for the engines.
+bool parseTerms(const QString& text, XContentSymbols& sym, QString& error, int& errorPos) {
+    if (!sym.query.parse(text, sym.matchCase)) {
+        error = sym.query.error();
+        errorPos = sym.query.errorPosition();
         return false;
     }
-    const int n = text.size();
-    int i = 0;
-    while (i < n) {
-        while (i < n && text[i].isSpace()) ++i;
-        if (i >= n) break;
-        bool negative = false;
-        if (text[i] == QLatin1Char('-') && i + 1 < n && !text[i + 1].isSpace()) {
-            negative = true;
-            ++i;
-        }
-        QString t;
-        if (text[i] == QLatin1Char('"')) {
-            const int j = text.indexOf(QLatin1Char('"'), i + 1);
-            t = text.mid(i + 1, j - i - 1);
-            i = j + 1;
-        } else {
-            int j = i;
-            while (j < n && !text[j].isSpace()) ++j;
-            t = text.mid(i, j - i);
-            i = j;
-        }
-        if (t.isEmpty()) continue;
-        const QString folded = t.toCaseFolded();
-        bool dup = false;
-        for (const XTerm& x : terms)
-            if (x.negative == negative && x.text.toCaseFolded() == folded) dup = true;
-        if (dup) continue;
+    for (const QString& t : sym.query.terms) {
         XTerm term;
         term.text = t;
-        term.negative = negative;
-        term.literal = caseless_literal(t);
-        terms.push_back(std::move(term));
+        term.literal = sym.matchCase ? exact_literal(t) : caseless_literal(t);
+        sym.terms.push_back(std::move(term));
     }
-    // Positive terms first, longer ones before shorter ones (they win at a shared start).
-    std::stable_sort(terms.begin(), terms.end(), [](const XTerm& a, const XTerm& b) {
-        if (a.negative != b.negative) return !a.negative;
-        return a.text.toUcs4().size() > b.text.toUcs4().size();
-    });
-    if (terms.empty() || terms.front().negative) {
-        error = QStringLiteral("nothing to find (no positive term)");
-        return false;
-    }
+    markNearTerms(sym, sym.query.root, false);
     return true;
 }
 
@@ -163,7 +149,7 @@ hs_database_t* hsCompile(const QByteArray& pattern, unsigned flags) {
 void compileHyperscanRegex(const QByteArray& pattern, XContentSymbols& sym) {
     if (pattern.contains('\0')) return;
     sym.hsUtf8 = sym.utf8Sensitive;
-    const unsigned base = HS_FLAG_MULTILINE | (sym.hsUtf8 ? HS_FLAG_UTF8 : 0u);
+    const unsigned base = HS_FLAG_MULTILINE | (sym.hsUtf8 ? HS_FLAG_UTF8 : 0u) | (sym.matchCase ? 0u : unsigned(HS_FLAG_CASELESS));
     if ((sym.hs = hsCompile(pattern, base | HS_FLAG_SOM_LEFTMOST))) {
         sym.hsSom = true;
         return;
@@ -195,9 +181,8 @@ void compileHyperscanTerms(XContentSymbols& sym) {
 
 // The terms' alternation and single expressions, and their Hyperscan database.
 bool compileTerms(XContentSymbols& sym, bool allowHyperscan, QString& error) {
-    sym.nPositive = size_t(std::count_if(sym.terms.begin(), sym.terms.end(), [](const XTerm& t) { return !t.negative; }));
     std::string alt = "(?:";
-    for (size_t i = 0; i < sym.nPositive; ++i) {
+    for (size_t i = 0; i < sym.terms.size(); ++i) {
         if (i) alt += '|';
         alt += '(' + sym.terms[i].literal.expression + ')';
     }
@@ -208,7 +193,7 @@ bool compileTerms(XContentSymbols& sym, bool allowHyperscan, QString& error) {
         if (!compilePcre(t.literal.expression, 0, *p, error)) return false;
         sym.single.push_back(std::move(p));
     }
-    sym.captures = uint32_t(sym.nPositive);
+    sym.captures = uint32_t(sym.terms.size());
 #ifdef TF_HAVE_HYPERSCAN
     if (allowHyperscan) compileHyperscanTerms(sym);
 #else
@@ -226,30 +211,58 @@ bool isPlainLiteral(const QByteArray& p) {
 }
 }
 
-bool compile_symbols(const QString& text, bool regEx, bool allowHyperscan, XContentSymbols& sym, QString& error) {
+bool compile_symbols(const QString& text, bool regEx, bool allowHyperscan, XContentSymbols& sym, QString& error, int& errorPos) {
     sym.regEx = regEx;
+    errorPos = 0;
     if (regEx) {
         if (text.isEmpty()) {
             error = QStringLiteral("empty expression");
             return false;
         }
         const QByteArray pattern = text.toUtf8();
-        if (!compilePcre(pattern.toStdString(), PCRE2_UTF | PCRE2_MATCH_INVALID_UTF | PCRE2_MULTILINE, sym.regex, error))
+        const uint32_t options = PCRE2_UTF | PCRE2_MATCH_INVALID_UTF | PCRE2_MULTILINE | (sym.matchCase ? 0u : PCRE2_CASELESS);
+        size_t offset = 0;
+        if (!compilePcre(pattern.toStdString(), options, sym.regex, error, &offset)) {
+            errorPos = int(QString::fromUtf8(pattern.left(int(offset))).toUcs4().size()) + 1;
             return false;
+        }
         if (isPlainLiteral(pattern)) {
-            // Searched like one case-sensitive term: every occurrence is exact
-            // without a second engine fixing the marks.
+            // Searched like one term: every occurrence is a mark without a
+            // second engine fixing them.
             XTerm term;
             term.text = text;
-            term.literal.expression = escape_bytes(pattern.toStdString());
-            term.literal.byteLength = size_t(pattern.size());
-            term.exact = pattern.toStdString();
+            if (sym.matchCase) {
+                term.literal = exact_literal(text);
+                if (!sym.wholeWords) term.exact = pattern.toStdString();
+            } else {
+                term.literal = caseless_literal(text);
+            }
             sym.terms.push_back(std::move(term));
+            sym.query.terms = {text};
+            sym.query.nodes = {XQueryNode()};
+            sym.query.root = 0;
             sym.regEx = false;
             return compileTerms(sym, allowHyperscan, error);
         }
+        if (sym.wholeWords) {
+            // Not after and not before a letter, digit or '_' (Unicode, as the
+            // simple expressions count words). Leading (*VERB)s stay in front.
+            int verbs = 0;
+            while (pattern.mid(verbs).startsWith("(*")) {
+                const int close = pattern.indexOf(')', verbs);
+                if (close < 0) break;
+                verbs = close + 1;
+            }
+            const QByteArray wrapped = pattern.left(verbs) + "(?<![\\p{L}\\p{N}_])(?:" + pattern.mid(verbs) +
+                                       ")(?![\\p{L}\\p{N}_])";
+            sym.regex.free();
+            if (!compilePcre(wrapped.toStdString(), options, sym.regex, error, &offset)) {
+                errorPos = 1;
+                return false;
+            }
+        }
         sym.captures = captureCount(sym.regex);
-        sym.utf8Sensitive = isUtf8Sensitive(pattern);
+        sym.utf8Sensitive = isUtf8Sensitive(pattern) || !sym.matchCase || sym.wholeWords;
         sym.endSensitive = isEndSensitive(pattern);
 #ifdef TF_HAVE_HYPERSCAN
         if (allowHyperscan) compileHyperscanRegex(pattern, sym);
@@ -258,7 +271,7 @@ bool compile_symbols(const QString& text, bool regEx, bool allowHyperscan, XCont
 #endif
         return true;
     }
-    if (!parseTerms(text, sym.terms, error)) return false;
+    if (!parseTerms(text, sym, error, errorPos)) return false;
     return compileTerms(sym, allowHyperscan, error);
 }
 

@@ -17,15 +17,18 @@ XContentFilter::XContentFilter() = default;
 XContentFilter::~XContentFilter() = default;
 
 XContentFilter::XContentFilter(const XContentFilter& o)
-    : sText_(o.sText_), flagRegEx_(o.flagRegEx_), scope_(o.scope_), sError_(o.sError_), symbols_(o.symbols_),
-      seekPos_(o.seekPos_) {}
+    : sText_(o.sText_), flagRegEx_(o.flagRegEx_), flagWholeWords_(o.flagWholeWords_), flagMatchCase_(o.flagMatchCase_),
+      scope_(o.scope_), sError_(o.sError_), errorPos_(o.errorPos_), symbols_(o.symbols_), seekPos_(o.seekPos_) {}
 
 XContentFilter& XContentFilter::operator=(const XContentFilter& o) {
     if (this == &o) return *this;
     sText_ = o.sText_;
     flagRegEx_ = o.flagRegEx_;
+    flagWholeWords_ = o.flagWholeWords_;
+    flagMatchCase_ = o.flagMatchCase_;
     scope_ = o.scope_;
     sError_ = o.sError_;
+    errorPos_ = o.errorPos_;
     if (symbols_ != o.symbols_) scratch_.reset();   // scratch belongs to the symbols it was made for
     symbols_ = o.symbols_;
     seekPos_ = o.seekPos_;
@@ -47,16 +50,24 @@ bool XContentFilter::createSymbols(const QString& text, bool regularExpression, 
     sText_ = text;
     flagRegEx_ = regularExpression;
     sError_.clear();
+    errorPos_ = 0;
     symbols_.reset();
     scratch_.reset();
     seekPos_ = 0;
     auto sym = std::make_shared<XContentSymbols>();
-    if (!compile_symbols(text, regularExpression, engine == ENGINE_AUTO, *sym, sError_)) {
-        log(8, "XContentFilter::createSymbols, '$' - $", text, sError_);
+    sym->wholeWords = flagWholeWords_;
+    sym->matchCase = flagMatchCase_;
+    if (!compile_symbols(text, regularExpression, engine == ENGINE_AUTO, *sym, sError_, errorPos_)) {
+        log(8, "XContentFilter::createSymbols, '$' - $", text, errorMessage());
         return false;
     }
     symbols_ = std::move(sym);
     return true;
+}
+
+QString XContentFilter::errorMessage() const {
+    if (sError_.isEmpty()) return QString();
+    return errorPos_ > 0 ? fill("character $: $", errorPos_, sError_) : sError_;
 }
 
 QString XContentFilter::engineName() const {
@@ -73,12 +84,13 @@ QString XContentFilter::scope_to_string(uint32_t scope) {
 }
 
 QString XContentFilter::toString(bool verbose) const {
-    if (!verbose) return fill("'$' ($$)", sText_, scope_as_string(), flagRegEx_ ? QStringLiteral(", regEx") : QString());
-    QStringList terms;
-    if (symbols_)
-        for (const XTerm& t : symbols_->terms) terms << (t.negative ? QStringLiteral("-") : QStringLiteral("+")) + t.text;
-    return fill("XContentFilter{text:'$', regEx:$, scope:$, valid:$, engine:$, terms:[$]}", sText_, flagRegEx_,
-                scope_as_string(), isValid(), engineName(), terms.join(QLatin1Char(' ')));
+    if (!verbose)
+        return fill("'$' ($$$$)", sText_, scope_as_string(), flagRegEx_ ? QStringLiteral(", regEx") : QString(),
+                    flagWholeWords_ ? QStringLiteral(", whole words") : QString(),
+                    flagMatchCase_ ? QStringLiteral(", match case") : QString());
+    const QString tree = symbols_ && !symbols_->regEx ? symbols_->query.toString() : QString();
+    return fill("XContentFilter{text:'$', regEx:$, wholeWords:$, matchCase:$, scope:$, valid:$, engine:$, query:$}", sText_,
+                flagRegEx_, flagWholeWords_, flagMatchCase_, scope_as_string(), isValid(), engineName(), tree);
 }
 
 XContentScratch& XContentFilter::scratch() {
@@ -115,7 +127,7 @@ XRamLayer XContentFilter::find(uint32_t maxMarks, XLineReaderDA& reader) {
     // Marks are collected in the worker's own vector, reused from file to file.
     std::vector<XRam>& marks = sc.marks;
     marks.clear();
-    XContentSearch search(*symbols_, sc, scope_);
+    XContentSearch search(*symbols_, sc, scope_, reader.isWhole());
     const auto cut = scope_ == SCOPE_FILE ? XLineReaderDA::CUT_LINE : XLineReaderDA::CUT_PARAGRAPH;
     XLineReaderDA::Window w;
     if (reader.firstWindow(cut, w)) {

@@ -2,13 +2,14 @@
 // The content part of a search: a simple expression or a regular expression,
 // a scope (file, paragraph, sentence) and the compiled symbols.
 //
-// Simple expression: terms split at blanks, "a phrase" in double quotes, -term
-// excludes; case is ignored (Unicode simple case folding). A unit matches when
-// it holds every positive term and no excluded one; its marks are the
-// occurrences of the positive terms (leftmost first; where two start at the
-// same byte the longer term wins; marks never overlap).
+// Simple expression (XQuery): terms, "phrases", -excluded, AND, OR or |,
+// groups and NEAR/n. A unit matches when the expression is true for it; its
+// marks are the occurrences that make it true (leftmost first; where two start
+// at the same byte the longer term wins; marks never overlap).
 // Regular expression: Perl syntax on UTF-8 text, ^ and $ at line ends, matched
 // inside each unit; invalid bytes never stop a search.
+// Both kinds ignore case (Unicode folding) unless "match case" is set; "whole
+// words" keeps only matches with no letter, digit or '_' right before or after.
 //
 // The search scans bytes and derives units around the hits. Where Hyperscan is
 // built in it finds the candidate places; PCRE2 defines the marks, so both give
@@ -46,11 +47,20 @@ public:
 
     // Compiles the text; false (with errorText()) when it cannot be used. The
     // text is kept either way; a failed compile leaves the filter without symbols.
+    // The switches count from the next createSymbols on.
     bool createSymbols(const QString& text, bool regularExpression, Engine engine = ENGINE_AUTO);
     bool isValid() const { return bool(symbols_); }
     const QString& text() const { return sText_; }
     bool isRegEx() const { return flagRegEx_; }
+    bool isWholeWords() const { return flagWholeWords_; }
+    bool isMatchCase() const { return flagMatchCase_; }
+    void setWholeWords(bool on) { flagWholeWords_ = on; }
+    void setMatchCase(bool on) { flagMatchCase_ = on; }
+    // Why the text cannot be used, and where: a character position from 1 (0: the text as a whole).
     QString errorText() const { return sError_; }
+    int errorPosition() const { return errorPos_; }
+    // "character 7: unbalanced parenthesis", for the log and the command line.
+    QString errorMessage() const;
     // "hyperscan" or "pcre2" (what finds the places), empty without symbols.
     QString engineName() const;
     static bool hasHyperscan();
@@ -78,8 +88,11 @@ private:
 
     QString sText_;
     bool flagRegEx_ = false;
+    bool flagWholeWords_ = false;
+    bool flagMatchCase_ = false;
     uint32_t scope_ = SCOPE_FILE;
     QString sError_;
+    int errorPos_ = 0;
     std::shared_ptr<const XContentSymbols> symbols_;
     std::unique_ptr<XContentScratch> scratch_;
     int64_t seekPos_ = 0;

@@ -3,6 +3,7 @@
 #include "base/find/XByteScan.h"
 #include "base/find/XContentSymbols.h"
 #include "base/find/XUnits.h"
+#include "base/find/XWords.h"
 #include "base/log/Logger.h"
 
 #include <algorithm>
@@ -68,16 +69,16 @@ int onReport(unsigned, unsigned long long from, unsigned long long to, unsigned,
 #endif
 }
 
-XContentSearch::XContentSearch(const XContentSymbols& sym, XContentScratch& sc, uint32_t scope)
-    : sym_(sym), sc_(sc), scope_(scope) {
-    presentFile_.assign(sym.terms.size(), 0);
-}
+XContentSearch::XContentSearch(const XContentSymbols& sym, XContentScratch& sc, uint32_t scope, bool wholeFile)
+    : sym_(sym), sc_(sc), scope_(scope), wholeFile_(wholeFile) {}
 
-int XContentSearch::match(const XPcre& code, const char* d, size_t len, size_t start, size_t& ms, size_t& me, int& group) {
+int XContentSearch::match(const XPcre& code, const char* d, size_t len, size_t start, size_t& ms, size_t& me, int& group,
+                          uint32_t options) {
     if (start > len) return 0;
     const auto* subject = reinterpret_cast<PCRE2_SPTR>(d);
-    const int rc = code.jit ? pcre2_jit_match(code.code, subject, len, start, 0, sc_.md, sc_.mctx)
-                            : pcre2_match(code.code, subject, len, start, 0, sc_.md, sc_.mctx);
+    const int rc = code.jit && !(options & PCRE2_ANCHORED)
+                       ? pcre2_jit_match(code.code, subject, len, start, options, sc_.md, sc_.mctx)
+                       : pcre2_match(code.code, subject, len, start, options, sc_.md, sc_.mctx);
     if (rc == PCRE2_ERROR_NOMATCH) return 0;
     if (rc < 0) {
         if (!sc_.errorLogged) {
@@ -101,77 +102,55 @@ int XContentSearch::match(const XPcre& code, const char* d, size_t len, size_t s
     return 1;
 }
 
-bool XContentSearch::unitMatches(const std::vector<char>& present) const {
-    for (size_t i = 0; i < sym_.terms.size(); ++i) {
-        if (i < sym_.nPositive && !present[i]) return false;
-        if (i >= sym_.nPositive && present[i]) return false;
-    }
-    return true;
-}
-
 void XContentSearch::window(const char* d, size_t n, uint64_t base, std::vector<XRam>& out) {
     if (n == 0) return;
     if (sym_.regEx) regex(d, n, base, out);
-    else if (sym_.useHyperscan()) simpleHyperscan(d, n, base, out);
-    else simplePcre(d, n, base, out);
+    else simple(d, n, base, out);
 }
 
 void XContentSearch::finish(std::vector<XRam>& out) {
-    if (sym_.regEx || scope_ != XUnits::FILE) return;
-    if (unitMatches(presentFile_)) out.insert(out.end(), pendingFile_.begin(), pendingFile_.end());
+    if (sym_.regEx || scope_ != XUnits::FILE || sym_.singleTerm()) return;
+    if (!pendingFile_.empty()) {
+        XUnitEval eval(sym_.query);
+        eval.evaluate(pendingFile_.data(), pendingFile_.data() + pendingFile_.size(), 0, out);
+    }
     pendingFile_.clear();
 }
 
-// ---- simple expression, Hyperscan: every occurrence of every term, then per unit
-// the greedy choice (sorted by start, then priority) that PCRE2's alternation makes.
-void XContentSearch::simpleHyperscan(const char* d, size_t n, uint64_t base, std::vector<XRam>& out) {
-#ifdef TF_HAVE_HYPERSCAN
-    if (scope_ == XUnits::FILE && sym_.terms.size() == 1 && sym_.nPositive == 1 && !sym_.terms[0].exact.empty()) {
-        // Exact bytes: each occurrence is a mark, the search goes on after it.
-        const std::string& x = sym_.terms[0].exact;
-        const size_t before = out.size();
-        for (size_t p = 0; (p = bytescan::find_bytes(d, n, x.data(), x.size(), p)) < n; p += x.size())
-            out.emplace_back(int64_t(base + p), int64_t(x.size()), XRam::CATEGORY_HIT);
-        if (out.size() > before) presentFile_[0] = 1;
-        return;
-    }
-    if (scope_ == XUnits::FILE && sym_.terms.size() == 1 && sym_.nPositive == 1 && sym_.terms[0].literal.fixedLength &&
-        sym_.terms[0].literal.byteLength > 0) {
-        const size_t before = out.size();
-        SingleCtx ctx{&out, int64_t(base), int64_t(sym_.terms[0].literal.byteLength), 0, 0, false};
-        hs_scan(sym_.hs, d, unsigned(n), 0, sc_.hsScratch, onSingle, &ctx);
-        if (!ctx.unordered) {
-            if (out.size() > before) presentFile_[0] = 1;
-            return;
-        }
-        out.resize(before);
-    }
+// ---- simple expression: every occurrence of every term in one scan of the
+// window, then each unit is decided by the expression tree.
+void XContentSearch::simple(const char* d, size_t n, uint64_t base, std::vector<XRam>& out) {
+    if (scope_ == XUnits::FILE && sym_.singleTerm() && !sym_.wholeWords && singleTermFast(d, n, base, out)) return;
     std::vector<XOcc>& occ = sc_.occ;
     occ.clear();
-    hs_scan(sym_.hs, d, unsigned(n), 0, sc_.hsScratch, onTerm, &occ);
+    if (sym_.useHyperscan()) occurrencesHyperscan(d, n);
+    else occurrencesPcre(d, n);
+    if (sym_.wholeWords) keepWholeWords(d, n);
+    if (sym_.query.hasNear) countWords(d, n);
     if (occ.empty()) return;
-    for (XOcc& o : occ)
-        if (sym_.terms[o.id].literal.fixedLength) o.s = o.e - int64_t(sym_.terms[o.id].literal.byteLength);
-    auto byStart = [](const XOcc& a, const XOcc& b) { return a.s < b.s || (a.s == b.s && a.id < b.id); };
-    if (!std::is_sorted(occ.begin(), occ.end(), byStart)) std::sort(occ.begin(), occ.end(), byStart);
 
     if (scope_ == XUnits::FILE) {
-        // One term and nothing excluded: every occurrence decides at once.
-        std::vector<XRam>& dst = sym_.terms.size() == 1 ? out : pendingFile_;
-        dst.reserve(dst.size() + occ.size());
-        int64_t lastEnd = 0;
-        for (const XOcc& o : occ) {
-            presentFile_[o.id] = 1;
-            if (o.id < sym_.nPositive && o.s >= lastEnd) {
-                dst.emplace_back(int64_t(base) + o.s, o.e - o.s, XRam::CATEGORY_HIT);
-                lastEnd = o.e;
+        if (sym_.singleTerm()) {
+            // One term: each occurrence is a mark, the next one starts behind it.
+            out.reserve(out.size() + occ.size());
+            for (const XOcc& o : occ) {
+                if (int64_t(base) + o.s < lastEnd_) continue;
+                out.emplace_back(int64_t(base) + o.s, o.e - o.s, XRam::CATEGORY_HIT);
+                lastEnd_ = int64_t(base) + o.e;
             }
+            return;
+        }
+        pendingFile_.reserve(pendingFile_.size() + occ.size());
+        for (XOcc o : occ) {
+            o.s += int64_t(base);
+            o.e += int64_t(base);
+            pendingFile_.push_back(o);
         }
         return;
     }
     XUnits units(d, n, scope_);
-    std::vector<char> present(sym_.terms.size());
-    std::vector<XRam> marks;
+    XUnitEval eval(sym_.query);
+    std::vector<XOcc>& in = sc_.unitOcc;
     size_t i = 0;
     while (i < occ.size()) {
         XUnits::Unit u;
@@ -181,66 +160,122 @@ void XContentSearch::simpleHyperscan(const char* d, size_t n, uint64_t base, std
             while (i < occ.size() && occ[i].s < int64_t(u.begin)) ++i;
             continue;
         }
-        std::fill(present.begin(), present.end(), 0);
-        marks.clear();
-        int64_t lastEnd = int64_t(u.begin);
-        for (; i < occ.size() && occ[i].s < int64_t(u.end); ++i) {
-            const XOcc& o = occ[i];
-            if (o.e > int64_t(u.end)) continue;   // reaches into the next unit
-            present[o.id] = 1;
-            if (o.id < sym_.nPositive && o.s >= lastEnd) {
-                marks.emplace_back(int64_t(base) + o.s, o.e - o.s, XRam::CATEGORY_HIT);
-                lastEnd = o.e;
-            }
-        }
-        if (unitMatches(present)) out.insert(out.end(), marks.begin(), marks.end());
+        in.clear();
+        for (; i < occ.size() && occ[i].s < int64_t(u.end); ++i)
+            if (occ[i].e <= int64_t(u.end)) in.push_back(occ[i]);   // one reaching into the next unit is in neither
+        if (!in.empty()) eval.evaluate(in.data(), in.data() + in.size(), int64_t(base), out);
+    }
+}
+
+// Exact bytes or one fixed-length term in a whole file: marks straight from the
+// scan, without a list of occurrences. False: take the general way.
+bool XContentSearch::singleTermFast(const char* d, size_t n, uint64_t base, std::vector<XRam>& out) {
+    const XTerm& t = sym_.terms[0];
+    if (!t.exact.empty()) {
+        const std::string& x = t.exact;
+        size_t p = lastEnd_ > int64_t(base) ? size_t(lastEnd_ - int64_t(base)) : 0;
+        for (; (p = bytescan::find_bytes(d, n, x.data(), x.size(), p)) < n; p += x.size())
+            out.emplace_back(int64_t(base + p), int64_t(x.size()), XRam::CATEGORY_HIT);
+        if (!out.empty()) lastEnd_ = std::max(lastEnd_, out.back().end());
+        return true;
+    }
+#ifdef TF_HAVE_HYPERSCAN
+    if (sym_.useHyperscan() && t.literal.fixedLength && t.literal.byteLength > 0) {
+        const size_t before = out.size();
+        SingleCtx ctx{&out, int64_t(base), int64_t(t.literal.byteLength), 0, 0, false};
+        hs_scan(sym_.hs, d, unsigned(n), 0, sc_.hsScratch, onSingle, &ctx);
+        if (!ctx.unordered) return true;
+        out.resize(before);
     }
 #else
-    simplePcre(d, n, base, out);
+    Q_UNUSED(d);
+    Q_UNUSED(n);
+    Q_UNUSED(base);
+    Q_UNUSED(out);
+#endif
+    return false;
+}
+
+void XContentSearch::occurrencesHyperscan(const char* d, size_t n) {
+#ifdef TF_HAVE_HYPERSCAN
+    std::vector<XOcc>& occ = sc_.occ;
+    hs_scan(sym_.hs, d, unsigned(n), 0, sc_.hsScratch, onTerm, &occ);
+    for (XOcc& o : occ)
+        if (sym_.terms[o.id].literal.fixedLength) o.s = o.e - int64_t(sym_.terms[o.id].literal.byteLength);
+    auto byStart = [](const XOcc& a, const XOcc& b) { return a.s < b.s || (a.s == b.s && a.id < b.id); };
+    if (!std::is_sorted(occ.begin(), occ.end(), byStart)) std::sort(occ.begin(), occ.end(), byStart);
+#else
+    occurrencesPcre(d, n);
 #endif
 }
 
-// ---- simple expression, PCRE2: the alternation of the positive terms gives the
-// marks; terms it did not report are looked for one by one.
-void XContentSearch::simplePcre(const char* d, size_t n, uint64_t base, std::vector<XRam>& out) {
-    size_t ms = 0, me = 0;
-    int g = -1;
-    if (scope_ == XUnits::FILE) {
-        size_t pos = 0;
-        while (match(sym_.alternation, d, n, pos, ms, me, g) > 0) {
-            if (g >= 0) presentFile_[size_t(g)] = 1;
-            pendingFile_.emplace_back(int64_t(base + ms), int64_t(me - ms), XRam::CATEGORY_HIT);
-            pos = me > ms ? me : ms + 1;
-        }
-        for (size_t t = 0; t < sym_.terms.size(); ++t)
-            if (!presentFile_[t] && match(*sym_.single[t], d, n, 0, ms, me, g) > 0) presentFile_[t] = 1;
-        return;
-    }
-    XUnits units(d, n, scope_);
-    std::vector<char> present(sym_.terms.size());
-    std::vector<XRam> marks;
+// The alternation finds the first term at each place; the others are tried
+// at that place alone, so overlapping occurrences are all found.
+void XContentSearch::occurrencesPcre(const char* d, size_t n) {
+    std::vector<XOcc>& occ = sc_.occ;
+    size_t ms = 0, me = 0, ms2 = 0, me2 = 0;
+    int g = -1, g2 = -1;
     size_t pos = 0;
-    while (pos < n) {
-        if (match(sym_.alternation, d, n, pos, ms, me, g) <= 0) break;
-        XUnits::Unit u;
-        bool inside = false;
-        if (!units.unitAt(ms, u, inside)) break;
-        if (!inside) {
-            pos = u.begin;
-            continue;
+    while (pos < n && match(sym_.alternation, d, n, pos, ms, me, g) > 0) {
+        if (g < 0) break;
+        occ.push_back({int64_t(ms), int64_t(me), uint32_t(g)});
+        for (size_t t = size_t(g) + 1; t < sym_.terms.size(); ++t)
+            if (match(*sym_.single[t], d, n, ms, ms2, me2, g2, PCRE2_ANCHORED) > 0)
+                occ.push_back({int64_t(ms), int64_t(me2), uint32_t(t)});
+        pos = ms + 1;
+    }
+}
+
+void XContentSearch::keepWholeWords(const char* d, size_t n) {
+    std::vector<XOcc>& occ = sc_.occ;
+    occ.erase(std::remove_if(occ.begin(), occ.end(),
+                             [&](const XOcc& o) {
+                                 return words::word_before(d, size_t(o.s)) || words::word_at(d, n, size_t(o.e));
+                             }),
+              occ.end());
+}
+
+// Word counts at the starts and ends of the occurrences that NEAR looks at, in
+// one walk up to the last of them (through the whole window when a file in
+// several windows carries its count on).
+void XContentSearch::countWords(const char* d, size_t n) {
+    std::vector<XOcc>& occ = sc_.occ;
+    std::vector<size_t>& pos = sc_.wordPos;
+    std::vector<int64_t>& count = sc_.wordCount;
+    pos.clear();
+    for (const XOcc& o : occ) {
+        if (!sym_.terms[o.id].inNear) continue;
+        pos.push_back(size_t(o.s));
+        pos.push_back(size_t(o.e));
+    }
+    std::sort(pos.begin(), pos.end());
+    pos.erase(std::unique(pos.begin(), pos.end()), pos.end());
+    count.resize(pos.size());
+    const bool carry = scope_ == XUnits::FILE && !wholeFile_;
+    const size_t limit = carry ? n : pos.empty() ? 0 : pos.back();
+    int64_t c = scope_ == XUnits::FILE ? wordsBefore_ : 0;
+    bool prevWord = false;
+    size_t p = 0, k = 0;
+    while (p < limit) {
+        for (; k < pos.size() && pos[k] <= p; ++k) count[k] = c;
+        bool w = false;
+        const unsigned char b = static_cast<unsigned char>(d[p]);
+        if (b < 0x80) {
+            w = words::is_word_char(b);
+            ++p;
+        } else {
+            p += words::char_at(d, n, p, w);
         }
-        std::fill(present.begin(), present.end(), 0);
-        marks.clear();
-        size_t p = u.begin;
-        while (match(sym_.alternation, d, u.end, p, ms, me, g) > 0) {
-            if (g >= 0) present[size_t(g)] = 1;
-            marks.emplace_back(int64_t(base + ms), int64_t(me - ms), XRam::CATEGORY_HIT);
-            p = me > ms ? me : ms + 1;
-        }
-        for (size_t t = 0; t < sym_.terms.size(); ++t)
-            if (!present[t] && match(*sym_.single[t], d, u.end, u.begin, ms, me, g) > 0) present[t] = 1;
-        if (unitMatches(present)) out.insert(out.end(), marks.begin(), marks.end());
-        pos = u.end;
+        if (w && !prevWord) ++c;
+        prevWord = w;
+    }
+    for (; k < pos.size(); ++k) count[k] = c;
+    if (carry) wordsBefore_ = c;
+    for (XOcc& o : occ) {
+        if (!sym_.terms[o.id].inNear) continue;
+        o.wordsBeforeS = count[size_t(std::lower_bound(pos.begin(), pos.end(), size_t(o.s)) - pos.begin())];
+        o.wordsBeforeE = count[size_t(std::lower_bound(pos.begin(), pos.end(), size_t(o.e)) - pos.begin())];
+        o.insideWord = words::word_before(d, size_t(o.s)) && words::word_at(d, n, size_t(o.s));
     }
 }
 

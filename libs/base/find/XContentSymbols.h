@@ -2,6 +2,7 @@
 // Internals of XContentFilter: the compiled symbols (shared, read-only) and the
 // per-copy scratch of the engines. Only the content-search sources include this.
 #include "base/find/XCaseFold.h"
+#include "base/find/XQuery.h"
 #include "base/find/XRam.h"
 
 #ifndef PCRE2_CODE_UNIT_WIDTH
@@ -27,12 +28,16 @@ struct XPcre {
     XPcre() = default;
     XPcre(const XPcre&) = delete;
     XPcre& operator=(const XPcre&) = delete;
-    ~XPcre() { if (code) pcre2_code_free(code); }
+    ~XPcre() { free(); }
+    void free() {
+        if (code) pcre2_code_free(code);
+        code = nullptr;
+    }
 };
 
 struct XTerm {
     QString text;
-    bool negative = false;
+    bool inNear = false;   // a side of a NEAR: its occurrences need word positions
     CaselessLiteral literal;
     std::string exact;   // the bytes the term matches, when it matches nothing else (a plain expression)
 };
@@ -40,12 +45,17 @@ struct XTerm {
 struct XContentSymbols {
     bool regEx = false;
 
-    // Simple expression: positive terms first, in priority order (longer first),
-    // then the excluded ones. Term i is group i+1 of 'alternation'.
+    bool wholeWords = false;          // an occurrence has no letter, digit or '_' on either side
+    bool matchCase = false;
+
+    // Simple expression: the tree and its terms in priority order (longer
+    // first). Term i is group i+1 of 'alternation'.
+    XQuery query;
     std::vector<XTerm> terms;
-    size_t nPositive = 0;
-    XPcre alternation;                  // the positive terms as one alternation
-    std::vector<std::unique_ptr<XPcre>> single;   // every term alone (presence tests)
+    XPcre alternation;                  // all terms as one alternation
+    std::vector<std::unique_ptr<XPcre>> single;   // every term alone (tests at one place)
+    // The expression is one term: its occurrences are the marks, no unit decides.
+    bool singleTerm() const { return !regEx && query.isSingleTerm(); }
 
     // Regular expression.
     XPcre regex;
@@ -72,6 +82,10 @@ struct XContentSymbols {
 struct XOcc {
     int64_t s, e;
     uint32_t id;
+    // With NEAR: words that start before s and before e, and whether s lies
+    // inside a word (NEAR counts only the words wholly between two occurrences).
+    int64_t wordsBeforeS = 0, wordsBeforeE = 0;
+    bool insideWord = false;
 };
 struct XReport {
     int64_t s, e;   // s = -1 without start-of-match
@@ -85,6 +99,9 @@ struct XContentScratch {
     hs_scratch_t* hsScratch = nullptr;
 #endif
     std::vector<XOcc> occ;
+    std::vector<XOcc> unitOcc;        // the occurrences inside one unit
+    std::vector<size_t> wordPos;      // positions whose word counts NEAR needs
+    std::vector<int64_t> wordCount;
     std::vector<XReport> reports;
     std::vector<int64_t> sufMin;
     std::vector<XRam> marks;      // one file's marks before they go to its layer
@@ -104,32 +121,64 @@ struct XContentScratch {
     }
 };
 
-// Compiles the user's text; false with an error text.
-bool compile_symbols(const QString& text, bool regEx, bool allowHyperscan, XContentSymbols& sym, QString& error);
+// Compiles the user's text; false with an error text and the character (from 1,
+// 0 when none) where the text goes wrong.
+bool compile_symbols(const QString& text, bool regEx, bool allowHyperscan, XContentSymbols& sym, QString& error, int& errorPos);
 // Prepares the scratch for these symbols (once per filter copy).
 bool prepare_scratch(const XContentSymbols& sym, XContentScratch& sc);
 
 // Searches one window of a file; marks (absolute positions) are appended to 'out'.
 class XContentSearch {
 public:
-    XContentSearch(const XContentSymbols& sym, XContentScratch& sc, uint32_t scope);
+    // 'wholeFile': the file comes in one window (word positions need not be
+    // counted past the last occurrence).
+    XContentSearch(const XContentSymbols& sym, XContentScratch& sc, uint32_t scope, bool wholeFile = true);
     void window(const char* d, size_t n, uint64_t base, std::vector<XRam>& out);
     // Ends the file: a file-scope simple expression decides here.
     void finish(std::vector<XRam>& out);
 
 private:
-    void simpleHyperscan(const char* d, size_t n, uint64_t base, std::vector<XRam>& out);
-    void simplePcre(const char* d, size_t n, uint64_t base, std::vector<XRam>& out);
+    void simple(const char* d, size_t n, uint64_t base, std::vector<XRam>& out);
+    bool singleTermFast(const char* d, size_t n, uint64_t base, std::vector<XRam>& out);
+    void occurrencesHyperscan(const char* d, size_t n);
+    void occurrencesPcre(const char* d, size_t n);
+    void keepWholeWords(const char* d, size_t n);
+    void countWords(const char* d, size_t n);
     void regex(const char* d, size_t n, uint64_t base, std::vector<XRam>& out);
     bool gateScan(const char* d, size_t n);
-    int match(const XPcre& code, const char* d, size_t len, size_t start, size_t& ms, size_t& me, int& group);
-    bool unitMatches(const std::vector<char>& present) const;
+    int match(const XPcre& code, const char* d, size_t len, size_t start, size_t& ms, size_t& me, int& group,
+              uint32_t options = 0);
 
     const XContentSymbols& sym_;
     XContentScratch& sc_;
     uint32_t scope_;
-    std::vector<char> presentFile_;   // file scope: terms seen so far
-    std::vector<XRam> pendingFile_;   // file scope: marks waiting for the decision
+    bool wholeFile_;
+    int64_t wordsBefore_ = 0;          // file scope: words in the windows before
+    int64_t lastEnd_ = 0;              // one term: end of the last mark (marks never overlap)
+    std::vector<XOcc> pendingFile_;    // file scope: occurrences waiting for the end of the file
+};
+
+// Decides one unit: the occurrences [first, last) of its terms (sorted by start,
+// then term) give its marks, or none when the expression is false for it.
+class XUnitEval {
+public:
+    explicit XUnitEval(const XQuery& q) : q_(q) {}
+    void evaluate(const XOcc* first, const XOcc* last, int64_t base, std::vector<XRam>& out);
+
+private:
+    bool value(uint32_t node);
+    void contribute(uint32_t node);
+    const std::vector<uint32_t>& occurrences(uint32_t node);
+    const std::vector<uint32_t>& nearPairs(uint32_t node);
+
+    const XQuery& q_;
+    const XOcc* occ_ = nullptr;
+    size_t n_ = 0;
+    std::vector<char> present_;
+    std::vector<char> keepTerm_;
+    std::vector<char> keepOcc_;
+    std::vector<std::vector<uint32_t>> lists_;   // per node: its occurrences (where asked for)
+    std::vector<char> listDone_;
 };
 
 } // namespace find
