@@ -6,6 +6,7 @@
 #   TF_BENCH_ROUNDS=2 ...     rounds the runs are split into (default 5)
 #   TF_BENCH_OUT=/tmp/x ...   where builds, corpora and results go (default bench/out)
 #   TF_BENCH_CORPORA=inc ...  only /usr/include ("inc"), only the generated tree ("syn"), or both (default)
+#   TF_BENCH_ONLY="or near" ... only these benchmarks (the ids after the corpus key)
 # Warm cache: every command runs before it is timed. Output goes to a regular
 # file (GNU grep stops early when its output is /dev/null). The runs of the
 # commands compared are taken in rounds, in alternating order, and the table
@@ -62,6 +63,7 @@ PY
 # bench ID TITLE OURS REF1 [REF2]    (commands are split like a shell would, no shell runs them)
 bench() {
   local id="$1" title="$2"; shift 2
+  if [ -n "${TF_BENCH_ONLY:-}" ] && [[ " $TF_BENCH_ONLY " != *" ${id#*-} "* ]]; then return; fi
   local names=(ours ref1 ref2) cmds=("$@") i r
   local per=$(( (RUNS + ROUNDS - 1) / ROUNDS ))
   printf '  %-48s' "$title"
@@ -100,11 +102,11 @@ run_corpus() {   # run_corpus KEY DIR
     "fdfind -I -t f$fdext -S -100000b -E $excl . $dir" \
     "find $dir \\( -iname $excl -o -name '.*' \\) -prune -o -type f \\( $findext \\) -size -100001c -print"
   bench "$key-common" "literal, common word ('return')" \
-    "$TF find --dir $dir --hidden true --regex true --find return" \
+    "$TF find --dir $dir --hidden true --regex true --matchCase true --find return" \
     "rg -uuu -c return $dir" \
     "grep -r -c return $dir"
   bench "$key-rare" "literal, rare word ('$rare')" \
-    "$TF find --dir $dir --hidden true --regex true --find $rare" \
+    "$TF find --dir $dir --hidden true --regex true --matchCase true --find $rare" \
     "rg -uuu -c $rare $dir" \
     "grep -r -c $rare $dir"
   bench "$key-icase" "case-insensitive word ('return')" \
@@ -116,12 +118,30 @@ run_corpus() {   # run_corpus KEY DIR
     "rg -uuu -i -F -c 'return value' $dir" \
     "grep -r -i -F -c 'return value' $dir"
   bench "$key-offsets" "every hit with its offset ('return')" \
-    "$TF find --dir $dir --hidden true --regex true --find return --show hits" \
+    "$TF find --dir $dir --hidden true --regex true --matchCase true --find return --show hits" \
     "rg -uuu -b -o return $dir" \
     "grep -r -b -o return $dir"
   bench "$key-regex" "regex '[A-Z][a-z]+Exception|errno'" \
-    "$TF find --dir $dir --hidden true --regex true --find '[A-Z][a-z]+Exception|errno'" \
+    "$TF find --dir $dir --hidden true --regex true --matchCase true --find '[A-Z][a-z]+Exception|errno'" \
     "rg -uuu -c '[A-Z][a-z]+Exception|errno' $dir"
+  # The query language: each against rg and against our plain 'return' (any
+  # case) in the same rounds; the last two against rg -w and rg -s.
+  bench "$key-or" "OR of two words ('return | break', -i)" \
+    "$TF find --dir $dir --hidden true --find 'return | break'" \
+    "rg -uuu -i -c -e return -e break $dir" \
+    "$TF find --dir $dir --hidden true --find return"
+  bench "$key-orx" "'(return | break) -static' vs plain" \
+    "$TF find --dir $dir --hidden true --find '(return | break) -static'" \
+    "$TF find --dir $dir --hidden true --find return"
+  bench "$key-near" "'error NEAR/5 return' vs plain" \
+    "$TF find --dir $dir --hidden true --find 'error NEAR/5 return'" \
+    "$TF find --dir $dir --hidden true --find return"
+  bench "$key-words" "whole words ('return', -i -w)" \
+    "$TF find --dir $dir --hidden true --wholeWords true --find return" \
+    "rg -uuu -i -w -c return $dir"
+  bench "$key-case" "match case ('return', -s)" \
+    "$TF find --dir $dir --hidden true --matchCase true --find return" \
+    "rg -uuu -s -c return $dir"
   # The third command is ours without counting lines: the cost of counting
   # comes from the same rounds.
   bench "$key-lines" "count lines and bytes of every file" \
@@ -144,7 +164,7 @@ echo "Checking the engine's counts on the synthetic tree against manifest.json:"
 "$TF" find --dir "$SYN" --hidden true --show count > "$OUT/v-files.txt" || true
 "$TF" find --dir "$SYN" --hidden true --pattern '*.txt,*.cpp,*.h,*.md,*.log,*.py,*.json,*.csv' --show count > "$OUT/v-text.txt" || true
 "$TF" find --dir "$SYN" --hidden true --minSize 10241 --show count > "$OUT/v-big.txt" || true
-"$TF" find --dir "$SYN" --hidden true --regex true --find return --show count > "$OUT/v-return.txt" || true
+"$TF" find --dir "$SYN" --hidden true --regex true --matchCase true --find return --show count > "$OUT/v-return.txt" || true
 "$TF" find --dir "$SYN" --hidden true --find return --show count > "$OUT/v-return-i.txt" || true
 "$TF" find --dir "$SYN" --hidden true --regex true --find ZQX_RARE_NEEDLE --show count > "$OUT/v-rare.txt" || true
 "$TF" find --dir "$SYN" --hidden true --pattern '*.txt,*.cpp,*.h,*.md,*.log,*.py,*.json,*.csv' --regex true \
@@ -208,7 +228,7 @@ for key in ("inc", "syn"):
     if not os.path.exists(f"{res}/{key}.corpus"): continue
     print(f"Corpus: {open(f'{res}/{key}.corpus').read().strip()}")
     print(f"  {'benchmark (medians)':48s} {'ours ms':>12s} {'ref1 ms':>12s} {'ref2 ms':>12s}  {'ours/ref1':>9s} {'ours/ref2':>9s}   peak MB ours/ref1/ref2")
-    ids = ["scan", "common", "rare", "icase", "phrase", "offsets", "regex", "lines", "read"]
+    ids = ["scan", "common", "rare", "icase", "phrase", "offsets", "regex", "or", "orx", "near", "words", "case", "lines", "read"]
     for i in ids:
         id_ = f"{key}-{i}"
         r = mean(id_)
@@ -227,6 +247,7 @@ for key in ("inc", "syn"):
     lines, read = mean(f"{key}-lines").get("ours"), mean(f"{key}-read").get("ours")
     if lines and read:
         print(f"  counting lines adds {100*(lines['mean']/read['mean']-1):+.1f} % over reading every file")
-    print("  ref1/ref2: scan fd -I / find; lines and regex rg; the others rg -uuu / grep -r")
+    print("  ref1/ref2: scan fd -I / find; lines and regex rg; OR rg -i -e -e / ours plain 'return';")
+    print("  '-static' and NEAR: ours plain 'return'; whole words rg -i -w; match case rg -s; the others rg -uuu / grep -r")
     print()
 PY

@@ -287,6 +287,8 @@ void WinFinder::save_state() {
     nTree->setBool(QStringLiteral("header"), treeView_->isHeaderDetails());
     container_preview_->to_node();
     nWin->setUInt(QStringLiteral("filterFlags"), filterFlags_.flags());
+    if (buttonWholeWords_) nWin->setBool(QStringLiteral("flagWholeWords"), buttonWholeWords_->isChecked());
+    if (buttonMatchCase_) nWin->setBool(QStringLiteral("flagMatchCase"), buttonMatchCase_->isChecked());
     saveSearchHistory();
 }
 

@@ -256,6 +256,8 @@ public:
     QWidget* rowContent() const { return rowContent_; }
     QToolButton* buttonFilter() const { return buttonFilter_; }
     QToolButton* buttonRegEx() const { return buttonRegEx_; }
+    QToolButton* buttonWholeWords() const { return buttonWholeWords_; }
+    QToolButton* buttonMatchCase() const { return buttonMatchCase_; }
     tav::XPropBool& propRegEx() { return propRegEx_; }
     tav::XTypedComboBox<uint32_t>* comboTimeArea() const { return comboTimeArea_; }
     tav::XTypedComboBox<uint32_t>* comboSizeArea() const { return comboSizeArea_; }
@@ -333,6 +335,8 @@ private:
     QLineEdit* size2_ = nullptr;
     QToolButton* buttonFilter_ = nullptr;
     QToolButton* buttonRegEx_ = nullptr;
+    QToolButton* buttonWholeWords_ = nullptr;
+    QToolButton* buttonMatchCase_ = nullptr;
     tav::XPropBool propRegEx_;
 
     // search (the scan thread goes after the search, whose workers read its file list)

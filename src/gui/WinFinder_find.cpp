@@ -17,6 +17,7 @@
 #include "src/gui/ThreadScanDir.h"
 #include "src/gui/apps/Terminal.h"
 #include "src/gui/WinFinder.h"
+#include "src/gui/ExpressionError.h"
 #include "src/gui/config/ConfigTavFinder.h"
 
 #include <QLabel>
@@ -153,7 +154,12 @@ void WinFinder::on_find() {
     tav::find::XFilter filter = filter_from_GUI();
     if (filter.pErrorWidget) {
         log(8, "WinFinder::on_find, !filter");
-        tav::XTools::flash_combobox_editable(qobject_cast<QComboBox*>(filter.pErrorWidget), 2);   // 4 x 150 ms
+        auto* combo = qobject_cast<QComboBox*>(filter.pErrorWidget);
+        if (combo == comboContent_)
+            show_expression_error(combo, filter.sError, propRegEx_.value() ? xt("Type your regular expression") : xt("Type simple expression"));
+        else
+            tav::XTools::flash_combobox_editable(combo, 2);   // 4 x 150 ms
+        set_status_text(filter.sError);
         return;
     }
     // A scan still under way reads the filter and its folder: end it first.

@@ -12,6 +12,7 @@
 #include "gui/widgets/XTypedComboBox.h"
 #include "src/dir/XContainerPreviews.h"
 #include "src/gui/WinFinder.h"
+#include "src/gui/ExpressionError.h"
 #include "src/gui/config/ConfigTavFinder.h"
 
 #include <QDateEdit>
@@ -72,6 +73,16 @@ void WinFinder::setup_panel_find() {
         if (buttonRegEx_->isChecked() != on) buttonRegEx_->setChecked(on);
         on_regex_toggled(on);
     });
+    // Both switches are kept in the window's node, like the filter bits.
+    tav::XNode* nWin = nodeWin();
+    buttonWholeWords_ = content->createImageButton(WindowBase::icon(QStringLiteral("whole_words.svg")),
+                                                   xt("Whole words: no letter, digit or '_' right before or after a hit"), nullptr, true);
+    buttonWholeWords_->setObjectName(QStringLiteral("buttonWholeWords"));
+    buttonWholeWords_->setChecked(nWin && nWin->isBool(QStringLiteral("flagWholeWords"), false));
+    buttonMatchCase_ = content->createImageButton(WindowBase::icon(QStringLiteral("match_case.svg")),
+                                                  xt("Match case: upper and lower case letters differ"), nullptr, true);
+    buttonMatchCase_->setObjectName(QStringLiteral("buttonMatchCase"));
+    buttonMatchCase_->setChecked(nWin && nWin->isBool(QStringLiteral("flagMatchCase"), false));
     content->createLabel(QString())->setMinimumWidth(200);
     tav::XPanel* scope = content->createPanel(tav::XPanel::HORIZONTAL);
     scope->setMinimumWidth(180);
@@ -139,7 +150,6 @@ void WinFinder::setup_panel_find() {
     row->createImageButton(WindowBase::icon(QStringLiteral("wheel.svg")), xt("Settings"), [this]() { on_settings_menu(); });
 
     // hidden files: the window node's choice goes to the tree and the previews first
-    tav::XNode* nWin = nodeWin();
     const bool hidden = nWin && nWin->isBool(QStringLiteral("flagHiddenFiles"), false);
     filterFlags_.setFlag(FILTER_HIDDEN, hidden);
     treeView_->setHiddenFiles(hidden);
@@ -273,11 +283,15 @@ tav::find::XFilter WinFinder::filter_from_GUI() {
         } else {
             tav::find::XContentFilter cf;
             cf.setScope(comboScope_->selected());
+            cf.setWholeWords(buttonWholeWords_->isChecked());
+            cf.setMatchCase(buttonMatchCase_->isChecked());
             if (cf.createSymbols(text, propRegEx_.value())) {
                 filter.contentFilter = cf;
             } else {
                 filter.pErrorWidget = comboContent_;
+                filter.sError = expression_error_text(cf);
                 log(8, "WinFinder::filter_from_GUI, problems with expression '$'", text);
+                log(8, "WinFinder::filter_from_GUI, $", cf.errorMessage());
             }
         }
     }

@@ -184,6 +184,29 @@ void TestDetails::searchPanelsMarkAndNavigate() {
     QVERIFY(logs.contains(QStringLiteral("PanPreviewAsc::on_search, search for text but text ist empty")));
     QCOMPARE(positions(l0), (std::vector<int64_t>{17}));
 
+    // The reason is shown at the field; the switches decide what is found.
+    search(p0, pan, QStringLiteral("alpha (beta"));
+    QCOMPARE(p0->comboSearch()->toolTip(), QStringLiteral("Character 7: unbalanced parenthesis"));
+    QCOMPARE(positions(l0), (std::vector<int64_t>{17}));
+    p0->buttonMatchCase()->setChecked(true);
+    search(p0, pan, QStringLiteral("ALPHA"));
+    QVERIFY(l0->isEmpty());
+    p0->buttonMatchCase()->setChecked(false);
+    search(p0, pan, QStringLiteral("alpha NEAR/0 gamma"));
+    QCOMPARE(positions(l0), (std::vector<int64_t>{11, 17, 23}));
+    p0->buttonWholeWords()->setChecked(true);
+    search(p0, pan, QStringLiteral("alph"));
+    QVERIFY(l0->isEmpty());
+    {
+        tav::XNode saved(QStringLiteral("pan0"));
+        p0->to_node(&saved);
+        p0->buttonWholeWords()->setChecked(false);
+        p0->from_node(&saved);
+        QVERIFY(p0->isWholeWords() && !p0->isMatchCase());
+    }
+    p0->buttonWholeWords()->setChecked(false);
+    search(p0, pan, QStringLiteral("gamma"));
+
     // Regular expression with scope, in the second panel's own layer.
     PanelSearch* p1 = pan->get_panel_search(1);
     p1->comboScope()->setSelected(2);

@@ -79,6 +79,7 @@ private slots:
     void escapeDuringContentSearch();
     void fileOnlySearch();
     void refusedAndCancelledSearches();
+    void queryLanguageAndSwitchesInThePanel();
 };
 
 void TestSearchWindow::initTestCase() {
@@ -593,3 +594,54 @@ void TestSearchWindow::refusedAndCancelledSearches() {
 
 QTEST_MAIN(TestSearchWindow)
 #include "test_search_window.moc"
+
+// The query language from the panel: a bad expression says where and why, the
+// two switches reach the filter, are kept with the window and decide the hits.
+void TestSearchWindow::queryLanguageAndSwitchesInThePanel() {
+    QPointer<WinFinder> w = open(abs("docs"));
+    QTRY_COMPARE(w->treeView()->selectedFile().absoluteFilePath(), abs("docs"));
+    setBits(w, WinFinder::FILTER_CONTENT);
+    QVERIFY(w->buttonWholeWords()->isVisible() && w->buttonMatchCase()->isVisible());
+    QVERIFY(w->buttonWholeWords()->isCheckable() && !w->buttonWholeWords()->toolTip().isEmpty());
+    QVERIFY(w->buttonMatchCase()->toolTip().startsWith(QStringLiteral("Match case")));
+
+    w->comboContent()->setEditText(QStringLiteral("needle NEAR (hay"));
+    tftest::LogCapture logs;
+    QTest::keyClick(w, Qt::Key_Return);
+    QCOMPARE(w->findState(), uint32_t(WinFinder::FIND_IDLE));
+    QVERIFY(!w->threadScanDir().isActive());
+    QCOMPARE(w->comboContent()->toolTip(), QStringLiteral("Character 13: unbalanced parenthesis"));
+    QCOMPARE(w->statusLabel()->text(), QStringLiteral("Character 13: unbalanced parenthesis"));
+    QVERIFY(logs.linesAtLevel(8).contains(QStringLiteral("WinFinder::filter_from_GUI, character 13: unbalanced parenthesis")));
+    // Editing the text brings the usual tip back.
+    w->comboContent()->setEditText(QStringLiteral("Needle"));
+    QCOMPARE(w->comboContent()->toolTip(), QStringLiteral("Type simple expression"));
+
+    w->buttonMatchCase()->click();
+    tav::find::XFilter f = w->filter_from_GUI();
+    QVERIFY(f.isUsable() && f.contentFilter.isMatchCase() && !f.contentFilter.isWholeWords());
+    w->buttonMatchCase()->click();
+    w->buttonWholeWords()->click();
+    QVERIFY(w->comboScope()->setSelected(0));
+    // Two needles with no word between them: only the .log file has such pairs.
+    w->comboContent()->setEditText(QStringLiteral("needle NEAR/0 needle -nothing"));
+    QTest::keyClick(w, Qt::Key_Return);
+    QTRY_COMPARE(w->findPage(), int(WinFinder::PAGE_DONE));
+    QTRY_VERIFY2(w->labelDone()->text().contains(QStringLiteral("files-match:1, match-total:5")), qPrintable(w->labelDone()->text()));
+    tavFinder::FileResultModel* m = w->panelResults()->model();
+    QCOMPARE(m->rowCount(), 1);
+    QCOMPARE(m->fromRow(0).fileName(), QStringLiteral("most.log"));
+
+    // The switches stay with the window.
+    closeNow(w);
+    QVERIFY(windowNode()->isBool(QStringLiteral("flagWholeWords"), false));
+    QVERIFY(!windowNode()->isBool(QStringLiteral("flagMatchCase"), true));
+    QPointer<WinFinder> again = open(abs("docs"));
+    QVERIFY(again->buttonWholeWords()->isChecked());
+    QVERIFY(!again->buttonMatchCase()->isChecked());
+    again->buttonWholeWords()->click();
+    again->comboScope()->setSelected(tavFinder::cfg().scope);
+    setBits(again, 0);
+    closeNow(again);
+    windowNode()->removeNode(windowNode()->query(QStringLiteral("SearchHistory")), true);
+}

@@ -15,6 +15,7 @@ public:
     XFileFilter fileFilter;
     XContentFilter contentFilter;
     QObject* pErrorWidget = nullptr;   // null while the filter is usable
+    QString sError;                    // what is wrong with that input, for the user
 
     // A compiled content filter is set (the search reads file contents).
     bool has_content_filter() const { return contentFilter.isValid(); }

@@ -18,6 +18,7 @@
 #include "src/find/TavFind.h"
 #include "src/gui/WindowBase.h"
 #include "src/gui/config/ConfigTavFinder.h"
+#include "src/gui/ExpressionError.h"
 #include "src/gui/panPreview/asc/PanelSearch.h"
 
 #include <QAction>
@@ -287,9 +288,12 @@ void PanPreviewAsc::on_search(PanelSearch* panel) {
     }
     tav::find::XContentFilter filter;
     filter.setScope(panel->comboScope()->selected());
+    filter.setWholeWords(panel->isWholeWords());
+    filter.setMatchCase(panel->isMatchCase());
     if (!filter.createSymbols(text, panel->isRegEx())) {
         log(8, "PanPreviewAsc::on_search, problems with expression '$'", text);
-        tav::XTools::flash_combobox_editable(panel->comboSearch(), 2);   // 600 ms
+        log(8, "PanPreviewAsc::on_search, $", filter.errorMessage());
+        show_expression_error(panel->comboSearch(), expression_error_text(filter), QString());   // flashes 600 ms
         return;
     }
     panel->comboSearch()->add_to_history(text);

@@ -60,6 +60,10 @@ void PanelSearch::ini(unsigned panelNo) {
 
     buttonRegEx_ = createImageButton(WindowBase::icon(QStringLiteral("brackets.svg")), xt("Regular Expressions"), nullptr, true);
     buttonRegEx_->setChecked(cfg().flagRegEx);
+    buttonWholeWords_ = createImageButton(WindowBase::icon(QStringLiteral("whole_words.svg")),
+                                          xt("Whole words: no letter, digit or '_' right before or after a hit"), nullptr, true);
+    buttonMatchCase_ = createImageButton(WindowBase::icon(QStringLiteral("match_case.svg")),
+                                         xt("Match case: upper and lower case letters differ"), nullptr, true);
 
     colorLabel_ = add(new tav::XColorLabel(24, defaultColor(panelNo), this));
 
@@ -81,6 +85,8 @@ void PanelSearch::ini(unsigned panelNo) {
 }
 
 bool PanelSearch::isRegEx() const { return buttonRegEx_ && buttonRegEx_->isChecked(); }
+bool PanelSearch::isWholeWords() const { return buttonWholeWords_ && buttonWholeWords_->isChecked(); }
+bool PanelSearch::isMatchCase() const { return buttonMatchCase_ && buttonMatchCase_->isChecked(); }
 
 QColor PanelSearch::color() const { return colorLabel_ ? colorLabel_->color() : defaultColor(panelNo_); }
 
@@ -99,11 +105,15 @@ void PanelSearch::set_content_filter(const tav::find::XContentFilter& filter) {
     if (!comboScope_->setSelected(filter.scope())) log(32, "XTypedComboBox<$>::select, value '$' not found", "unsigned", filter.scope());
     log(32, "PanelSearch::set_content_filter, filter '$'", filter.toString(false));
     buttonRegEx_->setChecked(filter.isRegEx());
+    buttonWholeWords_->setChecked(filter.isWholeWords());
+    buttonMatchCase_->setChecked(filter.isMatchCase());
 }
 
 void PanelSearch::to_node(tav::XNode* node) const {
     if (!node || !combo_) return;
     node->setUInt(QStringLiteral("color"), color().rgba());
+    node->setBool(QStringLiteral("flagWholeWords"), isWholeWords());
+    node->setBool(QStringLiteral("flagMatchCase"), isMatchCase());
     node->getCreateNode(QStringLiteral("SearchHistory"))->set_string_array(QStringLiteral("pattern"), combo_->get_string_items());
 }
 
@@ -111,6 +121,8 @@ void PanelSearch::from_node(tav::XNode* node) {
     if (!X_ASSERT_MSG(node, "nPanSearch == NULL") || !combo_) return;
     if (node->hasAttribute(QStringLiteral("color")))
         colorLabel_->setColor(QColor::fromRgba(node->getUInt(QStringLiteral("color"), color().rgba())), false);
+    buttonWholeWords_->setChecked(node->isBool(QStringLiteral("flagWholeWords"), false));
+    buttonMatchCase_->setChecked(node->isBool(QStringLiteral("flagMatchCase"), false));
     if (tav::XNode* h = node->query(QStringLiteral("SearchHistory"))) {
         const QString text = combo_->currentText();
         combo_->set_data(h->get_string_array(QStringLiteral("pattern")));

@@ -1,6 +1,7 @@
 #pragma once
-// One search of the text preview: search text with history, regular-expression
-// switch, scope, colour of its layer and the number of hits.
+// One search of the text preview: search text with history, switches for
+// regular expressions, whole words and case, scope, colour of its layer and
+// the number of hits.
 #include "gui/panel/XPanel.h"
 
 #include <QColor>
@@ -41,17 +42,23 @@ public:
 
     tav::XComboBox* comboSearch() const { return combo_; }
     QToolButton* buttonRegEx() const { return buttonRegEx_; }
+    QToolButton* buttonWholeWords() const { return buttonWholeWords_; }
+    QToolButton* buttonMatchCase() const { return buttonMatchCase_; }
     QLabel* labelHits() const { return labelHits_; }
     QToolButton* buttonDelete() const { return buttonDelete_; }
     QToolButton* buttonFind() const { return buttonFind_; }
     tav::XColorLabel* colorLabel() const { return colorLabel_; }
     tav::XTypedComboBox<unsigned>* comboScope() const { return comboScope_; }
     bool isRegEx() const;
+    bool isWholeWords() const;
+    bool isMatchCase() const;
 
 private:
     unsigned panelNo_ = 0;
     tav::XComboBox* combo_ = nullptr;
     QToolButton* buttonRegEx_ = nullptr;
+    QToolButton* buttonWholeWords_ = nullptr;
+    QToolButton* buttonMatchCase_ = nullptr;
     QLabel* labelHits_ = nullptr;
     QToolButton* buttonDelete_ = nullptr;
     QToolButton* buttonFind_ = nullptr;
