@@ -302,6 +302,7 @@ void TestDetails::copyActionsFollowTheSelectionLength() {
     tav::viewText::XTextView* v = h.pan->textView();
     const QString copy1 = QStringLiteral("Copy → Search Field &1"), copy2 = QStringLiteral("Copy → Search Field &2");
 
+    h.pan->get_panel_search(1)->buttonRegEx()->setChecked(false);   // a plain search: a quoted phrase
     v->setSelection(0, 88);
     {
         tav::XMenu m(nullptr);
@@ -324,6 +325,26 @@ void TestDetails::copyActionsFollowTheSelectionLength() {
         QVERIFY(!actionByText(m, copy1)->isEnabled());
     }
     QCOMPARE(logs.count(QStringLiteral("PanPreviewAsc::ini - no selection")), 2);
+
+    // The copy finds exactly the selected text in the panel's mode, also when the
+    // text holds characters that mean something to a pattern or to the language.
+    const QString odd = QStringLiteral("a.b (c)* d|-e");
+    const QString oddPath = dir.file(QStringLiteral("odd.txt"), "x a.b (c)* d|-e y\naxb (c)* d e\n");
+    openText(h.pan, oddPath);
+    for (bool regEx : {true, false}) {
+        for (unsigned n = 0; n < 2; ++n) {
+            PanelSearch* p = h.pan->get_panel_search(n);
+            p->buttonRegEx()->setChecked(regEx);
+            h.pan->bitsConfig().set_flag(n == 0 ? PanPreviewAsc::BIT_SEARCH_LAYER_1 : PanPreviewAsc::BIT_SEARCH_LAYER_2, false, 1, 1);
+            QVERIFY(!p->isVisible());
+            v->setSelection(2, odd.size());
+            tav::XMenu m(nullptr);
+            v->buildContextMenu(m);
+            actionByText(m, n == 0 ? copy1 : copy2)->trigger();
+            QVERIFY(p->isVisible());   // a hidden panel is shown
+            QVERIFY2(p->labelHits()->text() == QStringLiteral("1"), qPrintable(p->comboSearch()->currentText()));
+        }
+    }
 }
 
 void TestDetails::patternSelectionAndInformationLine() {

@@ -25,6 +25,7 @@
 #include <QApplication>
 #include <QLineEdit>
 #include <QPointer>
+#include <QRegularExpression>
 #include <QToolButton>
 
 namespace tavFinder {
@@ -167,15 +168,32 @@ void PanPreviewAsc::ini() {
         const bool usable = !selection.isEmpty() && selection.length() <= kCopyMaxChars;
         if (!usable) log(32, "PanPreviewAsc::ini - no selection");
         menu.addSeparator();
-        const QString quoted = QLatin1Char('"') + selection + QLatin1Char('"');
         QPointer<PanPreviewAsc> self(this);
         for (unsigned n = 0; n < 2; ++n) {
-            QAction* a = menu.createAction(n == 0 ? xt("Copy → Search Field &1") : xt("Copy → Search Field &2"), [self, n, quoted]() {
-                if (self) self->panels_[n]->comboSearch()->setEditText(quoted);
+            QAction* a = menu.createAction(n == 0 ? xt("Copy → Search Field &1") : xt("Copy → Search Field &2"), [self, n, selection]() {
+                if (self) self->copy_to_search_field(n, selection);
             });
             a->setEnabled(usable);
         }
     });
+}
+
+QString PanPreviewAsc::expression_finding(const QString& text, bool regEx) {
+    if (regEx) return QRegularExpression::escape(text);
+    // A phrase: quotes and backslashes inside it are escaped.
+    QString inner = text;
+    inner.replace(QLatin1Char('\\'), QStringLiteral("\\\\"));
+    inner.replace(QLatin1Char('"'), QStringLiteral("\\\""));
+    return QLatin1Char('"') + inner + QLatin1Char('"');
+}
+
+void PanPreviewAsc::copy_to_search_field(unsigned n, const QString& text) {
+    if (n > 1 || !panels_[n]) return;
+    PanelSearch* panel = panels_[n];
+    panel->comboSearch()->setEditText(expression_finding(text, panel->isRegEx()));
+    // A hidden panel is shown, and the search runs at once.
+    bitsConfig_.set_flag(n == 0 ? BIT_SEARCH_LAYER_1 : BIT_SEARCH_LAYER_2, true, 1, 1);
+    on_search(panel);
 }
 
 void PanPreviewAsc::set_panel_from_outside(tav::XPanel* outside) {

@@ -68,6 +68,10 @@ public:
     void set_panel_from_outside(tav::XPanel* outside);
     void update_search_results(const tav::find::XRamLayer& hits, const tav::find::XContentFilter& filter, unsigned panelNo);
     void on_search(PanelSearch* panel);
+    // "Copy → Search Field N": the text in the form that finds exactly it in the
+    // panel's mode (an escaped pattern, or a quoted phrase), the panel shown, searched.
+    void copy_to_search_field(unsigned n, const QString& text);
+    static QString expression_finding(const QString& text, bool regEx);
     void on_direct_mark_search(const QString& selection);
     void on_mark_increment(bool up);
     void on_mark_to_top(bool top);
