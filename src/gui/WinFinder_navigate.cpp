@@ -13,6 +13,7 @@
 #include "src/gui/WinFinder.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QToolButton>
 
@@ -65,7 +66,16 @@ void WinFinder::on_refresh() {
 void WinFinder::on_key_return() {
     const QString text = naviBar_ ? naviBar_->editPath()->text().trimmed() : QString();
     log(32, "WinFinder_navigate::on_key_return <$>", text);
-    if (treeView_) treeView_->selectFile(text, true);
+    if (!naviBar_ || !treeView_) return;
+    QLineEdit* edit = naviBar_->editPath();
+    const QString path = text.startsWith(QLatin1String("~/")) || text == QLatin1String("~") ? QDir::homePath() + text.mid(1) : text;
+    if (path.isEmpty()) return;
+    if (!QFileInfo::exists(path)) {
+        tav::XTools::show_input_error(edit, tav::fill(tav::xt("'$' does not exist."), text));
+        return;
+    }
+    tav::XTools::clear_input_error(edit);
+    treeView_->selectFile(path, true);
 }
 
 unsigned WinFinder::thumb_size_step(unsigned current, bool bigger) {

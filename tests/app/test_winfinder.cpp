@@ -308,6 +308,16 @@ void TestWinFinder::keysReachTheirActions() {
     QVERIFY(logs.contains(QStringLiteral("WinFinder::setup_hotkeys - FOCUS ON EDIT PATH")));
     QVERIFY(!logs.contains(QStringLiteral("WinFinder::on_find")));
     QCOMPARE(w->treeView()->selectedFile().absoluteFilePath(), abs(QStringLiteral("a/b/c")));
+    // A path that does not exist says so at the field and changes nothing.
+    w->naviBar()->editPath()->setText(abs(QStringLiteral("a/none")));
+    QTest::keyClick(w->naviBar()->editPath(), Qt::Key_Return);
+    QCOMPARE(w->naviBar()->editPath()->toolTip(), QStringLiteral("'%1' does not exist.").arg(abs(QStringLiteral("a/none"))));
+    QCOMPARE(w->treeView()->selectedFile().absoluteFilePath(), abs(QStringLiteral("a/b/c")));
+    w->treeView()->selectFile(abs(QStringLiteral("a")), false);
+    w->naviBar()->editPath()->setText(abs(QStringLiteral("a/b/c")));
+    QTest::keyClick(w->naviBar()->editPath(), Qt::Key_Return);
+    QVERIFY(w->naviBar()->editPath()->toolTip().isEmpty());
+    QCOMPARE(w->treeView()->selectedFile().absoluteFilePath(), abs(QStringLiteral("a/b/c")));
 
     // Ctrl+Q asks first when configured; "no" keeps everything open.
     tavFinder::cfg().flagConfirmQuit = true;

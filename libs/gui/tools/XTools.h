@@ -91,6 +91,10 @@ public:
     // Draws attention to an editable combo box whose text was refused: its
     // background blinks red a few times and the text gets the focus.
     static void flash_combobox_editable(QComboBox* combo, int times = 3);
+    // Tells the user why an input was refused: a tooltip at the field that stays
+    // as its tooltip until cleared, and a short red flash.
+    static void show_input_error(QWidget* field, const QString& message);
+    static void clear_input_error(QWidget* field);
     // A drag of the file out of 'source' (to a file manager, a mail program...).
     // Returns false without a display or for a missing file.
     static bool drop_file(QWidget* source, const QFileInfo& fi);

@@ -13,6 +13,7 @@
 #include <QDBusMessage>
 #include <QDesktopServices>
 #include <QDrag>
+#include <QToolTip>
 #include <QFile>
 #include <QFileIconProvider>
 #include <QFontDatabase>
@@ -121,6 +122,28 @@ void XTools::setBackgroundColor(QWidget* w, const QColor& c) {
     p.setColor(QPalette::Base, c);
     w->setAutoFillBackground(true);
     w->setPalette(p);
+}
+
+void XTools::show_input_error(QWidget* field, const QString& message) {
+    if (!X_ASSERT_MSG(field, "field == NULL")) return;
+    log(8, "XTools::show_input_error, $", message);
+    // The reason stays on the field (its tooltip) until the next check, and shows now.
+    field->setToolTip(message);
+    field->setProperty("inputError", true);
+    QToolTip::showText(field->mapToGlobal(QPoint(0, field->height())), message, field, QRect(), 6000);
+    const QString oldSheet = field->styleSheet();
+    field->setStyleSheet(QStringLiteral("background-color: #d32f2f; color: white;"));
+    QPointer<QWidget> guard(field);
+    QTimer::singleShot(600, field, [guard, oldSheet]() {
+        if (guard) guard->setStyleSheet(oldSheet);
+    });
+}
+
+void XTools::clear_input_error(QWidget* field) {
+    if (!field || !field->property("inputError").toBool()) return;
+    field->setToolTip(QString());
+    field->setProperty("inputError", false);
+    QToolTip::hideText();
 }
 
 void XTools::flash_combobox_editable(QComboBox* combo, int times) {
