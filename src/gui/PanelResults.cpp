@@ -8,6 +8,7 @@
 #include "gui/panel/XSplitter.h"
 #include "gui/previews/PreviewAscii.h"
 #include "gui/previews/PreviewHex.h"
+#include "gui/previews/XHexView.h"
 #include "gui/tools/XDragOut.h"
 #include "gui/tools/XTools.h"
 #include "gui/viewText/XTextView.h"
@@ -20,8 +21,14 @@
 #include "src/gui/WinFinder.h"
 #include "src/gui/config/ConfigTavFinder.h"
 
+#include <QApplication>
 #include <QColor>
+#include <QEvent>
+#include <QKeyEvent>
 #include <QHeaderView>
+#include <QStyle>
+
+#include <algorithm>
 #include <QPointer>
 
 namespace tavFinder {
@@ -35,6 +42,15 @@ PanelResults::PanelResults(QWidget* parent)
     tableResult_ = new tav::XTableViewClassic(this);
     tableResult_->setObjectName(QStringLiteral("tableResult"));
     tableResult_->set_args(1, 1);
+    tableResult_->setTextElideMode(Qt::ElideMiddle);
+    tableResult_->installEventFilter(this);
+    // The viewport's own resize comes after the table laid out its scroll bars.
+    tableResult_->viewport()->installEventFilter(this);
+    tableResult_->setToolTip(tav::xt("Up / Down: previous / next file\nN / Shift+N, F3 / Shift+F3: next / previous hit"));
+    // Only a drag by the user counts; the stretched path column and hiding resize sections too.
+    connect(tableResult_->horizontalHeader(), &QHeaderView::sectionResized, this, [this](int column, int, int) {
+        if (!fitting_ && column != FileResultModel::COL_PATH && (QApplication::mouseButtons() & Qt::LeftButton)) userSized_ = true;
+    });
     model_ = new FileResultModel(this);
     container_ = new XContainerPreviews(stack_);
     container_->addStandardPreviews();
@@ -76,12 +92,77 @@ void PanelResults::showStack(int which) {
     else if (which == 1) stack_->showPanel(container_);
 }
 
-void PanelResults::setHeader(const std::vector<int>& widths) {
+void PanelResults::setHeader() {
     model_->setHorizontalHeaderLabels({tav::xt("Name"), tav::xt("Size"), tav::xt("Date"), tav::xt("Hits"), tav::xt("Path")});
     QHeaderView* h = tableResult_->horizontalHeader();
-    for (int c = 0; c < int(widths.size()); ++c) h->resizeSection(c, widths[size_t(c)]);
     h->setSectionResizeMode(FileResultModel::COL_PATH, QHeaderView::Stretch);
     h->show();
+    userSized_ = false;
+}
+
+void PanelResults::fitColumns() {
+    if (userSized_ || !tableResult_->model()) return;
+    QHeaderView* h = tableResult_->horizontalHeader();
+    const QFontMetrics fm(tableResult_->font());
+    const QFontMetrics fmHeader(h->font());
+    const int pad = 2 * tableResult_->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, tableResult_) + 12;
+    // The header also carries the sort arrow.
+    const int arrow = tableResult_->style()->pixelMetric(QStyle::PM_HeaderMarkSize, nullptr, h) + 8;
+    auto header = [&](int col) { return fmHeader.horizontalAdvance(model_->headerData(col, Qt::Horizontal).toString()) + pad + arrow; };
+    int64_t maxSize = 0, maxHits = 0;
+    for (int r = 0, n = model_->rowCount(); r < n; ++r) {
+        maxSize = std::max<int64_t>(maxSize, model_->fromRow(r).size());
+        if (flagContent) maxHits = std::max<int64_t>(maxHits, model_->fileResultFromRow(r).layer.size());
+    }
+    int wSize = std::max(header(FileResultModel::COL_SIZE), fm.horizontalAdvance(tav::format1000(maxSize)) + pad);
+    int wDate = std::max(header(FileResultModel::COL_DATE), fm.horizontalAdvance(QStringLiteral("0000/00/00 - 00:00")) + pad);
+    const int wHits = flagContent ? std::max(header(FileResultModel::COL_HITS), fm.horizontalAdvance(tav::format1000(maxHits)) + pad) : 0;
+    const int icon = tableResult_->style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, tableResult_) + 6;
+    const int avail = tableResult_->viewport()->width();
+    const int minName = icon + fm.horizontalAdvance(QStringLiteral("abcde"));
+    // Too narrow for all: the date, then the size give way (elided), never the hits.
+    int deficit = minName + wSize + wDate + wHits - avail;
+    if (deficit > 0) {
+        const int d = std::min(deficit, wDate - std::min(wDate, fm.horizontalAdvance(QStringLiteral("0000/00/00")) + pad));
+        wDate -= d;
+        deficit -= d;
+    }
+    if (deficit > 0) wSize -= std::min(deficit, wSize - std::min(wSize, fm.horizontalAdvance(QStringLiteral("000")) + pad));
+    // The name gets a little more than half of what is left, the path the rest.
+    const int rest = avail - wSize - wDate - wHits;
+    const int wName = std::max(minName, std::min(icon + fm.horizontalAdvance(QLatin1Char('x')) * 40, rest * 11 / 20));
+    fitting_ = true;
+    h->resizeSection(FileResultModel::COL_NAME, wName);
+    h->resizeSection(FileResultModel::COL_SIZE, wSize);
+    h->resizeSection(FileResultModel::COL_DATE, wDate);
+    if (flagContent) h->resizeSection(FileResultModel::COL_HITS, wHits);
+    fitting_ = false;
+}
+
+bool PanelResults::step_hit(bool down) {
+    if (!flagContent || !isVisible() || model_->rowCount() == 0) return false;
+    tav::Preview* hex = container_->hexPreview();
+    if (hex && container_->currentWidget() == hex->widget_preview()) {
+        auto* h = dynamic_cast<tav::PreviewHex*>(hex);
+        return h && h->hex_view() && h->hex_view()->moveActiveMark(down);
+    }
+    auto* ascii = dynamic_cast<tav::PreviewAscii*>(container_->previewByExtension(QStringLiteral("txt")));
+    if (!ascii || !ascii->get_XTextView() || container_->currentWidget() != ascii->widget_preview()) return false;
+    return ascii->get_XTextView()->moveActiveMark(down);
+}
+
+bool PanelResults::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == tableResult_->viewport() && event->type() == QEvent::Resize) fitColumns();
+    // N steps through the hits here too; the table would take it as a jump to a name.
+    if (watched == tableResult_ && event->type() == QEvent::KeyPress) {
+        auto* ke = static_cast<QKeyEvent*>(event);
+        const Qt::KeyboardModifiers mods = ke->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier);
+        if ((ke->key() == Qt::Key_N || ke->key() == Qt::Key_F3) && mods == Qt::NoModifier) {
+            step_hit(!(ke->modifiers() & Qt::ShiftModifier));
+            return true;
+        }
+    }
+    return tav::XPanel::eventFilter(watched, event);
 }
 
 void PanelResults::setFileResults(std::vector<FileResult>& ar) {
@@ -92,8 +173,9 @@ void PanelResults::setFileResults(std::vector<FileResult>& ar) {
     model_->setFileResults(std::move(ar));
     model_->sort(FileResultModel::COL_HITS, false);
     tableResult_->setModel(model_);
-    setHeader({240, 100, 160, 80});
+    setHeader();
     tableResult_->setColumnHidden(FileResultModel::COL_HITS, false);
+    fitColumns();
     tableResult_->setSortColum(FileResultModel::COL_HITS, 0);
 }
 
@@ -105,9 +187,10 @@ void PanelResults::setFileResultsSimple(std::vector<QFileInfo>& ar) {
     model_->setFiles(std::move(ar));
     model_->sort(FileResultModel::COL_PATH, true);
     tableResult_->setModel(model_);
-    setHeader({240, 100, 160, 80});
+    setHeader();
     tableResult_->setSortColum(FileResultModel::COL_PATH, 1);
     tableResult_->setColumnHidden(FileResultModel::COL_HITS, true);
+    fitColumns();
 }
 
 void PanelResults::setResultSummaryHtml(int64_t startMicros, const tav::XFindStats& stats, const FindRequest& request) {
@@ -153,6 +236,14 @@ void PanelResults::on_jump_to_result(int row) {
         log(32, "PanelResults::on_jump_to_result, BIN FILE !");
         if (tav::Preview* hex = container_->hexPreview()) {
             hex->open_file(fi);
+            // The hits marked and the first one in view, as in the text preview.
+            if (auto* h = dynamic_cast<tav::PreviewHex*>(hex); h && h->hex_view()) {
+                std::vector<std::pair<int64_t, int64_t>> marks;
+                marks.reserve(size_t(fr.layer.size()));
+                for (int i = 0; i < fr.layer.size(); ++i) marks.emplace_back(fr.layer.at(i).pos(), std::max<int64_t>(1, fr.layer.at(i).len()));
+                h->hex_view()->setMarks(std::move(marks), QColor(Qt::green));
+                h->hex_view()->setActiveMark(0);
+            }
             container_->showPreview(hex);
         } else {
             X_ASSERT_MSG(nullptr, "previewHex == NULL");
@@ -206,7 +297,7 @@ void PanelResults::on_jump_to_result(int row) {
         }
     }
     view->viewport()->update();
-    view->setFocus();
+    // The focus stays in the table: Up / Down go on through the results.
     container_->showPreview(p);
 }
 

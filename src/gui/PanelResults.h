@@ -51,6 +51,9 @@ public:
     void on_jump_to_result(int row);
     void on_jump_to_result_simple(int row);
     void onTableHeaderSelected(int column);
+    // Next / previous hit of the shown result, in the text or the hex preview; false
+    // when no result with hits is shown.
+    bool step_hit(bool down);
 
     tav::XTableViewClassic* tableResult() const { return tableResult_; }
     FileResultModel* model() const { return model_; }
@@ -73,7 +76,11 @@ private:
     void on_double_click(int row);
     void on_context_menu(int row);
     void on_preview_activated(tav::Preview* p);
-    void setHeader(const std::vector<int>& widths);
+    void setHeader();
+    // Sizes, dates and hits to their contents, the name elided, the path stretched:
+    // the hits column stays in view however narrow the table is.
+    void fitColumns();
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
     tav::XPanelStacked* stack_;
     tav::XTableViewClassic* tableResult_;
@@ -83,6 +90,8 @@ private:
     tav::XBrowser* browser_;
     tav::XSplitter* splitter_;
     FileResultModel* model_;
+    bool fitting_ = false;
+    bool userSized_ = false;   // the user dragged a column: keep their widths until the next results
     tav::XEventListener<FileListener> eventContextFile_;
     tav::XEventListener<ResultListener> eventContextResult_;
     tav::XEventListener<FileListener> eventOpenFile_;

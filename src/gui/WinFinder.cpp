@@ -38,6 +38,8 @@
 #include <QPointer>
 #include <QBoxLayout>
 #include <QFrame>
+#include <QGuiApplication>
+#include <QScreen>
 #include <QLabel>
 #include <QPalette>
 #include <QToolButton>
@@ -401,7 +403,12 @@ WinFinder* WinFinder::new_win(const QString& path) {
     w->init(k, nWin);
     w->setupTray();
     w->setUp(start);
-    tav::XTools::centerOnScreen(w, 1200, 600);
+    // Most of the screen: the tree, the results table and the preview all need room.
+    {
+        QScreen* screen = QGuiApplication::primaryScreen();
+        const QRect avail = screen ? screen->availableGeometry() : QRect(0, 0, 1500, 750);
+        tav::XTools::centerOnScreen(w, std::max(800, avail.width() * 4 / 5), std::max(500, avail.height() * 4 / 5));
+    }
     w->show();
     return w;
 }

@@ -297,6 +297,7 @@ void WinFinder::on_find_done() {
         stateFind = FIND_DONE;
         panelFind_->setCurrentIndex(PAGE_DONE);
         findResults_->tableResult()->selectRow(0, true);
+        findResults_->tableResult()->setFocus();   // Up / Down go through the results at once
     } else {
         log(32, "WinFinder_find::on_find_done - nothing found");
         stateFind = FIND_DONE;

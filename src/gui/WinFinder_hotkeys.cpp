@@ -6,6 +6,7 @@
 #include "src/dir/ContextPreviews.h"
 #include "src/gui/NavigationBar.h"
 #include "src/gui/WinFinder.h"
+#include "src/gui/PanelResults.h"
 
 #include <QApplication>
 #include <QLineEdit>
@@ -29,11 +30,21 @@ void WinFinder::setup_hotkeys() {
     });
     key(QKeySequence(Qt::ALT | Qt::Key_R), [this]() { on_navi_root(); });
     key(QKeySequence(Qt::Key_F5), [this]() { on_refresh(); });
-    key(QKeySequence(Qt::Key_F3), []() {
+    // F3 steps through the hits of a shown result; with none shown it opens the hints, as F1 does.
+    auto hints = []() { tav::XBrowserWindow::showHelp(QStringLiteral(":tf/html/FirstMessage.html"), tav::xt("Talvo Finder"), 1); };
+    key(QKeySequence(Qt::Key_F3), [this, hints]() {
         log(32, "WinFinder::setup_hotkeys - F3");
-        tav::XBrowserWindow::showHelp(QStringLiteral(":tf/html/FirstMessage.html"), tav::xt("Talvo Finder"), 1);
+        if (findResults_ && findResults_->step_hit(true)) return;
+        hints();
     });
-    key(QKeySequence(Qt::Key_Escape), [this]() { on_escape_key(); });
+    key(QKeySequence(Qt::SHIFT | Qt::Key_F3), [this]() {
+        if (findResults_) findResults_->step_hit(false);
+    });
+    key(QKeySequence(Qt::Key_F1), hints);
+    // Escape cancels; with nothing running it must not touch the tree or the history.
+    key(QKeySequence(Qt::Key_Escape), [this]() {
+        if (stateFind == FIND_SCAN || stateFind == FIND_CONTENT) on_escape_key();
+    });
     auto onReturn = [this]() {
         if (naviBar_ && QApplication::focusWidget() == naviBar_->editPath()) {
             log(32, "WinFinder::setup_hotkeys - FOCUS ON EDIT PATH");

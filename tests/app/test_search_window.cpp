@@ -10,6 +10,7 @@
 #include "gui/panel/XPanelStacked.h"
 #include "gui/previews/PreviewAscii.h"
 #include "gui/previews/PreviewHex.h"
+#include "gui/previews/XHexView.h"
 #include "gui/tools/XTools.h"
 #include "gui/viewText/XTextView.h"
 #include "gui/window/AbstractWindow.h"
@@ -30,6 +31,7 @@
 #include "src/gui/config/ConfigTavFinder.h"
 
 #include <QDateEdit>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -344,6 +346,21 @@ void TestSearchWindow::contentSearchEndToEnd() {
     QVERIFY(!panel->tableResult()->isColumnHidden(3));
     QCOMPARE(panel->tableResult()->currentRow(), 0);
     QVERIFY(panel->flagContent);
+    // At 1200×600 (and narrower) the hits column is in view whole, the name elided in the middle.
+    for (int width : {1200, 900}) {
+        w->resize(width, 600);
+        // The window stops at its minimum width.
+        QTRY_COMPARE(w->width(), std::max(width, w->minimumSizeHint().width()));
+        QHeaderView* hh = panel->tableResult()->horizontalHeader();
+        const int view = panel->tableResult()->viewport()->width();
+        QVERIFY(view > 200);
+        QTRY_VERIFY2(hh->sectionViewportPosition(3) + hh->sectionSize(3) <= view,
+                     qPrintable(QStringLiteral("hits at %1+%2 in %3").arg(hh->sectionViewportPosition(3)).arg(hh->sectionSize(3)).arg(view)));
+        QVERIFY(hh->sectionViewportPosition(3) >= 0);
+        QVERIFY(hh->sectionSize(3) >= QFontMetrics(hh->font()).horizontalAdvance(m->headerData(3, Qt::Horizontal).toString()));
+        QVERIFY(hh->sectionSize(0) >= 60);
+    }
+    QCOMPARE(panel->tableResult()->textElideMode(), Qt::ElideMiddle);
     QVERIFY(logs.contains(QStringLiteral("PanelResults::setFileResults, ar.size():3")));
     // The search's own list was handed over, not copied.
     QCOMPARE(w->tavFind().countResults(), size_t(0));
@@ -382,6 +399,35 @@ void TestSearchWindow::contentSearchEndToEnd() {
     QVERIFY(logs.contains(QStringLiteral("PanelResults::on_jump_to_result, BIN FILE !")));
     QCOMPARE(c->currentWidget(), c->hexPreview()->widget_preview());
     QCOMPARE(c->hexPreview()->file_info().absoluteFilePath(), abs("docs/bin.dat"));
+    // The binary hit is marked in the hex view, the first one at the cursor.
+    tav::XHexView* hexView = dynamic_cast<tav::PreviewHex*>(c->hexPreview())->hex_view();
+    QCOMPARE(hexView->markCount(), 1);
+    QCOMPARE(hexView->activeMark(), 0);
+    QCOMPARE(hexView->caretPos(), int64_t(3));
+
+    // Keys: the focus stays in the table; Up / Down change the file, N / Shift+N and
+    // F3 / Shift+F3 step through the hits of the file shown.
+    QTRY_COMPARE(QApplication::focusWidget(), static_cast<QWidget*>(panel->tableResult()));
+    QTest::keyClick(panel->tableResult(), Qt::Key_Up);
+    QCOMPARE(panel->tableResult()->currentRow(), 1);
+    QCOMPARE(text->file_info().absoluteFilePath(), abs("docs/one.txt"));
+    QCOMPARE(QApplication::focusWidget(), static_cast<QWidget*>(panel->tableResult()));
+    QCOMPARE(layer->active_mark_index(), 0);
+    QTest::keyClick(panel->tableResult(), Qt::Key_N);
+    QCOMPARE(layer->active_mark_index(), 1);
+    QCOMPARE(panel->tableResult()->currentRow(), 1);   // N is no jump to a name starting with n
+    QTest::keyClick(w, Qt::Key_F3);
+    QCOMPARE(layer->active_mark_index(), 2);
+    QTest::keyClick(w, Qt::Key_F3, Qt::ShiftModifier);
+    QTest::keyClick(panel->tableResult(), Qt::Key_N, Qt::ShiftModifier);
+    QCOMPARE(layer->active_mark_index(), 0);
+    view->viewport()->repaint();
+    QVERIFY2(view->statusText().startsWith(QStringLiteral("Hit 1/3:  Line 1")), qPrintable(view->statusText()));
+    QTest::keyClick(panel->tableResult(), Qt::Key_Down);
+    QCOMPARE(c->hexPreview()->file_info().absoluteFilePath(), abs("docs/bin.dat"));
+    QTest::keyClick(panel->tableResult(), Qt::Key_F3);
+    QCOMPARE(hexView->activeMark(), 0);   // one hit: stepping wraps around to it
+    QCOMPARE(QApplication::focusWidget(), static_cast<QWidget*>(panel->tableResult()));
     // With Control held the row is still shown, never dragged (that takes a mouse gesture).
     logs.clear();
     tav::XTools::set_modifier(Qt::ControlModifier);

@@ -104,6 +104,47 @@ private slots:
         QVERIFY(!v->hasContent());
     }
 
+    void hexViewMarksHitsAndStepsThroughThem() {
+        // Hits far apart in a file of many rows: each step brings its row into view.
+        QByteArray bytes(64 * 1024, '\0');
+        const std::vector<std::pair<int64_t, int64_t>> hits{{40000, 6}, {100, 6}, {63000, 3}};
+        for (auto [at, len] : hits) bytes.replace(int(at), int(len), QByteArray(int(len), 'x'));
+        PreviewHex hex;
+        hex.ini();
+        XHexView* v = hex.hex_view();
+        v->resize(600, 300);
+        v->show();
+        QVERIFY(hex.set_mem_file(XMemFile{QStringLiteral("hits.bin"), bytes}));
+        v->setMarks(hits, QColor(0, 255, 0));
+        QCOMPARE(v->markCount(), 3);
+        QVERIFY(v->setActiveMark(0));
+        QCOMPARE(v->caretPos(), int64_t(100));   // sorted by offset
+        auto rowShown = [v](int64_t at) { return at / 16 >= v->topRow() && at / 16 < v->topRow() + v->visibleRows(); };
+        QVERIFY(rowShown(100));
+        // A marked byte is painted in the mark colour (its hex cell, away from the glyphs).
+        const QImage img = v->viewport()->grab().toImage();
+        const int y = int((100 / 16 - v->topRow()) * (img.height() / std::max(1, v->visibleRows()))) + 2;
+        bool green = false;
+        for (int x = 0; x < img.width() && !green; ++x) green = QColor(img.pixel(x, y)).green() > 150 && QColor(img.pixel(x, y)).red() < 100;
+        QVERIFY(green);
+        v->setFocus();
+        QTest::keyClick(v, Qt::Key_N);
+        QCOMPARE(v->activeMark(), 1);
+        QCOMPARE(v->caretPos(), int64_t(40000));
+        QVERIFY(rowShown(40000));
+        QTest::keyClick(v, Qt::Key_F3);
+        QVERIFY(rowShown(63000));
+        QTest::keyClick(v, Qt::Key_F3);
+        QCOMPARE(v->activeMark(), 0);   // past the last hit: the first again
+        QTest::keyClick(v, Qt::Key_N, Qt::ShiftModifier);
+        QCOMPARE(v->activeMark(), 2);
+        QVERIFY(!v->setActiveMark(3));
+        // Another file starts without marks.
+        QVERIFY(hex.set_mem_file(XMemFile{QStringLiteral("other.bin"), QByteArray(100, 'a')}));
+        QCOMPARE(v->markCount(), 0);
+        QVERIFY(!v->moveActiveMark(true));
+    }
+
     void hexViewBasics() {
         tftest::TestDir d;
         PreviewHex hex;

@@ -570,10 +570,62 @@ private slots:
         QCOMPARE(v->caretPos(), int64_t(w));
         for (int i = 0; i < wrapped; ++i) QTest::keyClick(v.get(), Qt::Key_Down);
         QCOMPARE(v->positionOfByte(v->caretPos()).line, int64_t(1));
-        // The line information sits at the chosen corner and does not hide the text's top row when off.
-        v->set_line_info_pos(LINE_INFO_BOTTOM_RIGHT);
-        const QImage img = v->viewport()->grab().toImage();
-        QVERIFY(QColor(img.pixel(img.width() - 20, img.height() - 10)) != v->backgroundColor());
+    }
+
+    void statusLineFollowsHitsAndScrollingKeepsLineStart() {
+        // Three hits: one far right on a long line, two near the start of short lines.
+        QByteArray text;
+        for (int i = 0; i < 40; ++i) text += "line " + QByteArray::number(i) + "\n";
+        const int64_t far = text.size() + 300;
+        text += QByteArray(300, 'x') + "needle" + QByteArray(300, 'y') + "\n";
+        const int64_t nearA = text.size() + 30;
+        text += QByteArray(30, 'a') + "needle tail\n";
+        const int64_t nearB = text.size() + 2;
+        text += "  needle\n";
+        auto v = makeView(text, QSize(400, 200));
+        v->set_line_info_pos(LINE_INFO_TOP_RIGHT);
+        QWidget* status = v->statusLine();
+        QVERIFY(status->isVisible());
+        // Under the text, never over it.
+        QVERIFY(!status->geometry().intersects(v->viewport()->geometry()));
+        QVERIFY(status->geometry().top() > v->viewport()->geometry().top());
+        v->setCaretPos(0);
+        v->viewport()->repaint();
+        QCOMPARE(v->statusText(), QStringLiteral("Line 1  Col 1  Byte 0"));
+
+        find::XRamLayer* l = v->layers().add_layer(1000, 1);
+        for (int64_t at : {far, nearA, nearB}) l->add_mark(XRam(at, 6));
+        l->set_active_mark_index(0);
+        v->set_active_layer(l);
+        v->scrollToRam(l->at(0));
+        v->viewport()->repaint();
+        QCOMPARE(v->statusText(), QStringLiteral("Hit 1/3:  Line 41  Col 301  Byte %1").arg(far));
+        // The far hit cannot sit beside the line start: it is centred.
+        const int cols = v->horizontalScrollColumn();
+        QVERIFY(cols > 0 && cols < 300);
+        QVERIFY(v->visibleRowTexts().join(QString()).contains(QStringLiteral("needle")));
+        // F3 / N step on; a hit that fits beside its line start brings the start back into view.
+        v->setFocus();
+        QTest::keyClick(v.get(), Qt::Key_F3);
+        v->viewport()->repaint();
+        QVERIFY2(v->statusText().startsWith(QStringLiteral("Hit 2/3:  Line 42  Col 31")), qPrintable(v->statusText()));
+        QCOMPARE(v->horizontalScrollColumn(), 0);
+        QTest::keyClick(v.get(), Qt::Key_N);
+        v->viewport()->repaint();
+        QVERIFY(v->statusText().startsWith(QStringLiteral("Hit 3/3:  Line 43  Col 3")));
+        QTest::keyClick(v.get(), Qt::Key_F3, Qt::ShiftModifier);
+        QTest::keyClick(v.get(), Qt::Key_N, Qt::ShiftModifier);
+        v->viewport()->repaint();
+        QVERIFY(v->statusText().startsWith(QStringLiteral("Hit 1/3:")));
+        QVERIFY(v->horizontalScrollColumn() > 0);
+        // Moving the cursor makes the line follow the cursor again.
+        v->setCaretPos(7);
+        QCOMPARE(v->statusText(), QStringLiteral("Line 2  Col 1  Byte 7"));
+        // Off: no line and the text gets the whole height.
+        const int withLine = v->viewport()->height();
+        v->set_line_info_pos(LINE_INFO_OFF);
+        QVERIFY(!status->isVisible());
+        QVERIFY(v->viewport()->height() > withLine);
     }
 
     void aFileTruncatedWhileShownIsOpenedAgain() {

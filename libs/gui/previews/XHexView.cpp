@@ -16,6 +16,7 @@
 #include <QSvgRenderer>
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace tav {
 
@@ -42,6 +43,8 @@ XHexView::~XHexView() = default;
 
 void XHexView::reset() {
     src_.reset();
+    marks_.clear();
+    activeMark_ = -1;
     error_.clear();
     topRow_ = 0;
     caret_ = anchor_ = 0;
@@ -249,6 +252,41 @@ void XHexView::reloadIfShrunk() {
     setTopRow(top);
 }
 
+void XHexView::setMarks(std::vector<std::pair<int64_t, int64_t>> marks, const QColor& color) {
+    std::sort(marks.begin(), marks.end());
+    marks_ = std::move(marks);
+    markColor_ = color;
+    activeMark_ = marks_.empty() ? -1 : 0;
+    viewport()->update();
+}
+
+bool XHexView::setActiveMark(int i) {
+    if (i < 0 || i >= int(marks_.size()) || !src_) return false;
+    activeMark_ = i;
+    const int64_t at = marks_[size_t(i)].first;
+    const int64_t row = at / kBytesPerRow;
+    // A third from the top, like the text view, so the bytes before the hit show too.
+    if (row < topRow_ || row >= topRow_ + std::max(1, visibleRows())) setTopRow(std::max<int64_t>(0, row - visibleRows() / 3));
+    caret_ = anchor_ = std::clamp<int64_t>(at, 0, src_->size());
+    viewport()->update();
+    return true;
+}
+
+bool XHexView::moveActiveMark(bool down) {
+    if (marks_.empty()) return false;
+    const int n = int(marks_.size());
+    return setActiveMark(((activeMark_ < 0 ? 0 : activeMark_ + (down ? 1 : -1)) + n) % n);
+}
+
+size_t XHexView::firstMarkEndingAfter(int64_t pos) const {
+    auto it = std::partition_point(marks_.begin(), marks_.end(), [pos](const std::pair<int64_t, int64_t>& m) {
+        return m.first + m.second <= pos;
+    });
+    // Marks are sorted by start; an earlier long mark may still cover 'pos'.
+    while (it != marks_.begin() && std::prev(it)->first + std::prev(it)->second > pos) --it;
+    return size_t(it - marks_.begin());
+}
+
 void XHexView::paintEvent(QPaintEvent*) {
     reloadIfShrunk();
     QPainter p(viewport());
@@ -281,7 +319,19 @@ void XHexView::paintEvent(QPaintEvent*) {
         const int n = int(std::min<int64_t>(kBytesPerRow, src_->size() - base));
         const int y = i * rowH_;
         const int baseline = y + ascent_;
-        // Selection and caret first, text over them.
+        // Hits, selection and caret first, text over them.
+        if (!marks_.empty()) {
+            QColor active = markColor_.darker(140);
+            for (size_t m = firstMarkEndingAfter(base); m < marks_.size() && marks_[m].first < base + n; ++m) {
+                const int64_t a = std::max(base, marks_[m].first), b = std::min(base + n, marks_[m].first + marks_[m].second);
+                const QColor& c = int(m) == activeMark_ ? active : markColor_;
+                for (int64_t x = a; x < b; ++x) {
+                    const int k = int(x - base);
+                    p.fillRect(QRectF(hexX(k), y, 2 * cw_, rowH_), c);
+                    p.fillRect(QRectF(charX(k), y, cw_, rowH_), c);
+                }
+            }
+        }
         for (int k = 0; k < n; ++k) {
             const int64_t b = base + k;
             const bool selected = (sb - sa > 1 || anchor_ != caret_) && b >= sa && b < sb;
@@ -329,6 +379,14 @@ void XHexView::keyPressEvent(QKeyEvent* e) {
     switch (e->key()) {
     case Qt::Key_Return:
     case Qt::Key_Enter: evActivated_.fire(); return;
+    case Qt::Key_N:
+        if (ctrl) {
+            QAbstractScrollArea::keyPressEvent(e);
+            return;
+        }
+        moveActiveMark(!shift);
+        return;
+    case Qt::Key_F3: moveActiveMark(!shift); return;
     case Qt::Key_Left: setCaretPos(caret_ - 1, shift); break;
     case Qt::Key_Right: setCaretPos(caret_ + 1, shift); break;
     case Qt::Key_Up: setCaretPos(caret_ - kBytesPerRow, shift); break;

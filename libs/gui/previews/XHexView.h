@@ -5,7 +5,10 @@
 #include "gui/viewText/TextSource.h"
 
 #include <QAbstractScrollArea>
+#include <QColor>
 #include <functional>
+#include <utility>
+#include <vector>
 
 class QMenu;
 class QSvgRenderer;
@@ -51,6 +54,15 @@ public:
     int64_t byteAtPoint(const QPoint& p) const;
     void buildContextMenu(QMenu& menu);
 
+    // Hits as coloured bytes (offset, length; sorted by offset). The active one is drawn
+    // stronger and moved by N / Shift+N and F3 / Shift+F3. Opening another file clears them.
+    void setMarks(std::vector<std::pair<int64_t, int64_t>> marks, const QColor& color);
+    int markCount() const { return int(marks_.size()); }
+    int activeMark() const { return activeMark_; }
+    // Makes mark 'i' active and scrolls it into view; false when there is no such mark.
+    bool setActiveMark(int i);
+    bool moveActiveMark(bool down);
+
     // Return pressed or a double click.
     XEventListener<std::function<void()>>& eventActivated() { return evActivated_; }
     int paintCount() const { return paintCount_; }
@@ -81,7 +93,13 @@ private:
     double charX(int i) const;
     void onScroll(int value);
 
+    // Index of the first mark that ends after 'pos', for painting a row.
+    size_t firstMarkEndingAfter(int64_t pos) const;
+
     viewText::TextSourcePtr src_;
+    std::vector<std::pair<int64_t, int64_t>> marks_;
+    QColor markColor_;
+    int activeMark_ = -1;
     QString error_;
     QSvgRenderer* svg_ = nullptr;
     int64_t topRow_ = 0;

@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QFontInfo>
 #include <QFontMetricsF>
+#include <QLabel>
 #include <QPainter>
 #include <QPaintEvent>
 #include <QScrollBar>
@@ -61,7 +62,16 @@ XTextView::XTextView(QWidget* parent) : QAbstractScrollArea(parent) {
     connect(&selectionTimer_, &QTimer::timeout, this, &XTextView::fireSelectionIfChanged);
     connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &XTextView::onVScroll);
     connect(horizontalScrollBar(), &QScrollBar::valueChanged, this, &XTextView::onHScroll);
+    statusLine_ = new QLabel(this);
+    statusLine_->setObjectName(QStringLiteral("statusLine"));
+    statusLine_->setTextFormat(Qt::PlainText);
+    statusLine_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    statusLine_->setContentsMargins(6, 1, 6, 1);
+    statusLine_->setAutoFillBackground(true);
+    statusLine_->setBackgroundRole(QPalette::Window);
+    statusLine_->setForegroundRole(QPalette::WindowText);
     updateMetrics();
+    layoutStatusLine();
 }
 
 XTextView::~XTextView() = default;
@@ -221,7 +231,27 @@ void XTextView::set_auto_wrap(bool on) {
 
 void XTextView::set_line_info_pos(LINE_INFO_POS pos) {
     linePos_ = pos;
+    layoutStatusLine();
     viewport()->update();
+}
+
+QWidget* XTextView::statusLine() const { return statusLine_; }
+
+QString XTextView::statusText() const { return linePos_ == LINE_INFO_OFF ? QString() : composeStatusText(); }
+
+void XTextView::layoutStatusLine() {
+    if (!statusLine_) return;
+    if (linePos_ == LINE_INFO_OFF) {
+        statusLine_->hide();
+        setViewportMargins(0, 0, 0, 0);
+        return;
+    }
+    // Below the text, never over it: the hits stay readable.
+    const int h = statusLine_->fontMetrics().height() + 4;
+    setViewportMargins(0, 0, 0, h);
+    const QRect vp = viewport()->geometry();
+    statusLine_->setGeometry(vp.left(), vp.bottom() + 1, vp.width(), h);
+    statusLine_->show();
 }
 
 void XTextView::set_tab_width(int w) {
@@ -263,6 +293,7 @@ void XTextView::updateMetrics() {
 
 void XTextView::resizeEvent(QResizeEvent* e) {
     QAbstractScrollArea::resizeEvent(e);
+    layoutStatusLine();
     lastTopValid_ = false;
     invalidateLayout();
     if (src_) setTop(top_);   // a taller view may now show past the end
@@ -542,7 +573,7 @@ void XTextView::scrollToStart() { setTop(RowPos()); }
 
 void XTextView::scrollToEnd() { setTop(lastTop()); }
 
-void XTextView::scrollToByte(int64_t pos, bool center) {
+void XTextView::scrollToByte(int64_t pos, bool center, int64_t len) {
     if (!src_) return;
     pos = std::clamp<int64_t>(pos, 0, src_->size());
     RowPos p = rowPosOf(pos);
@@ -554,8 +585,10 @@ void XTextView::scrollToByte(int64_t pos, bool center) {
         const int64_t ls = index_->lineStartContaining(pos);
         const int64_t le = index_->lineContentEnd(ls);
         const int64_t col = cols_.colAtByte(*src_, ls, le, std::min(pos, le));
+        const int64_t colEnd = len > 0 ? std::max(col + 1, cols_.colAtByte(*src_, ls, le, std::min(pos + len, le))) : col + 1;
         const int64_t vis = visibleColumns();
-        if (col < hScroll_ || col >= hScroll_ + vis) hScroll_ = std::max<int64_t>(0, col - vis / 3);
+        if (colEnd <= vis) hScroll_ = 0;
+        else if (col < hScroll_ || colEnd > hScroll_ + vis) hScroll_ = std::max<int64_t>(0, col - std::max<int64_t>(0, (vis - (colEnd - col)) / 2));
         invalidateLayout();
     }
     setTop(p);
@@ -650,6 +683,7 @@ int64_t XTextView::byteAtPoint(const QPoint& pt, bool boundary) const {
 // ---- layers -----------------------------------------------------------------------------------------
 void XTextView::set_active_layer(find::XRamLayer* layer) {
     activeLayer_ = layer;
+    infoHit_ = layer && layer->active_mark();
     viewport()->update();
 }
 
@@ -668,7 +702,8 @@ int XTextView::activeLayerId() const {
 
 void XTextView::scrollToRam(const find::XRam& ram) {
     if (!src_ || ram.pos() < 0) return;
-    scrollToByte(ram.pos(), true);
+    infoHit_ = true;
+    scrollToByte(ram.pos(), true, ram.len());
 }
 
 QString XTextView::textFromMarkRam(const find::XRam& ram) const {
@@ -702,6 +737,7 @@ bool XTextView::activateMarkAt(int64_t pos) {
             evLayerChanged_.fire(*it);
         }
         l->set_active_mark_index(i);
+        infoHit_ = true;
         evActiveMark_.fire(XActiveMark{*it, i, l->at(i)});
         re_paint();
         return true;
@@ -730,11 +766,11 @@ void XTextView::paintEvent(QPaintEvent*) {
             if (y >= viewport()->height()) break;
             paintRow(p, rows_[i], y, cells);
         }
-        paintLineInfo(p);
     } else if (!error_.isEmpty()) {
         p.setPen(palette().color(QPalette::PlaceholderText));
         p.drawText(viewport()->rect(), Qt::AlignCenter, error_);
     }
+    updateStatusLine();
     ++paintCount_;
     lastPaintMicros_ = getMicroseconds() - t0;
 }
@@ -856,28 +892,27 @@ void XTextView::paintRow(QPainter& p, const Row& r, int y, std::vector<Cell>& ce
     }
 }
 
-void XTextView::paintLineInfo(QPainter& p) {
-    if (linePos_ == LINE_INFO_OFF) return;
-    const TextPos tp = positionOfByte(caret_);
-    QString text = fill("$ $  $ $  $ $", xt("Line"), tp.line >= 0 ? format1000(tp.line + 1) : QStringLiteral("?"),
-                        xt("Col"), format1000(tp.column + 1), xt("Byte"), format1000(caret_));
-    if (isIndexing() && src_->size() > 0)
-        text += fill("  $ $%", xt("indexing"), int(100.0 * double(index_->indexedBytes()) / double(src_->size())));
-    QFont f = font();
-    if (f.pointSizeF() > 7) f.setPointSizeF(f.pointSizeF() - 1);
-    p.setFont(f);
-    const QFontMetrics fm(f);
-    const int w = fm.horizontalAdvance(text) + 12, h = fm.height() + 6;
-    const int x = viewport()->width() - w - 6;
-    const int y = linePos_ == LINE_INFO_TOP_RIGHT ? 4 : viewport()->height() - h - 4;
-    QColor bg = palette().color(QPalette::ToolTipBase);
-    bg.setAlpha(225);
-    p.setPen(Qt::NoPen);
-    p.setBrush(bg);
-    p.drawRoundedRect(QRect(x, y, w, h), 4, 4);
-    p.setPen(palette().color(QPalette::ToolTipText));
-    p.drawText(QRect(x, y, w, h), Qt::AlignCenter, text);
-    p.setFont(font());
+void XTextView::updateStatusLine() {
+    if (!statusLine_ || linePos_ == LINE_INFO_OFF) return;
+    const QString text = composeStatusText();
+    if (statusLine_->text() != text) statusLine_->setText(text);
+}
+
+QString XTextView::composeStatusText() const {
+    QString text;
+    if (src_) {
+        const find::XRamLayer* l = infoHit_ ? activeLayer() : nullptr;
+        const find::XRam* hit = l ? l->active_mark() : nullptr;
+        const int64_t at = hit ? hit->pos() : caret_;
+        const TextPos tp = positionOfByte(at);
+        const QString place = fill("$ $  $ $  $ $", xt("Line"), tp.line >= 0 ? format1000(tp.line + 1) : QStringLiteral("?"), xt("Col"),
+                                   format1000(tp.column + 1), xt("Byte"), format1000(at));
+        text = hit ? fill("$ $/$:  $", xt("Hit"), format1000(int64_t(l->active_mark_index()) + 1), format1000(int64_t(l->size())), place)
+                   : place;
+        if (isIndexing() && src_->size() > 0)
+            text += fill("  $ $%", xt("indexing"), int(100.0 * double(index_->indexedBytes()) / double(src_->size())));
+    }
+    return text;
 }
 
 } // namespace viewText

@@ -18,6 +18,8 @@
 #include <memory>
 #include <vector>
 
+class QLabel;
+
 namespace tav {
 class XMenu;
 }
@@ -66,6 +68,10 @@ public:
     void setBackgroundColor(const QColor& c);
     QColor backgroundColor() const;
     void re_paint();
+    // The line under the text: the active hit's place after hit navigation, the
+    // cursor's place after the cursor moved.
+    QString statusText() const;
+    QWidget* statusLine() const;
 
     // ---- positions (0-based lines and display columns) -----------------------------------
     struct TextPos {
@@ -88,7 +94,9 @@ public:
     int fullyVisibleRows() const;
     int horizontalScrollColumn() const { return int(hScroll_); }
 
-    void scrollToByte(int64_t pos, bool center = true);
+    // Shows 'pos' ('len' bytes from it): the line start stays in view whenever the
+    // bytes fit beside it, otherwise they are centred.
+    void scrollToByte(int64_t pos, bool center = true, int64_t len = 0);
     void scrollToLine(int64_t line);
     void scrollToStart();
     void scrollToEnd();
@@ -228,7 +236,9 @@ private:
     void moveCaretVertical(int64_t rows, bool extend);
 
     void paintRow(QPainter& p, const Row& r, int y, std::vector<Cell>& cells);
-    void paintLineInfo(QPainter& p);
+    void updateStatusLine();
+    QString composeStatusText() const;
+    void layoutStatusLine();
 
     // content
     TextSourcePtr src_;
@@ -243,6 +253,8 @@ private:
     bool autoWrap_ = false;
     LINE_INFO_POS linePos_ = LINE_INFO_TOP_RIGHT;
     QColor background_;
+    QLabel* statusLine_ = nullptr;
+    bool infoHit_ = false;   // the status line follows the active hit, not the cursor
 
     // view state
     RowPos top_;

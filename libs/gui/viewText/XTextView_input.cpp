@@ -27,6 +27,7 @@ void XTextView::setCaretPos(int64_t pos, bool extendSelection) {
     if (!src_) return;
     caret_ = std::clamp<int64_t>(pos, 0, src_->size());
     if (!extendSelection) anchor_ = caret_;
+    infoHit_ = false;
     viewport()->update();
 }
 
@@ -220,6 +221,9 @@ void XTextView::keyPressEvent(QKeyEvent* e) {
     case Qt::Key_N:
         if (ctrl) moved = false;
         else moveActiveMark(!shift);
+        return;
+    case Qt::Key_F3:
+        moveActiveMark(!shift);
         return;
     case Qt::Key_G:
         if (ctrl) {
