@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QDateTime>
+#include "base/util/NaturalCompare.h"
 #include <QFileIconProvider>
 #include <QPalette>
 #include <algorithm>
@@ -44,11 +45,17 @@ void sortByKey(std::vector<T>& v, KeyFn keyOf, bool ascending) {
     v = std::move(sorted);
 }
 
+// Names and paths in reading order (case ignored, numbers by value).
+struct NaturalKey {
+    QString s;
+    bool operator<(const NaturalKey& o) const { return tav::naturalLess(s, o.s); }
+};
+
 template <typename T, typename FiOf>
 void sortColumn(std::vector<T>& v, int column, bool ascending, FiOf fiOf) {
     switch (column) {
     case FileResultModel::COL_NAME:
-        sortByKey(v, [&](const T& e) { return fiOf(e).fileName().toCaseFolded(); }, ascending);
+        sortByKey(v, [&](const T& e) { return NaturalKey{fiOf(e).fileName()}; }, ascending);
         break;
     case FileResultModel::COL_SIZE:
         sortByKey(v, [&](const T& e) { return int64_t(fiOf(e).size()); }, ascending);
@@ -57,7 +64,7 @@ void sortColumn(std::vector<T>& v, int column, bool ascending, FiOf fiOf) {
         sortByKey(v, [&](const T& e) { return fiOf(e).lastModified().toMSecsSinceEpoch(); }, ascending);
         break;
     case FileResultModel::COL_PATH:
-        sortByKey(v, [&](const T& e) { return fiOf(e).absoluteFilePath().toCaseFolded(); }, ascending);
+        sortByKey(v, [&](const T& e) { return NaturalKey{fiOf(e).absoluteFilePath()}; }, ascending);
         break;
     default:
         break;

@@ -172,11 +172,12 @@ void PanelResults::setFileResults(std::vector<FileResult>& ar) {
     model_->setRowCount(int(ar.size()));
     model_->setFileResults(std::move(ar));
     model_->sort(FileResultModel::COL_HITS, false);
+    sortColumn_ = -1;
     tableResult_->setModel(model_);
     setHeader();
     tableResult_->setColumnHidden(FileResultModel::COL_HITS, false);
     fitColumns();
-    tableResult_->setSortColum(FileResultModel::COL_HITS, 0);
+    tableResult_->setSortColum(FileResultModel::COL_HITS, 1);
 }
 
 void PanelResults::setFileResultsSimple(std::vector<QFileInfo>& ar) {
@@ -186,9 +187,10 @@ void PanelResults::setFileResultsSimple(std::vector<QFileInfo>& ar) {
     model_->setRowCount(int(ar.size()));
     model_->setFiles(std::move(ar));
     model_->sort(FileResultModel::COL_PATH, true);
+    sortColumn_ = -1;
     tableResult_->setModel(model_);
     setHeader();
-    tableResult_->setSortColum(FileResultModel::COL_PATH, 1);
+    tableResult_->setSortColum(FileResultModel::COL_PATH, 0);
     tableResult_->setColumnHidden(FileResultModel::COL_HITS, true);
     fitColumns();
 }
@@ -214,16 +216,14 @@ void PanelResults::setResultSummaryHtml(int64_t startMicros, const tav::XFindSta
 }
 
 void PanelResults::onTableHeaderSelected(int column) {
-    if (columnHeaderLast >= 0 && columnHeaderLast != column) {
-        columnHeaderLast = column;
-        tableResult_->horizontalHeader()->viewport()->update();
-        return;
-    }
-    const int active = tableResult_->activeColumn();
-    const bool flag = tableResult_->isDescending();
-    tableResult_->setSortColum(active, flag ? 0 : 1);
-    log(32, "PanelResults::onTableHeaderSelected, column:$, sort:$", column, flag ? "DOWN" : "UP");
-    model_->sort(column, flag);
+    // The first click sorts a column its natural way (names A to Z; sizes, dates and hits
+    // largest first), the next click on it reverses; the arrow shows the order of the data.
+    const bool ascending = column == sortColumn_ ? !sortAscending_ : (column == FileResultModel::COL_NAME || column == FileResultModel::COL_PATH);
+    sortColumn_ = column;
+    sortAscending_ = ascending;
+    tableResult_->setSortColum(column, ascending ? 0 : 1);
+    log(32, "PanelResults::onTableHeaderSelected, column:$, sort:$", column, ascending ? "UP" : "DOWN");
+    model_->sort(column, ascending);
     model_->refreshAll();
 }
 

@@ -70,7 +70,6 @@ public:
     tav::XEventListener<ResultListener>& eventOpenFileResult() { return eventOpenResult_; }
 
     bool flagContent = true;
-    int columnHeaderLast = -1;
 
 private:
     void on_double_click(int row);
@@ -91,6 +90,8 @@ private:
     tav::XSplitter* splitter_;
     FileResultModel* model_;
     bool fitting_ = false;
+    int sortColumn_ = -1;   // the column the user sorted by; -1 until the first click
+    bool sortAscending_ = true;
     bool userSized_ = false;   // the user dragged a column: keep their widths until the next results
     tav::XEventListener<FileListener> eventContextFile_;
     tav::XEventListener<ResultListener> eventContextResult_;

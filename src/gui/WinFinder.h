@@ -11,6 +11,7 @@
 
 #include <QColor>
 #include <QFileInfo>
+#include <functional>
 #include <QStringList>
 #include <memory>
 #include <vector>
@@ -179,7 +180,6 @@ public:
     void show_results_panel(const char* logLine);
     // Menu and double click of a hit file in the results panel.
     void on_contextMenu_fileResult(const FileResult& fr);
-    void fill_contextMenu_fileResult(tav::XMenu& menu, const FileResult& fr);
     void on_open_fileResult(const FileResult& fr);
     uint32_t findState() const { return stateFind; }
     int findPage() const;
@@ -191,7 +191,9 @@ public:
     void on_contextMenu_treeView(const QFileInfo& fi);
     void on_contextMenu_rightSide(const QFileInfo& fi, AbstractPreviewDir* previewDir);
     // The entries of the two menus above, for 'fi' ('fromTree': the tree menu).
-    void fill_contextMenu(tav::XMenu& menu, const QFileInfo& fi, AbstractPreviewDir* previewDir, bool fromTree);
+    // 'view', when set, is what "View" does (a result opens with its hits).
+    void fill_contextMenu(tav::XMenu& menu, const QFileInfo& fi, AbstractPreviewDir* previewDir, bool fromTree,
+                          std::function<void()> view = {});
     // The menu of a search result; "View" shows its hits found with 'filter'.
     void onContextMenu_rightSide_FileResults(const FileResult& fileResult, const tav::find::XContentFilter& filter);
     void fill_contextMenu_FileResults(tav::XMenu& menu, const FileResult& fileResult, const tav::find::XContentFilter& filter);

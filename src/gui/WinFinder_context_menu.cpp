@@ -43,11 +43,13 @@ void WinFinder::on_contextMenu_rightSide(const QFileInfo& fi, AbstractPreviewDir
     menu.execAt();
 }
 
-void WinFinder::fill_contextMenu(tav::XMenu& menu, const QFileInfo& fi, AbstractPreviewDir* previewDir, bool fromTree) {
+void WinFinder::fill_contextMenu(tav::XMenu& menu, const QFileInfo& fi, AbstractPreviewDir* previewDir, bool fromTree,
+                                 std::function<void()> view) {
     const bool isFile = fi.isFile();
     // 1
     if (isFile) {
-        menu.createAction(xt("View"), [this, fi]() { open_stand_alone_preview(fi); }, WindowBase::icon(QStringLiteral("show.svg")));
+        if (!view) view = [this, fi]() { open_stand_alone_preview(fi); };
+        menu.createAction(xt("View"), view, WindowBase::icon(QStringLiteral("show.svg")));
         tav::XMenu* with = menu.createSubMenu(xt("View with ..."));
         if (container_preview_) {
             for (tav::Preview* p : container_preview_->distinctPreviews()) {
@@ -100,34 +102,12 @@ void WinFinder::onContextMenu_rightSide_FileResults(const FileResult& fileResult
     menu.execAt();
 }
 
+// A result gets the whole file menu; its "View" opens the file with the hits marked.
 void WinFinder::fill_contextMenu_FileResults(tav::XMenu& menu, const FileResult& fileResult,
                                              const tav::find::XContentFilter& filter) {
     const QFileInfo fi = fileResult.fileInfo;
     const tav::find::XRamLayer layer = fileResult.layer;
-    menu.createAction(xt("View"), [this, fi, layer, filter]() { open_stand_alone_preview(fi, layer, filter); },
-                      WindowBase::icon(QStringLiteral("show.svg")));
-    menu.createAction(xt("Tree"), [this, fi]() { treeView_->selectFile(fi.absoluteFilePath(), true); },
-                      WindowBase::icon(QStringLiteral("root.svg")));
-    menu.addSeparator();
-    menu.createAction(xt("Window"), [this, fi]() { on_open_new_win_here(fi); }, WindowBase::icon(QStringLiteral("window.svg")));
-    menu.createAction(xt("File Manager"), [fi]() { tav::XTools::showFolderInFileManager(fi.absoluteFilePath()); },
-                      WindowBase::icon(QStringLiteral("fileManager1.svg")));
-    menu.createAction(xt("Terminal"), [fi]() { Terminal::open_here(fi); });
-    menu.addSeparator();
-    create_open_with_app(menu, fi);
-    menu.createAction(xt("Open With Default Program"), [fi]() { tav::XTools::open_file_with_default_program(fi); });
-    add_modify_entries(menu, fi);
-    menu.addSeparator();
-    context_menu_fi_path_to_clipboard(menu, fi);
-    context_menu_fi_name_to_clipboard(menu, fi);
-    menu.addSeparator();
-    context_menu_webSearchFile(menu, fi);
-    menu.addSeparator();
-    context_menu_bookmark(menu, fi);
-    if (fi.isFile()) {
-        menu.addSeparator();
-        menu.createAction(xt("Properties"), [this, fi]() { open_properties(fi); });
-    }
+    fill_contextMenu(menu, fi, nullptr, false, [this, fi, layer, filter]() { open_stand_alone_preview(fi, layer, filter); });
 }
 
 void WinFinder::add_deep_info(tav::XMenu& menu, const QFileInfo& fi, AbstractPreviewDir* previewDir, bool fromTree) {

@@ -321,25 +321,8 @@ void WinFinder::on_escape_key() {
 void WinFinder::on_contextMenu_fileResult(const FileResult& fr) {
     log(32, "WinFinder::onContextMenu_rightSide_FileResults, fResult:$", fr.toString());
     tav::XMenu menu(this);
-    fill_contextMenu_fileResult(menu, fr);
+    fill_contextMenu_FileResults(menu, fr, pTavFind->contentFilter());
     menu.execAt();
-}
-
-void WinFinder::fill_contextMenu_fileResult(tav::XMenu& menu, const FileResult& fr) {
-    // Copies: the menu must not follow later changes of the results.
-    const QFileInfo fi = fr.fileInfo;
-    const tav::find::XRamLayer layer = fr.layer;
-    menu.createAction(xt("View"), [this, fi, layer]() { open_stand_alone_preview(fi, layer, pTavFind->contentFilter()); },
-                      icon(QStringLiteral("show.svg")));
-    menu.createAction(xt("Tree"), [this, fi]() { treeView_->selectFile(fi.absoluteFilePath(), true); },
-                      icon(QStringLiteral("root.svg")));
-    menu.addSeparator();
-    menu.createAction(xt("Window"), [this, fi]() { on_open_new_win_here(fi); }, icon(QStringLiteral("window.svg")));
-    menu.createAction(xt("File Manager"), [fi]() { tav::XTools::showFolderInFileManager(fi.absoluteFilePath()); },
-                      icon(QStringLiteral("fileManager1.svg")));
-    menu.createAction(xt("Terminal"), [fi]() { Terminal::open_here(fi); });
-    menu.createAction(xt("Open With Default Program"), [fi]() { tav::XTools::open_file_with_default_program(fi); });
-    menu.createAction(xt("Properties"), [this, fi]() { open_properties(fi); });
 }
 
 void WinFinder::on_open_fileResult(const FileResult& fr) {

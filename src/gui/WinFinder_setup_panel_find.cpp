@@ -66,6 +66,7 @@ void WinFinder::setup_panel_find() {
     comboContent_ = content->createComboBox(true);
     comboContent_->setInsertPolicy(QComboBox::NoInsert);
     comboContent_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    if (comboContent_->lineEdit()) comboContent_->lineEdit()->setPlaceholderText(xt("Text to find"));
     buttonRegEx_ = content->createImageButton(WindowBase::icon(QStringLiteral("brackets.svg")), xt("Regular Expressions"), nullptr, true);
     buttonRegEx_->setObjectName(QStringLiteral("buttonRegEx"));
     connect(buttonRegEx_, &QToolButton::toggled, this, [this](bool on) { propRegEx_.set(on); });
@@ -93,6 +94,10 @@ void WinFinder::setup_panel_find() {
     comboScope_->addItem(1, xt("Paragraph"));
     comboScope_->addItem(2, xt("Sentence"));
     comboScope_->setSelected(cfg().scope);
+    // A hidden content row keeps its room: the panel keeps its height and the buttons stay put.
+    QSizePolicy keep = rowContent_->sizePolicy();
+    keep.setRetainSizeWhenHidden(true);
+    rowContent_->setSizePolicy(keep);
     rowContent_->setVisible(false);
 
     // main row
@@ -102,10 +107,12 @@ void WinFinder::setup_panel_find() {
     comboPattern_ = row->createComboBox(true);
     comboPattern_->setInsertPolicy(QComboBox::NoInsert);
     comboPattern_->setToolTip(xt("Filter: File Pattern"));
+    if (comboPattern_->lineEdit()) comboPattern_->lineEdit()->setPlaceholderText(xt("Name pattern, e.g. *.cpp"));
     comboPattern_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     comboNotPattern_ = row->createComboBox(true);
     comboNotPattern_->setInsertPolicy(QComboBox::NoInsert);
     comboNotPattern_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    if (comboNotPattern_->lineEdit()) comboNotPattern_->lineEdit()->setPlaceholderText(xt("Exclude, e.g. build"));
     comboNotPattern_->setStyleSheet(tav::fill("QComboBox { background-color: $; }", dark ? "#57461A" : "#F3E2C6"));
     // The inputs take the width; the spacer only pushes the buttons right when they are hidden.
     row->boxLayout()->setStretchFactor(comboPattern_, 3);

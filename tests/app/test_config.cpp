@@ -42,7 +42,7 @@ private slots:
         QVERIFY(c.flagStatusBar);        // "current value" keys keep what the record had
         QCOMPARE(c.fontSizeHexView, 14);
         QVERIFY(c.ext.contains(QStringLiteral("txt")) && c.ext.contains(QStringLiteral("cpp")));
-        QCOMPARE(c.filterBits, 32u);
+        QCOMPARE(c.filterBits, 2u | 32u | 128u);   // pattern and content fields shown at first
     }
 
     void roundTripKeepsEverySetting() {

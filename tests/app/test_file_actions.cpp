@@ -178,9 +178,21 @@ private slots:
         QVERIFY(filter.createSymbols(QStringLiteral("other"), false));
         tav::XMenu m;
         win->fill_contextMenu_FileResults(m, FileResult(layer, file), filter);
-        QCOMPARE(entries(m), QStringList({"View", "Tree", "Window", "File Manager", "Terminal", "Open with ...",
-                                          "Open With Default Program", "Copy Path to Clipboard", "Copy Filename to Clipboard",
+        // The file menu of a file, the same as beside the tree.
+        tav::XMenu plain;
+        win->fill_contextMenu(plain, file, nullptr, false);
+        QCOMPARE(entries(m), entries(plain));
+        QCOMPARE(entries(m), QStringList({"View", "View with ...", "Tree", "Open with ...", "Open With Default Program", "Window",
+                                          "File Manager", "Terminal", "Copy Path to Clipboard", "Copy Filename to Clipboard",
                                           "Web Search", "Add Bookmark", "Properties"}));
+        // Rename and delete when the program may change files.
+        cfg().flag_tf_read_only = false;
+        {
+            tav::XMenu writable;
+            win->fill_contextMenu_FileResults(writable, FileResult(layer, file), filter);
+            QVERIFY(entries(writable).contains(QStringLiteral("Rename")) && entries(writable).contains(QStringLiteral("Delete")));
+        }
+        cfg().flag_tf_read_only = true;
         // "View" opens the details window on the file.
         const int before = int(tav::XTools::getAbstractWindows(true, true).size());
         entry(m, QStringLiteral("View"))->trigger();

@@ -16,6 +16,8 @@
 
 #include <QDateTime>
 #include <QFile>
+#include "base/util/NaturalCompare.h"
+
 #include <QHeaderView>
 #include <QtTest>
 
@@ -200,7 +202,7 @@ void TestResultModel::panelSortsAndHidesHits() {
     QCOMPARE(names(*panel.model()), (QStringList{"beta.txt", "gamma.txt"}));
     QVERIFY(t->isColumnHidden(3));
     QCOMPARE(t->activeColumn(), 4);
-    QVERIFY(t->isDescending());
+    QVERIFY(!t->isDescending());   // paths A to Z, and the arrow says so
 
     // A content search after a file-only one shows its hits again.
     std::vector<FileResult> again{result(p("y/a.txt"), 1)};
@@ -235,34 +237,39 @@ void TestResultModel::headerClicksToggleTheOrder() {
         QTest::mouseClick(h->viewport(), Qt::LeftButton, Qt::NoModifier, QPoint(x, h->height() / 2));
     };
     tftest::LogCapture logs;
-    // The first click on the hits keeps "most first" and shows it.
+    // Largest first at the start, and the arrow says so.
+    QVERIFY(panel.tableResult()->isDescending());
+    // The first click on a column sorts it its natural way, the next one reverses it.
     click(3);
     QCOMPARE(column(*panel.model(), 3), (QStringList{"9", "4", "2"}));
     QVERIFY(panel.tableResult()->isDescending());
-    QVERIFY(logs.contains(QStringLiteral("PanelResults::onTableHeaderSelected, column:3, sort:UP")));
+    QVERIFY(logs.contains(QStringLiteral("PanelResults::onTableHeaderSelected, column:3, sort:DOWN")));
     click(3);
     QCOMPARE(column(*panel.model(), 3), (QStringList{"2", "4", "9"}));
     QVERIFY(!panel.tableResult()->isDescending());
-    QVERIFY(logs.contains(QStringLiteral("PanelResults::onTableHeaderSelected, column:3, sort:DOWN")));
-    click(3);
-    QCOMPARE(column(*panel.model(), 3), (QStringList{"9", "4", "2"}));
-    // Another column sorts at once and becomes the active one; the order flips from there.
+    QVERIFY(logs.contains(QStringLiteral("PanelResults::onTableHeaderSelected, column:3, sort:UP")));
+    // Names A to Z whatever the order of the column clicked before.
     click(0);
     QCOMPARE(panel.tableResult()->activeColumn(), 0);
     QCOMPARE(names(*panel.model()), (QStringList{"Alpha.txt", "beta.txt", "gamma.txt"}));
     QVERIFY(!panel.tableResult()->isDescending());
     click(0);
     QCOMPARE(names(*panel.model()), (QStringList{"gamma.txt", "beta.txt", "Alpha.txt"}));
-    QCOMPARE(panel.columnHeaderLast, -1);
+    QVERIFY(panel.tableResult()->isDescending());
+    // Sizes and dates largest / newest first on their first click.
+    click(1);
+    QCOMPARE(names(*panel.model()), (QStringList{"beta.txt", "Alpha.txt", "gamma.txt"}));
+    QVERIFY(panel.tableResult()->isDescending());
+    click(2);
+    QCOMPARE(names(*panel.model()), (QStringList{"Alpha.txt", "gamma.txt", "beta.txt"}));
+    QCOMPARE(panel.tableResult()->activeColumn(), 2);
+    click(2);
+    QCOMPARE(names(*panel.model()).first(), QStringLiteral("beta.txt"));
 
-    // Once a column is remembered, a click on another one only repaints.
-    panel.columnHeaderLast = 0;
-    click(1);
-    QCOMPARE(names(*panel.model()), (QStringList{"gamma.txt", "beta.txt", "Alpha.txt"}));
-    QCOMPARE(panel.columnHeaderLast, 1);
-    click(1);
-    QCOMPARE(names(*panel.model()).first(), QStringLiteral("gamma.txt"));   // smallest size first (7 bytes)
-    QCOMPARE(names(*panel.model()).last(), QStringLiteral("beta.txt"));
+    // Reading order: case ignored, numbers by value, a total order.
+    QStringList words{"file10", "File2", "file1", "b", "A", "a", "file02"};
+    std::sort(words.begin(), words.end(), tav::naturalLess);
+    QCOMPARE(words, (QStringList{"A", "a", "b", "file1", "File2", "file02", "file10"}));
 }
 
 void TestResultModel::summaryOfAFileOnlySearch() {

@@ -269,6 +269,15 @@ void TestWinFinder::keysReachTheirActions() {
     QPointer<WinFinder> w = open(abs(QStringLiteral("a")));
     tftest::LogCapture logs;
     auto& flags = w->filterFlags();
+    // A new user's panel: the name pattern and the content field, each saying what it is for.
+    QCOMPARE(tavFinder::WinFinderConfig().filterBits, uint32_t(WinFinder::FILTER_PATTERN | WinFinder::FILTER_TEXT_FILES | WinFinder::FILTER_CONTENT));
+    QCOMPARE(w->comboPattern()->lineEdit()->placeholderText(), QStringLiteral("Name pattern, e.g. *.cpp"));
+    QCOMPARE(w->comboNotPattern()->lineEdit()->placeholderText(), QStringLiteral("Exclude, e.g. build"));
+    QCOMPARE(w->comboContent()->lineEdit()->placeholderText(), QStringLiteral("Text to find"));
+    flags.set_flags(WinFinder::FILTER_CONTENT);
+    QTRY_VERIFY(w->rowContent()->isVisible());
+    QApplication::processEvents();
+    const int panelHeight = w->panelFind()->height();
     flags.reset_flags();
     const std::vector<std::pair<Qt::Key, uint32_t>> toggles{
         {Qt::Key_P, WinFinder::FILTER_PATTERN}, {Qt::Key_N, WinFinder::FILTER_NOT_PATTERN}, {Qt::Key_T, WinFinder::FILTER_TIME},
@@ -288,6 +297,9 @@ void TestWinFinder::keysReachTheirActions() {
     QTest::keyClick(w, Qt::Key_0, Qt::AltModifier);
     QCOMPARE(flags.flags(), 0u);
     QVERIFY(!w->comboPattern()->isVisible() && !w->rowContent()->isVisible());
+    // Rows come and go, the panel keeps its height (the buttons stay under the pointer).
+    QApplication::processEvents();
+    QCOMPARE(w->panelFind()->height(), panelHeight);
 
     w->treeView()->setFocus();
     // Boxes that the keys open (no bookmarks yet) answer at once.

@@ -1,5 +1,7 @@
 #include "gui/widgets/XTreeViewFiles.h"
 
+#include "base/util/NaturalCompare.h"
+
 #include "gui/tools/XDragOut.h"
 #include "base/log/Logger.h"
 #include "base/node/XNode.h"
@@ -69,7 +71,8 @@ bool XTreeViewFilesProxy::lessThan(const QModelIndex& left, const QModelIndex& r
     default:
         break;
     }
-    return QString::localeAwareCompare(fs->fileName(left), fs->fileName(right)) < 0;
+    // Like the folder table: case ignored, numbers by value.
+    return tav::naturalLess(fs->fileName(left), fs->fileName(right));
 }
 
 // ---- view ------------------------------------------------------------------------------------------

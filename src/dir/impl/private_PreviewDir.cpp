@@ -1,5 +1,7 @@
 #include "src/dir/impl/private_PreviewDir.h"
 
+#include "base/util/NaturalCompare.h"
+
 #include "base/log/Logger.h"
 #include "base/node/XNode.h"
 #include "base/thread/XThread.h"
@@ -19,6 +21,7 @@
 #include "src/gui/WinFinder.h"
 #include "src/gui/config/ConfigTavFinder.h"
 
+#include <algorithm>
 #include <QDateTime>
 #include <QHeaderView>
 #include <QPointer>
@@ -127,6 +130,20 @@ QDir::SortFlags private_PreviewDir::sortFlags() const {
     return QDir::SortFlags(flags);
 }
 
+QList<QFileInfo> private_PreviewDir::listEntries(const QString& path) const {
+    QList<QFileInfo> list = QDir(path).entryInfoList(QDir::Filters(showHidden ? PDirInfo::kFilterAll : PDirInfo::kFilterVisible), sortFlags());
+    if (sortKind_ == QDir::Name) {
+        // Folders first, then reading order (numbers by value) in the chosen direction.
+        const bool reversed = sortFlags() & QDir::Reversed;
+        std::stable_sort(list.begin(), list.end(), [reversed](const QFileInfo& a, const QFileInfo& b) {
+            if (a.isDir() != b.isDir()) return a.isDir();
+            const int c = tav::naturalCompare(a.fileName(), b.fileName());
+            return reversed ? c > 0 : c < 0;
+        });
+    }
+    return list;
+}
+
 void private_PreviewDir::selectInner(const QFileInfo& fi) {
     if (context_) context_->select_file(fi);
 }
@@ -142,8 +159,7 @@ void private_PreviewDir::setFilepath(const QString& path) {
         tav::run_in_gui_thread(
             [this, guard, gen, path]() {
                 if (!guard || gen != generation_) return;   // gone, or another folder meanwhile
-                const QList<QFileInfo> list =
-                    QDir(path).entryInfoList(QDir::Filters(showHidden ? PDirInfo::kFilterAll : PDirInfo::kFilterVisible), sortFlags());
+                const QList<QFileInfo> list = listEntries(path);
                 entries_ = list;
                 thumbs_->set_dirs_and_files(mainWindow(), std::vector<QFileInfo>(list.begin(), list.end()), thumbs_->thumbSize());
                 thumbs_->trigger_thumbs_appear_event();
@@ -164,8 +180,7 @@ void private_PreviewDir::setFilepath(const QString& path) {
 void private_PreviewDir::fillTable() {
     const QSignalBlocker block(table_);
     table_->clear();
-    const QDir dir(path_);
-    entries_ = dir.entryInfoList(QDir::Filters(showHidden ? PDirInfo::kFilterAll : PDirInfo::kFilterVisible), sortFlags());
+    entries_ = listEntries(path_);
     table_->setRowCount(entries_.size());
     table_->setColumnCount(3);
     table_->setHorizontalHeaderLabels({xt("Name"), xt("Size"), xt("Date")});

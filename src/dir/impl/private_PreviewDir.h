@@ -64,6 +64,7 @@ private:
     WinFinder* mainWindow() const;
     bool thumbsShown() const;
     QDir::SortFlags sortFlags() const;
+    QList<QFileInfo> listEntries(const QString& path) const;
 
     PreviewDir* owner_;
     QString path_;

@@ -31,7 +31,8 @@ public:
     QStringList ext;                       // child "TextFiles", attribute "ext"; unique, in insertion order
     QList<QFileInfo> filter;               // folders hidden in the tree
     unsigned countThreads = 2;
-    unsigned filterBits = 32;
+    // Name pattern, text files only and the content field: a new user sees where to type.
+    unsigned filterBits = 2 | 32 | 128;
     unsigned scope = 1;
     bool flagRegEx = true;
     int fontSizeHexView = 14;
