@@ -58,7 +58,7 @@ void FindThread::runCustom() {
             }
             if (statWhenOpen) {
                 tav::XFindStats::add(stats.countFiles, 1);
-                pTavFind->bytesToRead += uint32_t(reader_.getMemorySize());
+                pTavFind->bytesToRead += uint64_t(reader_.getMemorySize());
             }
             // Searching first lets a big file's lines be counted while its windows pass by.
             tav::find::XRamLayer layer = contentFilter.find(0, reader_);

@@ -10,25 +10,25 @@
 namespace tavFinder {
 
 namespace {
-// Sizes of the files, summed in 32 bits (wrapping). Known sizes are taken as
+// Sizes of the files, summed in 64 bits. Known sizes are taken as
 // they are; otherwise QFileInfo::size() stats the file once and caches it, so
 // the workers later read the cached value. Big lists are summed on several pool
 // threads, each file by exactly one of them.
-uint32_t sumSizes(const std::vector<QFileInfo*>& files, const std::vector<int64_t>& known) {
+uint64_t sumSizes(const std::vector<QFileInfo*>& files, const std::vector<int64_t>& known) {
     auto sumRange = [&files, &known](size_t a, size_t b) {
-        uint32_t s = 0;
+        uint64_t s = 0;
         for (size_t i = a; i < b; ++i) {
             const qint64 size = i < known.size() && known[i] >= 0 ? known[i] : files[i] ? files[i]->size() : 0;
-            if (size > 0) s += uint32_t(size);
+            if (size > 0) s += uint64_t(size);
         }
         return s;
     };
     const size_t n = files.size();
     const size_t parts = n < 2048 ? 1 : std::min<size_t>(tav::count_hardware_threads(2), 8);
-    std::vector<uint32_t> sums(parts, 0);
+    std::vector<uint64_t> sums(parts, 0);
     tav::XThreadPool::run_parts(parts, [&](size_t k) { sums[k] = sumRange(n * k / parts, n * (k + 1) / parts); });
-    uint32_t total = 0;
-    for (uint32_t s : sums) total += s;
+    uint64_t total = 0;
+    for (uint64_t s : sums) total += s;
     return total;
 }
 }
@@ -78,9 +78,9 @@ void TavFind::beginFeed() {
 
 void TavFind::feedFiles(const std::vector<QFileInfo*>& files, const std::vector<int64_t>& sizes) {
     if (files.empty()) return;
-    uint32_t sum = 0;
+    uint64_t sum = 0;
     for (size_t i = 0; i < files.size() && i < sizes.size(); ++i)
-        if (sizes[i] > 0) sum += uint32_t(sizes[i]);
+        if (sizes[i] > 0) sum += uint64_t(sizes[i]);
     {
         std::lock_guard<std::mutex> l(mutexIndex);
         // Sizes are kept one per file; a list without them gets unknown ones.
@@ -206,10 +206,10 @@ std::vector<FileResult> TavFind::find(const std::vector<QFileInfo*>& files, cons
     return out;
 }
 
-uint32_t TavFind::getBytesRead() const {
+uint64_t TavFind::getBytesRead() const {
     uint64_t sum = 0;
     for (const FindThread& t : pController->arThreads) sum += t.stats.countBytes.load();
-    return uint32_t(sum);
+    return sum;
 }
 
 tav::XFindStats TavFind::workerStats() const {
@@ -222,9 +222,9 @@ const std::vector<FileResult>& TavFind::getResults() const { return pController-
 std::vector<FileResult>& TavFind::getResults() { return pController->arResults; }
 size_t TavFind::countResults() const { return pController->arResults.size(); }
 
-uint32_t TavFind::countHits() const {
-    uint32_t n = 0;
-    for (const FileResult& r : pController->arResults) n += uint32_t(r.layer.size());
+uint64_t TavFind::countHits() const {
+    uint64_t n = 0;
+    for (const FileResult& r : pController->arResults) n += uint64_t(r.layer.size());
     return n;
 }
 

@@ -88,13 +88,13 @@ public:
 
     // ---- read by the window --------------------------------------------------------
     size_t countTextFiles() const { return countFiles_.load(); }
-    uint32_t getBytesToRead() const { return bytesToRead.load(); }
-    uint32_t getBytesRead() const;       // sum of the workers' bytes (wraps like bytesToRead)
+    uint64_t getBytesToRead() const { return bytesToRead.load(); }
+    uint64_t getBytesRead() const;       // sum of the workers' bytes
     const std::vector<FileResult>& getResults() const;
     std::vector<FileResult>& getResults();
     bool hasResults() const { return countResults() > 0; }
     size_t countResults() const;
-    uint32_t countHits() const;          // sum of the results' hits
+    uint64_t countHits() const;          // sum of the results' hits
     // Totals of the workers of the last search.
     tav::XFindStats workerStats() const;
 
@@ -112,7 +112,7 @@ public:
     void workerEnded();
     std::vector<QFileInfo*> arTextFiles;
     std::vector<int64_t> arSizes;           // empty, or one per file (-1: unknown)
-    std::atomic<uint32_t> bytesToRead{0};   // 32 bits on purpose: wraps beyond 4 GiB
+    std::atomic<uint64_t> bytesToRead{0};   // 64 bits: folders hold far more than 4 GiB
     std::condition_variable condFeed;       // with mutexIndex: files fed, feed ended or stop
     bool feedOpen = false;                  // with mutexIndex
     bool workersStat = false;               // fed files: unknown sizes are the workers' to find

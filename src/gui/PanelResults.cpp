@@ -204,7 +204,11 @@ void PanelResults::setResultSummaryHtml(int64_t startMicros, const tav::XFindSta
     html += QStringLiteral("<p style=\"font-size:18px;\">");
     html += tav::fill("Time:$ sec <br/>", tav::formatMicrosecond_as_Sec(tav::getMicroseconds() - startMicros));
     html += tav::fill("Path:$ <br/>", request.sPath);
-    html += tav::fill("Pattern <b>'$'</b> found $ times<br/>", request.contentFilter.text(), tav::format1000(stats.countHits.load()));
+    // A search by name only has no pattern to report: it found files.
+    if (request.contentFilter.text().isEmpty())
+        html += tav::fill("<b>$</b><br/>", tav::fill(tav::xt("$ files found"), tav::format1000(stats.countMatch.load())).toHtmlEscaped());
+    else
+        html += tav::fill("Pattern <b>'$'</b> found $ times<br/>", request.contentFilter.text(), tav::format1000(stats.countHits.load()));
     if (stats.countMatch.load() == 0) html += tav::fill("Files total:$", tav::format1000(stats.countFiles.load()));
     else
         html += tav::fill("Files total:$, found in files:$", tav::format1000(stats.countFiles.load()),

@@ -349,6 +349,7 @@ private:
     int64_t timeStartScan = 0;
     uint32_t scanStarted_ = 0;        // number of the last scan started
     uint32_t scanHandled_ = 0;        // number of the last scan whose end was handled
+    bool findCancelled_ = false;      // Escape stopped the running content search
     uint32_t contentPending_ = 0;     // content searches started and not yet ended
     // File lists of the scan that a content search may still read.
     std::vector<std::shared_ptr<const std::vector<QFileInfo>>> listsInSearch_;

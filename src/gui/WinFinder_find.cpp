@@ -193,15 +193,19 @@ void WinFinder::on_find() {
 void WinFinder::on_timer_progress() {
     if (stateFind == FIND_SCAN) {
         const tav::XDirInfo& d = thScanDir->dirInfo;
-        const QString text = tav::fill("Dirs:$, Files:$, Bytes:$", tav::format1000(d.countDirs.load()),
-                                       tav::format1000(d.countFiles.load()), tav::formatBytes(d.countBytes.load()));
+        // Sizes are not known while walking: folders and files found so far.
+        const QString text = tav::fill(xt("Folders: $, files: $"), tav::format1000(d.countDirs.load()), tav::format1000(d.countFiles.load()));
         QPointer<QLabel> label(labelScan_);
         tav::qt::run_in_Gui_Thread([label, text]() {
             if (label) label->setText(text);
         });
     } else if (stateFind == FIND_CONTENT) {
-        const uint32_t toRead = pTavFind->getBytesToRead();
-        if (toRead != 0) progressFind_->setValue(int(uint64_t(pTavFind->getBytesRead()) * 100 / toRead));
+        // 64-bit sums; the bar never runs backwards when the total grows during the search.
+        const uint64_t toRead = pTavFind->getBytesToRead();
+        if (toRead != 0) {
+            const int pct = int(std::min<uint64_t>(100, pTavFind->getBytesRead() * 100 / toRead));
+            if (pct > progressFind_->value()) progressFind_->setValue(pct);
+        }
     }
 }
 
@@ -216,6 +220,7 @@ void WinFinder::on_find_dir_scanned() {
     if (filterCurrent.has_content_filter()) {
         log(32, "WinFinder::on_find_dir_scanned, has content filter $", filterCurrent.contentFilter.toString(false));
         stateFind = FIND_CONTENT;
+        findCancelled_ = false;
         progressFind_->setValue(0);
         panelFind_->setCurrentIndex(PAGE_CONTENT);
         pTavFind->scope = comboScope_->selected();
@@ -244,7 +249,10 @@ void WinFinder::on_find_dir_scanned() {
     for (QFileInfo* fi : view) files.push_back(*fi);
     stats.countMatch.store(uint64_t(files.size()));
 
-    findResults_->setResultSummaryHtml(timeStartScan, stats, pTavFind->request);
+    FindRequest shown = pTavFind->request;
+    shown.sPath = dirInfo.sPath;
+    shown.contentFilter = tav::find::XContentFilter();
+    findResults_->setResultSummaryHtml(timeStartScan, stats, shown);
     findResults_->showStack(0);
     findResults_->setFileResultsSimple(files);
 
@@ -280,14 +288,20 @@ void WinFinder::on_find_done() {
     buttonScope_->setText(xt(cf.scope_as_string()));
     editPattern_->setText(cf.text());
 
+    const bool cancelled = findCancelled_;
+    findCancelled_ = false;
+    const QString seconds = tav::formatMicrosecond_as_Sec(tav::getMicroseconds() - timeStartFind);
+    // A cancelled search says so, and how much of the folder it searched.
+    const QString searched = tav::fill(xt("Cancelled: $ of $ files searched"), tav::format1000(pTavFind->workerStats().countFiles.load()),
+                                       tav::format1000(quint64(pTavFind->countTextFiles())));
     if (pTavFind->hasResults()) {
         buttonResultsDone_->setEnabled(true);
-        const QString summary = tav::fill(xt("files-total:$ => $, files-match:$, match-total:$ - $ sec"),
-                                          tav::format1000(quint64(pTavFind->countTextFiles())),
-                                          tav::formatBytes(pTavFind->getBytesToRead()),
-                                          tav::format1000(quint64(pTavFind->countResults())),
-                                          tav::format1000(pTavFind->countHits()),
-                                          tav::formatMicrosecond_as_Sec(tav::getMicroseconds() - timeStartFind));
+        const QString summary =
+            cancelled ? tav::fill(xt("$ => $, files-match:$, match-total:$ - $ sec"), searched, tav::formatBytes(pTavFind->getBytesRead()),
+                                  tav::format1000(quint64(pTavFind->countResults())), tav::format1000(pTavFind->countHits()), seconds)
+                      : tav::fill(xt("files-total:$ => $, files-match:$, match-total:$ - $ sec"),
+                                  tav::format1000(quint64(pTavFind->countTextFiles())), tav::formatBytes(pTavFind->getBytesToRead()),
+                                  tav::format1000(quint64(pTavFind->countResults())), tav::format1000(pTavFind->countHits()), seconds);
         QPointer<QLabel> label(labelDone_);
         tav::qt::run_in_Gui_Thread([label, summary]() {
             if (label) label->setText(summary);
@@ -302,7 +316,7 @@ void WinFinder::on_find_done() {
         log(32, "WinFinder_find::on_find_done - nothing found");
         stateFind = FIND_DONE;
         panelFind_->setCurrentIndex(PAGE_DONE);
-        labelDone_->setText(xt("Nothing found"));
+        labelDone_->setText(cancelled ? tav::fill(xt("$, nothing found"), searched) : xt("Nothing found"));
         buttonResultsDone_->setEnabled(false);
     }
 }
@@ -312,6 +326,7 @@ void WinFinder::on_escape_key() {
     const QFileInfo fi = treeView_ ? treeView_->selectedFile() : QFileInfo();
     if (thScanDir && !thScanDir->dirInfo.flagStop.load()) thScanDir->dirInfo.flagStop = true;
     if (pTavFind) pTavFind->stop_search();
+    if (stateFind == FIND_CONTENT) findCancelled_ = true;
     stateFind = FIND_IDLE;
     timer_.stop();
     if (panelFind_) panelFind_->setCurrentIndex(PAGE_FILTER);

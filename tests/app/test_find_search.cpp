@@ -1,5 +1,7 @@
 #include "base/dir/XDirInfo.h"
 #include "common/TestEnv.h"
+
+#include "base/util/Format.h"
 #include "src/find/TavFind.h"
 #include "src/find/ThreadControllerFind.h"
 
@@ -108,10 +110,10 @@ private slots:
         const tav::XFindStats st = tf.workerStats();
         QCOMPARE(st.countFiles.load(), uint64_t(43));   // every regular file, empty ones included
         QCOMPARE(tf.countResults(), size_t(30));
-        QCOMPARE(tf.countHits(), uint32_t(60));
+        QCOMPARE(tf.countHits(), uint64_t(60));
         QCOMPARE(st.countMatch.load(), uint64_t(30));   // the workers' totals agree with the results
         QCOMPARE(st.countHits.load(), uint64_t(60));
-        QCOMPARE(tf.getBytesRead(), uint32_t(st.countBytes.load()));
+        QCOMPARE(tf.getBytesRead(), uint64_t(st.countBytes.load()));
         QCOMPARE(st.countLines.load(), uint64_t(40 + 60));
 
         // Eight workers (more than some lists have files) give the same set.
@@ -158,7 +160,7 @@ private slots:
                      m.value(QStringLiteral("hitfiles")).toObject().value(QLatin1String(word)).toVariant().toLongLong());
         }
         QCOMPARE(qint64(tf.workerStats().countBytes.load()), m.value(QStringLiteral("bytes")).toVariant().toLongLong());
-        QCOMPARE(qint64(tf.getBytesToRead()), m.value(QStringLiteral("bytes")).toVariant().toLongLong() & 0xffffffff);
+        QCOMPARE(qint64(tf.getBytesToRead()), m.value(QStringLiteral("bytes")).toVariant().toLongLong());
         for (int64_t s : scan.ar_filtered_sizes) QCOMPARE(s, int64_t(-1));   // this scan stat-ed nothing
 
         // The same with the sizes taken from a scan that stats every file.
@@ -178,7 +180,7 @@ private slots:
         }
         QCOMPARE(qint64(tf.workerStats().countBytes.load()), m.value(QStringLiteral("bytes")).toVariant().toLongLong());
         QCOMPARE(qint64(tf.workerStats().countFiles.load()), m.value(QStringLiteral("files")).toVariant().toLongLong());
-        QCOMPARE(qint64(tf.getBytesToRead()), m.value(QStringLiteral("bytes")).toVariant().toLongLong() & 0xffffffff);
+        QCOMPARE(qint64(tf.getBytesToRead()), m.value(QStringLiteral("bytes")).toVariant().toLongLong());
 
         // The search running while the walk feeds it, the workers stat-ing the files.
         for (const char* word : {"return", "ZQX_RARE_NEEDLE"}) {
@@ -197,7 +199,7 @@ private slots:
                      m.value(QStringLiteral("hitfiles")).toObject().value(QLatin1String(word)).toVariant().toLongLong());
             QCOMPARE(qint64(tf.countTextFiles()), m.value(QStringLiteral("files")).toVariant().toLongLong());
             QCOMPARE(qint64(tf.workerStats().countFiles.load()), m.value(QStringLiteral("files")).toVariant().toLongLong());
-            QCOMPARE(qint64(tf.getBytesToRead()), m.value(QStringLiteral("bytes")).toVariant().toLongLong() & 0xffffffff);
+            QCOMPARE(qint64(tf.getBytesToRead()), m.value(QStringLiteral("bytes")).toVariant().toLongLong());
         }
     }
 
@@ -239,9 +241,20 @@ private slots:
         QCOMPARE(found, (QStringList{"1 a.txt", "2 c.txt"}));
         QCOMPARE(tf.countTextFiles(), size_t(7));
         QCOMPARE(tf.workerStats().countFiles.load(), uint64_t(4));   // the FIFO, the folder and the vanished file are not files
-        QCOMPARE(tf.getBytesToRead(), uint32_t(11 + 7 + 14));
+        QCOMPARE(tf.getBytesToRead(), uint64_t(11 + 7 + 14));
         for (const char* name : {"fifo.txt", "folder", "vanished.txt"})
             QVERIFY2(logs.contains(QStringLiteral("problems with <<<") + d.abs(QString::fromLatin1(name))), name);
+
+        // Totals of many gigabytes do not wrap at 4 GiB (sizes as a scan reports them; nothing is read).
+        {
+            TavFind big;
+            std::vector<QFileInfo> none{QFileInfo(d.abs(QStringLiteral("gone1"))), QFileInfo(d.abs(QStringLiteral("gone2")))};
+            std::vector<QFileInfo*> files = pointersTo(none);
+            std::vector<int64_t> sizes{int64_t(3) << 30, (int64_t(5) << 30) + 7};
+            big.prepareFiles(files, sizes);
+            QCOMPARE(big.getBytesToRead(), (uint64_t(8) << 30) + 7);
+            QVERIFY(tav::formatBytes(big.getBytesToRead()).startsWith(QStringLiteral("8")));
+        }
 
         // A stop ends workers that wait for a feed that never ends; so does the end of the object.
         tf.beginFeed();
@@ -285,7 +298,7 @@ private slots:
         std::vector<int64_t> sizes{9, 6, 0, 6, 10, 4096};
         QCOMPARE(runSearch(tf, files, &calls, &sizes), QStringList{"1 plain.txt"});   // the FIFO did not block
         QVERIFY(sizes.empty());   // taken over
-        QCOMPARE(tf.getBytesToRead(), uint32_t(9 + 6 + 6 + 10 + 4096));
+        QCOMPARE(tf.getBytesToRead(), uint64_t(9 + 6 + 6 + 10 + 4096));
         const tav::XFindStats st = tf.workerStats();
         QCOMPARE(st.countFiles.load(), uint64_t(6));
         QCOMPARE(st.countBytes.load(), uint64_t(9 + 6));

@@ -529,7 +529,10 @@ void TestSearchWindow::escapeDuringContentSearch() {
     // Each worker holds once three files are done: at most one more file per further worker.
     QVERIFY2(found >= 2 && found <= 3 + QThread::idealThreadCount(), qPrintable(QString::number(found)));
     find.onFileDone = nullptr;
-    QTRY_VERIFY(w->labelDone()->text().startsWith(QStringLiteral("files-total:300 => ")));
+    // The summary says the search was cancelled and how much of it was searched.
+    const QString searchedFiles = QString::number(w->tavFind().workerStats().countFiles.load());
+    QTRY_VERIFY2(w->labelDone()->text().startsWith(QStringLiteral("Cancelled: %1 of 300 files searched => ").arg(searchedFiles)),
+                 qPrintable(w->labelDone()->text()));
     QVERIFY(w->labelDone()->text().contains(QStringLiteral(", files-match:%1, match-total:%2 - ").arg(found).arg(tav::format1000(found * 200))));
     QVERIFY(w->stacked()->isShowing(w->panelResults()));
     tavFinder::cfg().countThreads = threads;
@@ -564,7 +567,9 @@ void TestSearchWindow::fileOnlySearch() {
     QVERIFY(panel->tableResult()->isColumnHidden(3));
     QCOMPARE(panel->tableResult()->activeColumn(), 4);
     const QString summary = panel->browser()->toPlainText();
-    QVERIFY2(summary.contains(QStringLiteral("Pattern '' found 2 times")), qPrintable(summary));
+    // A search by name reports files, and the folder it searched.
+    QVERIFY2(summary.contains(QStringLiteral("2 files found")) && !summary.contains(QStringLiteral("Pattern")), qPrintable(summary));
+    QVERIFY(summary.contains(QStringLiteral("Path:") + abs("docs")));
     QVERIFY(summary.contains(QStringLiteral("Files total:4, found in files:2")));
     QVERIFY(w->comboPattern()->get_string_items().contains(QStringLiteral("*.txt")));
     QVERIFY(logs.contains(QStringLiteral("view:[2] {0x")));

@@ -21,6 +21,7 @@
 #include "src/gui/ExpressionError.h"
 #include "src/gui/panPreview/asc/PanelSearch.h"
 
+#include <algorithm>
 #include <QAction>
 #include <QApplication>
 #include <QLineEdit>
@@ -213,8 +214,11 @@ void PanPreviewAsc::set_panel_from_outside(tav::XPanel* outside) {
     infoLine_ = outside->add(new QLineEdit(outside));
     infoLine_->setObjectName(QStringLiteral("infoLine"));
     infoLine_->setReadOnly(true);
-    infoLine_->setFont(tav::XTools::getMonoFont(14));
-    infoLine_->setMinimumWidth(400);
+    // The window's text size, and all the width the toolbar leaves: at 800 px the whole line still shows.
+    infoLine_->setFont(tav::XTools::getMonoFont(std::max(8, infoLine_->font().pointSize())));
+    infoLine_->setMinimumWidth(200);
+    infoLine_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    if (auto* box = outside->boxLayout()) box->setStretchFactor(infoLine_, 1);
     if (bitsListener_ < 0) bitsListener_ = bitsConfig_.addListener([this](uint32_t bits) { apply_bits(bits); });
     apply_bits(bitsConfig_.flags());
 }
@@ -275,6 +279,7 @@ void PanPreviewAsc::on_mouse_over(const tav::viewText::MouseOverMark& m) {
     tav::run_in_gui_thread([line, text]() {
         if (!line) return;
         line->setText(text);
+        line->setToolTip(text);
         line->setCursorPosition(0);   // the character first, not the tail of the line
     });
 }
