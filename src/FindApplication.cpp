@@ -144,7 +144,8 @@ int FindApplication::tavFind(tav::KernelGUI& kernel) {
     win->init(&kernel, nWin);
     win->setupTray();
     win->setUp(sFile);
-    tav::XTools::centerOnScreen(win, 1200, 600);
+    // Most of the screen: the tree, the results table and the preview all need room.
+    tav::XTools::centerOnScreenPart(win, 0.8, 800, 500);
     // 13
     kernel.replaceModifierListener(0, []() {
         if (!tav::XTools::is_modifier(cfg().HotkeyCyclePreviews)) return;

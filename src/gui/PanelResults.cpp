@@ -119,7 +119,7 @@ void PanelResults::fitColumns() {
     const int wHits = flagContent ? std::max(header(FileResultModel::COL_HITS), fm.horizontalAdvance(tav::format1000(maxHits)) + pad) : 0;
     const int icon = tableResult_->style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, tableResult_) + 6;
     const int avail = tableResult_->viewport()->width();
-    const int minName = icon + fm.horizontalAdvance(QStringLiteral("abcde"));
+    const int minName = icon + fm.horizontalAdvance(QStringLiteral("abcdefghijkl"));
     // Too narrow for all: the date, then the size give way (elided), never the hits.
     int deficit = minName + wSize + wDate + wHits - avail;
     if (deficit > 0) {
@@ -127,10 +127,16 @@ void PanelResults::fitColumns() {
         wDate -= d;
         deficit -= d;
     }
-    if (deficit > 0) wSize -= std::min(deficit, wSize - std::min(wSize, fm.horizontalAdvance(QStringLiteral("000")) + pad));
+    if (deficit > 0) {
+        const int d = std::min(deficit, wSize - std::min(wSize, fm.horizontalAdvance(QStringLiteral("000")) + pad));
+        wSize -= d;
+        deficit -= d;
+    }
+    // Then the name, down to a few letters.
+    const int floorName = std::max(icon + fm.horizontalAdvance(QStringLiteral("abcd")), minName - std::max(0, deficit));
     // The name gets a little more than half of what is left, the path the rest.
     const int rest = avail - wSize - wDate - wHits;
-    const int wName = std::max(minName, std::min(icon + fm.horizontalAdvance(QLatin1Char('x')) * 40, rest * 11 / 20));
+    const int wName = std::max(floorName, std::min(icon + fm.horizontalAdvance(QLatin1Char('x')) * 40, rest * 11 / 20));
     fitting_ = true;
     h->resizeSection(FileResultModel::COL_NAME, wName);
     h->resizeSection(FileResultModel::COL_SIZE, wSize);

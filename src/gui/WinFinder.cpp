@@ -38,8 +38,6 @@
 #include <QPointer>
 #include <QBoxLayout>
 #include <QFrame>
-#include <QGuiApplication>
-#include <QScreen>
 #include <QLabel>
 #include <QPalette>
 #include <QToolButton>
@@ -404,11 +402,7 @@ WinFinder* WinFinder::new_win(const QString& path) {
     w->setupTray();
     w->setUp(start);
     // Most of the screen: the tree, the results table and the preview all need room.
-    {
-        QScreen* screen = QGuiApplication::primaryScreen();
-        const QRect avail = screen ? screen->availableGeometry() : QRect(0, 0, 1500, 750);
-        tav::XTools::centerOnScreen(w, std::max(800, avail.width() * 4 / 5), std::max(500, avail.height() * 4 / 5));
-    }
+    tav::XTools::centerOnScreenPart(w, 0.8, 800, 500);
     w->show();
     return w;
 }

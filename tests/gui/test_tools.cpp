@@ -13,6 +13,8 @@
 
 #include <QDesktopServices>
 #include <QFile>
+#include <QGuiApplication>
+#include <QScreen>
 #include <QtTest>
 #include <algorithm>
 
@@ -31,6 +33,7 @@ private slots:
     void iconsAndLibraryResources();
     void scriptedBoxes();
     void windowListsFilterHiddenAndChildren();
+    void windowsTakeAPartOfTheScreen();
 };
 
 void TestTools::translationFallsBackToEnglish() {
@@ -157,6 +160,19 @@ void TestTools::scriptedBoxes() {
     tav::XBox::setScriptedAnswer(-1);
     QCOMPARE(tav::XBox::countShown() - before, 5);
     QVERIFY(logs.contains(QStringLiteral("XBox::info, title:'Info'")));
+}
+
+void TestTools::windowsTakeAPartOfTheScreen() {
+    const QRect avail = QGuiApplication::primaryScreen()->availableGeometry();
+    QWidget w;
+    tav::XTools::centerOnScreenPart(&w, 0.8, 100, 100);
+    QCOMPARE(w.width(), int(avail.width() * 0.8));
+    QCOMPARE(w.height(), int(avail.height() * 0.8));
+    QVERIFY(std::abs(w.geometry().center().x() - avail.center().x()) <= 1);
+    // A small screen still gets a usable window, never one larger than the screen.
+    tav::XTools::centerOnScreenPart(&w, 0.1, avail.width() * 2, 50);
+    QCOMPARE(w.width(), avail.width());
+    QCOMPARE(w.height(), std::max(50, int(avail.height() * 0.1)));
 }
 
 void TestTools::windowListsFilterHiddenAndChildren() {

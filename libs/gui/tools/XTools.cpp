@@ -228,4 +228,11 @@ void XTools::centerOnScreen(QWidget* w, int width, int height) {
     w->setGeometry(avail.x() + (avail.width() - width) / 2, avail.y() + (avail.height() - height) / 2, width, height);
 }
 
+void XTools::centerOnScreenPart(QWidget* w, double part, int minWidth, int minHeight) {
+    if (!X_ASSERT_MSG(w, "widget == NULL")) return;
+    QScreen* screen = w->screen() ? w->screen() : QGuiApplication::primaryScreen();
+    const QRect avail = screen ? screen->availableGeometry() : QRect(0, 0, 1500, 750);
+    centerOnScreen(w, std::max(minWidth, int(avail.width() * part)), std::max(minHeight, int(avail.height() * part)));
+}
+
 } // namespace tav

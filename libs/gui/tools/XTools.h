@@ -80,6 +80,8 @@ public:
 
     // ---- windows ---------------------------------------------------------------------
     static void centerOnScreen(QWidget* w, int width, int height);
+    // Centred, taking 'part' (0..1) of the screen's free area, never less than min.
+    static void centerOnScreenPart(QWidget* w, double part, int minWidth, int minHeight);
     // Framework windows, oldest first. 'onlyTopLevel': windows without a parent
     // window only; 'includeHidden': hidden ones too.
     static std::vector<AbstractWindow*> getAbstractWindows(bool onlyTopLevel, bool includeHidden);

@@ -4,6 +4,7 @@
 #include "base/util/Format.h"
 #include "gui/tools/XTools.h"
 
+#include <QApplication>
 #include <QFile>
 #include <QFontInfo>
 #include <QFontMetricsF>
@@ -65,8 +66,15 @@ XTextView::XTextView(QWidget* parent) : QAbstractScrollArea(parent) {
     statusLine_ = new QLabel(this);
     statusLine_->setObjectName(QStringLiteral("statusLine"));
     statusLine_->setTextFormat(Qt::PlainText);
-    statusLine_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    statusLine_->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);   // the hit number first, whatever the width
     statusLine_->setContentsMargins(6, 1, 6, 1);
+    {
+        // The interface's font, not the text's: the line stays small when the text is zoomed.
+        QFont f = QApplication::font();
+        f.setFamily(f.family());
+        f.setPointSizeF(f.pointSizeF());
+        statusLine_->setFont(f);
+    }
     statusLine_->setAutoFillBackground(true);
     statusLine_->setBackgroundRole(QPalette::Window);
     statusLine_->setForegroundRole(QPalette::WindowText);
