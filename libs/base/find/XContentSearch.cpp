@@ -131,8 +131,8 @@ void XContentSearch::simple(const char* d, size_t n, uint64_t base, std::vector<
 
     if (scope_ == XUnits::FILE) {
         if (sym_.singleTerm()) {
-            // One term: each occurrence is a mark, the next one starts behind it.
-            out.reserve(out.size() + occ.size());
+            // One term: each occurrence is a mark, the next one starts behind it. (No exact
+            // reserve: called once per window, it would copy the whole list each time.)
             for (const XOcc& o : occ) {
                 if (int64_t(base) + o.s < lastEnd_) continue;
                 out.emplace_back(int64_t(base) + o.s, o.e - o.s, XRam::CATEGORY_HIT);
@@ -140,7 +140,6 @@ void XContentSearch::simple(const char* d, size_t n, uint64_t base, std::vector<
             }
             return;
         }
-        pendingFile_.reserve(pendingFile_.size() + occ.size());
         for (XOcc o : occ) {
             o.s += int64_t(base);
             o.e += int64_t(base);
@@ -254,10 +253,29 @@ void XContentSearch::countWords(const char* d, size_t n) {
     const bool carry = scope_ == XUnits::FILE && !wholeFile_;
     const size_t limit = carry ? n : pos.empty() ? 0 : pos.back();
     int64_t c = scope_ == XUnits::FILE ? wordsBefore_ : 0;
+    // Only distances up to the widest NEAR matter: a gap between two places asked
+    // for counts at most 'cap' words and the rest of it is skipped, so the walk costs
+    // a few words per occurrence instead of every byte of a big file.
+    int64_t widest = 0;
+    for (const XQueryNode& node : sym_.query.nodes)
+        if (node.kind == XQueryNode::NEAR) widest = std::max<int64_t>(widest, int64_t(node.distance));
+    const int64_t cap = widest + 2;
+    int64_t gap = 0;
     bool prevWord = false;
     size_t p = 0, k = 0;
     while (p < limit) {
-        for (; k < pos.size() && pos[k] <= p; ++k) count[k] = c;
+        if (k < pos.size() && pos[k] <= p) {
+            for (; k < pos.size() && pos[k] <= p; ++k) count[k] = c;
+            gap = 0;
+        }
+        if (gap > cap) {
+            const size_t next = k < pos.size() ? pos[k] : limit;
+            if (next > p) {
+                p = next;
+                prevWord = words::word_before(d, p);
+                continue;
+            }
+        }
         bool w = false;
         const unsigned char b = static_cast<unsigned char>(d[p]);
         if (b < 0x80) {
@@ -266,7 +284,10 @@ void XContentSearch::countWords(const char* d, size_t n) {
         } else {
             p += words::char_at(d, n, p, w);
         }
-        if (w && !prevWord) ++c;
+        if (w && !prevWord) {
+            ++c;
+            ++gap;
+        }
         prevWord = w;
     }
     for (; k < pos.size(); ++k) count[k] = c;
