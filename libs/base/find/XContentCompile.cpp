@@ -62,6 +62,8 @@ bool parseTerms(const QString& text, XContentSymbols& sym, QString& error, int& 
         XTerm term;
         term.text = t;
         term.literal = sym.matchCase ? exact_literal(t) : caseless_literal(t);
+        // Case matters and words do not: the bytes themselves, found by the plain byte scan.
+        if (sym.matchCase && !sym.wholeWords && !t.isEmpty()) term.exact = t.toUtf8().toStdString();
         sym.terms.push_back(std::move(term));
     }
     markNearTerms(sym, sym.query.root, false);

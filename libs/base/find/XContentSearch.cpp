@@ -279,7 +279,7 @@ void XContentSearch::countWords(const char* d, size_t n) {
         bool w = false;
         const unsigned char b = static_cast<unsigned char>(d[p]);
         if (b < 0x80) {
-            w = words::is_word_char(b);
+            w = words::is_ascii_word(b);
             ++p;
         } else {
             p += words::char_at(d, n, p, w);
@@ -292,10 +292,13 @@ void XContentSearch::countWords(const char* d, size_t n) {
     }
     for (; k < pos.size(); ++k) count[k] = c;
     if (carry) wordsBefore_ = c;
+    // Starts come in order: one pointer finds them; ends need a search.
+    size_t ks = 0;
     for (XOcc& o : occ) {
         if (!sym_.terms[o.id].inNear) continue;
-        o.wordsBeforeS = count[size_t(std::lower_bound(pos.begin(), pos.end(), size_t(o.s)) - pos.begin())];
-        o.wordsBeforeE = count[size_t(std::lower_bound(pos.begin(), pos.end(), size_t(o.e)) - pos.begin())];
+        while (ks < pos.size() && pos[ks] < size_t(o.s)) ++ks;
+        o.wordsBeforeS = count[ks];
+        o.wordsBeforeE = count[size_t(std::lower_bound(pos.begin() + ptrdiff_t(ks), pos.end(), size_t(o.e)) - pos.begin())];
         o.insideWord = words::word_before(d, size_t(o.s)) && words::word_at(d, n, size_t(o.s));
     }
 }

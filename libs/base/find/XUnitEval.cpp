@@ -124,15 +124,21 @@ const std::vector<uint32_t>& XUnitEval::nearPairs(uint32_t node) {
     list.clear();
     const XQueryNode& n = q_.nodes[node];
     const int64_t most = int64_t(n.distance);
-    const std::vector<uint32_t> a = occurrences(n.kids[0]);
-    const std::vector<uint32_t> b = occurrences(n.kids[1]);
+    // The sides' lists live in lists_, sized once per unit: references stay valid.
+    const std::vector<uint32_t>& a = occurrences(n.kids[0]);
+    const std::vector<uint32_t>& b = occurrences(n.kids[1]);
     if (a.empty() || b.empty()) return list;
-    auto byEnd = [&](const std::vector<uint32_t>& v) {
-        std::vector<uint32_t> e(v);
-        std::stable_sort(e.begin(), e.end(), [&](uint32_t x, uint32_t y) { return occ_[x].e < occ_[y].e; });
-        return e;
+    // By end: usually the order by start already (one fixed-length term), so sort only when not.
+    std::vector<uint32_t> aSorted, bSorted;
+    auto byEnd = [&](const std::vector<uint32_t>& v, std::vector<uint32_t>& own) -> const std::vector<uint32_t>& {
+        auto less = [&](uint32_t x, uint32_t y) { return occ_[x].e < occ_[y].e; };
+        if (std::is_sorted(v.begin(), v.end(), less)) return v;
+        own = v;
+        std::stable_sort(own.begin(), own.end(), less);
+        return own;
     };
-    const std::vector<uint32_t> aEnd = byEnd(a), bEnd = byEnd(b);
+    const std::vector<uint32_t>& aEnd = byEnd(a, aSorted);
+    const std::vector<uint32_t>& bEnd = byEnd(b, bSorted);
     auto hasPartner = [&](uint32_t i, const std::vector<uint32_t>& other, const std::vector<uint32_t>& otherEnd) {
         const XOcc& p = occ_[i];
         auto after = std::lower_bound(other.begin(), other.end(), p.e, [&](uint32_t x, int64_t v) { return occ_[x].s < v; });

@@ -9,6 +9,10 @@ namespace find {
 namespace words {
 
 bool is_word_char(uint32_t cp);
+// ASCII only, inline for the hot loops: letters, digits and '_'.
+inline bool is_ascii_word(unsigned char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
+}
 // The character at p: its length in bytes (1 for an invalid byte) and whether it is a word character.
 size_t char_at(const char* d, size_t n, size_t p, bool& word);
 // Whether the character that ends right before p (p > 0) is a word character.
