@@ -21,7 +21,9 @@ using tav::xt;
 
 void WinFinder::on_config() {
     // 1
-    const bool darkBefore = cfg().flagDarkTheme;
+    // The dialog shows the theme chosen (the one of the next start when a change waits for it).
+    const bool darkBefore = tav::KernelGUI::tavStyleAtNextStart();
+    cfg().flagDarkTheme = darkBefore;
     DiaTavFinderConfig dia(this);
     dia.set_gui_from_cfg(cfg());
     dia.setGeometry(50, 50, 600, 400);
@@ -43,14 +45,12 @@ void WinFinder::on_config() {
     }
     if (container_preview_) container_preview_->setTextFileExtensions(cfg().extSet());
     // 5
-    if (cfg().flagDarkTheme) {
-        log(32, "WinFinder_config::on_config - DARK THEME");
-        tav::KernelGUI::setTavStyleNewDark();
-    } else {
-        log(32, "WinFinder_config::on_config - STANDARD THEME");
-        tav::KernelGUI::setTavStyleNewStandard();
-    }
+    log(32, cfg().flagDarkTheme ? "WinFinder_config::on_config - DARK THEME" : "WinFinder_config::on_config - STANDARD THEME");
     if (cfg().flagDarkTheme != darkBefore) {
+        // Windows, icons and pictures are made for one theme: switching them halfway leaves
+        // white fields with light text and invisible icons. The new theme comes with the
+        // next start (the question below offers it now).
+        tav::KernelGUI::setTavStyleAtNextStart(cfg().flagDarkTheme);
         // Cached thumbnails and icons were drawn for the old theme.
         log(32, "THEME CHANGED !");
         log(32, "del contents of cache dir");

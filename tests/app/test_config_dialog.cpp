@@ -189,24 +189,30 @@ void TestConfigDialog::extensionsAreOnlyAdded() {
 void TestConfigDialog::themeChangeEmptiesTheCache() {
     QVERIFY(tav::writeFileAtomic(cacheFile(), "old theme"));
     tftest::LogCapture logs;
+    // The new theme is stored for the next start; the running windows keep theirs whole.
+    QVERIFY(!tav::XTools::isTavStyleDark());
     QVERIFY(runConfig([](DiaTavFinderConfig* d) { d->checkDarkTheme()->setChecked(true); }));
-    QVERIFY(tav::XTools::isTavStyleDark());
+    QVERIFY(!tav::XTools::isTavStyleDark());
+    QVERIFY(tav::KernelGUI::tavStyleAtNextStart());
     QVERIFY(logs.contains(QStringLiteral("THEME CHANGED !")));
     QVERIFY(!QFile::exists(cacheFile()));
     QVERIFY(tav::XTools::get_create_cache_dir().exists());
 
-    // Same theme again: the cache stays.
+    // Same choice again: the dialog shows it, and the cache stays.
     QVERIFY(tav::writeFileAtomic(cacheFile(), "dark theme"));
     logs.clear();
     QVERIFY(runConfig([](DiaTavFinderConfig* d) { QVERIFY(d->checkDarkTheme()->isChecked()); }));
-    QVERIFY(tav::XTools::isTavStyleDark());
     QVERIFY(QFile::exists(cacheFile()));
     QVERIFY(logs.contains(QStringLiteral("WinFinder_config::on_config - DARK THEME")));
     QVERIFY(!logs.contains(QStringLiteral("THEME CHANGED !")));
 
+    // A start in the dark theme shows its dialog with the box ticked.
+    tav::KernelGUI::setTavStyleNewDark();
+    QVERIFY(runConfig([](DiaTavFinderConfig* d) { QVERIFY(d->checkDarkTheme()->isChecked()); }));
     QVERIFY(runConfig([](DiaTavFinderConfig* d) { d->checkDarkTheme()->setChecked(false); }));
-    QVERIFY(!tav::XTools::isTavStyleDark());
+    QVERIFY(!tav::KernelGUI::tavStyleAtNextStart());
     QVERIFY(!QFile::exists(cacheFile()));
+    tav::KernelGUI::setTavStyleNewStandard();
 }
 
 void TestConfigDialog::statusBarOfEveryWindow() {

@@ -149,6 +149,22 @@ void TestWidgets::treeShowsWhatItIsTold() {
     QVERIFY(tree.isColumnHidden(1) && tree.isColumnHidden(3) && tree.isHeaderHidden());
     tree.showHeaderDetails(true);
     QVERIFY(!tree.isColumnHidden(1) && !tree.isColumnHidden(3) && tree.isColumnHidden(2) && !tree.isHeaderHidden());
+    // Names stay readable in a narrow tree (it scrolls sideways instead); the other
+    // columns speak the catalogue and show sizes and dates like the folder table.
+    tree.resize(260, 600);
+    QTRY_VERIFY(tree.header()->sectionSize(0) >= tree.minimumNameWidth());
+    QVERIFY(tree.minimumNameWidth() >= tree.fontMetrics().horizontalAdvance(QStringLiteral("a_readable_name")));
+    QCOMPARE(tree.model()->headerData(0, Qt::Horizontal).toString(), QStringLiteral("Name"));
+    QCOMPARE(tree.model()->headerData(1, Qt::Horizontal).toString(), QStringLiteral("Size"));
+    QCOMPARE(tree.model()->headerData(3, Qt::Horizontal).toString(), QStringLiteral("Date"));
+    const QModelIndex file = tree.indexOfPath(dir.abs(QStringLiteral("a.txt")));
+    QVERIFY(file.isValid());
+    QCOMPARE(tree.model()->index(file.row(), 1, file.parent()).data().toString(), QStringLiteral("1"));
+    QCOMPARE(tree.model()->index(file.row(), 3, file.parent()).data().toString(),
+             QFileInfo(dir.abs(QStringLiteral("a.txt"))).lastModified().toString(QStringLiteral("yyyy/MM/dd - hh:mm")));
+    // Wide: the name takes what the others leave.
+    tree.resize(900, 600);
+    QTRY_COMPARE(tree.header()->sectionSize(0) + tree.header()->sectionSize(1) + tree.header()->sectionSize(3), tree.viewport()->width());
 }
 
 void TestWidgets::treeSelectionRootAndStates() {

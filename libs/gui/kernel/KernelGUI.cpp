@@ -172,6 +172,14 @@ void KernelGUI::setTavStyleNewStandard() {
 
 bool KernelGUI::isTavStyleDark() { return gDark; }
 
+void KernelGUI::setTavStyleAtNextStart(bool dark) {
+    if (gKernelGui && gKernelGui->getNodeRoot()) gKernelGui->getNodeRoot()->setStyleDark(dark);
+}
+
+bool KernelGUI::tavStyleAtNextStart() {
+    return gKernelGui && gKernelGui->getNodeRoot() ? gKernelGui->getNodeRoot()->isStyleDark() : gDark.load();
+}
+
 void KernelGUI::setFontScale(int percent) {
     if (percent < 50 || percent > 400) percent = 100;
     gScale = percent;

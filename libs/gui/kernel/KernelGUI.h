@@ -33,6 +33,9 @@ public:
     // Styles; the choice is kept in the engine node and applied at start.
     static void setTavStyleNewDark();
     static void setTavStyleNewStandard();
+    // The theme the next start uses (stored); the running windows keep theirs.
+    static void setTavStyleAtNextStart(bool dark);
+    static bool tavStyleAtNextStart();
     static bool isTavStyleDark();
     // Font scale in percent (100 = the platform's default size).
     static void setFontScale(int percent);

@@ -5,12 +5,16 @@
 #include "gui/tools/XDragOut.h"
 #include "base/log/Logger.h"
 #include "base/node/XNode.h"
+#include "base/util/Format.h"
+#include "gui/tools/XTools.h"
 
 #include <QDateTime>
 #include <QDir>
 #include <QFileSystemModel>
 #include <QHeaderView>
 #include <QHelpEvent>
+#include <QResizeEvent>
+#include <QScrollBar>
 #include <QToolTip>
 
 namespace tav {
@@ -42,6 +46,30 @@ void XTreeViewFilesProxy::setFolderFilterActive(bool on) {
 
 bool XTreeViewFilesProxy::isFiltered(const QString& absolutePath) const {
     return active_ && folders_.contains(cleanPath(absolutePath));
+}
+
+QVariant XTreeViewFilesProxy::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (orientation == Qt::Horizontal && role == Qt::DisplayRole) {
+        switch (section) {
+        case NAME: return xt("Name");
+        case SIZE: return xt("Size");
+        case DATE: return xt("Date");
+        default: break;
+        }
+    }
+    return QSortFilterProxyModel::headerData(section, orientation, role);
+}
+
+QVariant XTreeViewFilesProxy::data(const QModelIndex& index, int role) const {
+    if (role == Qt::DisplayRole && (index.column() == SIZE || index.column() == DATE)) {
+        auto* fs = qobject_cast<QFileSystemModel*>(sourceModel());
+        const QModelIndex src = mapToSource(index);
+        if (fs && src.isValid()) {
+            if (index.column() == DATE) return fs->lastModified(src).toString(QStringLiteral("yyyy/MM/dd - hh:mm"));
+            return fs->isDir(src) ? QString() : format1000(int64_t(fs->size(src)));
+        }
+    }
+    return QSortFilterProxyModel::data(index, role);
 }
 
 bool XTreeViewFilesProxy::filterAcceptsRow(int row, const QModelIndex& parent) const {
@@ -91,6 +119,10 @@ XTreeViewFiles::XTreeViewFiles(QWidget* parent)
     setSelectionMode(QAbstractItemView::SingleSelection);
     header()->setStretchLastSection(false);
     header()->setSectionResizeMode(NAME, QHeaderView::Stretch);
+    header()->setMinimumSectionSize(40);
+    connect(header(), &QHeaderView::sectionResized, this, [this](int section, int, int) {
+        if (section == SIZE || section == DATE) fitNameColumn();
+    });
     setSortingEnabled(true);
     sortByColumn(NAME, Qt::AscendingOrder);
     applyColumns();
@@ -147,7 +179,25 @@ void XTreeViewFiles::applyColumns() {
     if (details_) {
         header()->setSectionResizeMode(SIZE, QHeaderView::ResizeToContents);
         header()->setSectionResizeMode(DATE, QHeaderView::ResizeToContents);
+        // Stretched, the name got what two columns left: ~70 px in a narrow tree.
+        header()->setSectionResizeMode(NAME, QHeaderView::Interactive);
+        fitNameColumn();
+    } else {
+        header()->setSectionResizeMode(NAME, QHeaderView::Stretch);
     }
+}
+
+int XTreeViewFiles::minimumNameWidth() const { return indentation() * 3 + fontMetrics().horizontalAdvance(QLatin1Char('x')) * 22; }
+
+void XTreeViewFiles::fitNameColumn() {
+    if (!details_) return;
+    const int others = header()->sectionSize(SIZE) + header()->sectionSize(DATE);
+    header()->resizeSection(NAME, std::max(minimumNameWidth(), viewport()->width() - others));
+}
+
+void XTreeViewFiles::resizeEvent(QResizeEvent* e) {
+    QTreeView::resizeEvent(e);
+    fitNameColumn();
 }
 
 void XTreeViewFiles::setFolderFilter(const QList<QFileInfo>& folders) {
@@ -254,7 +304,6 @@ bool XTreeViewFiles::restoreStates(const XNode* node) {
     if (node->hasAttribute(QStringLiteral("flagDirsOnly"))) setDirsOnly(node->isBool(QStringLiteral("flagDirsOnly"), dirsOnly_));
     // The header state also holds which columns were hidden; the details switch decides.
     applyColumns();
-    header()->setSectionResizeMode(NAME, QHeaderView::Stretch);
     return ok;
 }
 

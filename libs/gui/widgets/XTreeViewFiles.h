@@ -28,6 +28,10 @@ public:
     bool isFiltered(const QString& absolutePath) const;
     void invalidateAll() { invalidate(); }
 
+    // Headers from the catalogue, sizes and dates as in the folder table.
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+    QVariant data(const QModelIndex& index, int role) const override;
+
 protected:
     bool filterAcceptsRow(int row, const QModelIndex& parent) const override;
     bool lessThan(const QModelIndex& left, const QModelIndex& right) const override;
@@ -93,13 +97,19 @@ public:
     XEventListener<FileListener>& eventHover() { return eventHover_; }
     XEventListener<std::function<void(const QString&)>>& eventRootChanged() { return eventRoot_; }
 
+    // Width the name column keeps at least when sizes and dates are shown.
+    int minimumNameWidth() const;
+
 protected:
     bool viewportEvent(QEvent* e) override;
     void leaveEvent(QEvent* e) override;
+    void resizeEvent(QResizeEvent* e) override;
 
 private:
     void applyModelFilter();
     void applyColumns();
+    // The name takes what sizes and dates leave, never less than minimumNameWidth().
+    void fitNameColumn();
 
     QFileSystemModel* model_;
     XTreeViewFilesProxy* proxy_;
