@@ -260,35 +260,37 @@ void XContentSearch::countWords(const char* d, size_t n) {
     for (const XQueryNode& node : sym_.query.nodes)
         if (node.kind == XQueryNode::NEAR) widest = std::max<int64_t>(widest, int64_t(node.distance));
     const int64_t cap = widest + 2;
-    int64_t gap = 0;
     bool prevWord = false;
     size_t p = 0, k = 0;
-    while (p < limit) {
-        if (k < pos.size() && pos[k] <= p) {
-            for (; k < pos.size() && pos[k] <= p; ++k) count[k] = c;
-            gap = 0;
-        }
-        if (gap > cap) {
-            const size_t next = k < pos.size() ? pos[k] : limit;
-            if (next > p) {
-                p = next;
-                prevWord = words::word_before(d, p);
-                continue;
+    // Gap by gap: from one place asked for to the next (the last gap runs to the limit).
+    for (;;) {
+        const size_t end = k < pos.size() ? std::min(pos[k], limit) : limit;
+        int64_t gap = 0;
+        while (p < end) {
+            bool w = false;
+            const unsigned char b = static_cast<unsigned char>(d[p]);
+            if (b < 0x80) {
+                w = words::is_ascii_word(b);
+                ++p;
+            } else {
+                p += words::char_at(d, n, p, w);
             }
+            if (w && !prevWord) {
+                ++c;
+                if (++gap > cap) {
+                    // Far enough for any NEAR: the rest of this gap is not counted.
+                    prevWord = w;
+                    if (p < end) {
+                        p = end;
+                        prevWord = words::word_before(d, p);
+                    }
+                    break;
+                }
+            }
+            prevWord = w;
         }
-        bool w = false;
-        const unsigned char b = static_cast<unsigned char>(d[p]);
-        if (b < 0x80) {
-            w = words::is_ascii_word(b);
-            ++p;
-        } else {
-            p += words::char_at(d, n, p, w);
-        }
-        if (w && !prevWord) {
-            ++c;
-            ++gap;
-        }
-        prevWord = w;
+        if (k >= pos.size() || pos[k] > limit) break;
+        for (; k < pos.size() && pos[k] <= p; ++k) count[k] = c;
     }
     for (; k < pos.size(); ++k) count[k] = c;
     if (carry) wordsBefore_ = c;
