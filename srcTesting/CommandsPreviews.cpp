@@ -2,6 +2,7 @@
 // directory page, the text, directory and hex previews, the thumbnails panel,
 // the folder tree, and a sorting and filtering proxy over sample data.
 #include "base/kernel/CommandLine.h"
+#include "gui/tools/XTools.h"
 #include "base/log/Logger.h"
 #include "base/text/TextFiles.h"
 #include "base/tree/XMem.h"
@@ -69,7 +70,7 @@ int dirPreviewSimple(tav::KernelGUI& kernel) {
     auto* panel = new tav::XPanel(nullptr, tav::XPanel::VERTICAL);
     panel->add(preview->widget_preview(), 1);
     tavFinder::PreviewDirSimple* p = preview.get();
-    panel->createButton(QStringLiteral("Deep Info"), [p]() { p->onDeepInfo(); });
+    panel->createButton(tav::xt("Deep Info"), [p]() { p->onDeepInfo(); });
     preview->open_file(QFileInfo(dir));
     log(32, "simple directory preview of '$'", dir);
     tav::XTestWindow::setTestingStandard(panel, QStringLiteral("Directory"), 800, 500);
@@ -113,7 +114,7 @@ int previewDir(tav::KernelGUI& kernel) {
     auto* panel = new tav::XPanel(nullptr, tav::XPanel::HORIZONTAL);
     panel->add(preview->widget_preview(), 3);
     auto* right = panel->createPanel(tav::XPanel::VERTICAL);
-    right->createLabel(QStringLiteral("Events:"));
+    right->createLabel(tav::xt("Events:"));
     auto* events = right->add(new QPlainTextEdit, 1);
     events->setReadOnly(true);
     QPointer<QPlainTextEdit> sink(events);

@@ -1,6 +1,7 @@
 // Developer commands for the user tools: the applications editor, a program
 // runner on one test record, and the history editor, each on its own.
 #include "base/log/Logger.h"
+#include "gui/tools/XTools.h"
 #include "gui/kernel/KernelGUI.h"
 #include "gui/kernel/XRuntime.h"
 #include "gui/panel/XPanel.h"
@@ -44,7 +45,7 @@ int appsRun(tav::KernelGUI& kernel) {
     auto* panel = new tav::XPanel(nullptr, tav::XPanel::VERTICAL);
     auto* form = panel->add(new tavFinder::PanelProgram(panel));
     form->from_app(app);
-    panel->createButton(QStringLiteral("Execute"), [form]() {
+    panel->createButton(tav::xt("Execute"), [form]() {
         log(32, "WinRunProgram::on_exec");
         tavFinder::XAppRunner::start_program(form->to_app());
     });

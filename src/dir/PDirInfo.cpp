@@ -1,4 +1,5 @@
 #include "src/dir/PDirInfo.h"
+#include "gui/tools/XTools.h"
 
 #include "base/log/Logger.h"
 #include "base/text/FileType.h"
@@ -48,7 +49,7 @@ void PDirInfo::visit(const QString& dir) {
 }
 
 QString PDirInfo::toString() const {
-    return tav::fill("dirs:$, files:$, bytes:$, text files:$, text bytes:$", tav::format1000(dirs.load()),
+    return tav::fill(tav::xt("dirs:$, files:$, bytes:$, text files:$, text bytes:$"), tav::format1000(dirs.load()),
                      tav::format1000(files.load()), tav::formatBytes(bytes.load()), tav::format1000(textFiles.load()),
                      tav::formatBytes(textBytes.load()));
 }

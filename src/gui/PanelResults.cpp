@@ -206,18 +206,19 @@ void PanelResults::setResultSummaryHtml(int64_t startMicros, const tav::XFindSta
     html += QStringLiteral("<html>\n");
     if (tav::KernelGUI::isTavStyleDark()) html += QStringLiteral("<body style=\"background-color:#2d3339;color:white;\">\n");
     else html += tav::fill("<body style=\"background-color:$;\">\n", QColor(222, 222, 222).name());
-    html += QStringLiteral("<h3>Search Results</h3>");
+    html += tav::fill("<h3>$</h3>", tav::xt("Search Results").toHtmlEscaped());
     html += QStringLiteral("<p style=\"font-size:18px;\">");
-    html += tav::fill("Time:$ sec <br/>", tav::formatMicrosecond_as_Sec(tav::getMicroseconds() - startMicros));
-    html += tav::fill("Path:$ <br/>", request.sPath);
+    html += tav::fill(tav::xt("Time:$ sec") + QStringLiteral(" <br/>"), tav::formatMicrosecond_as_Sec(tav::getMicroseconds() - startMicros));
+    html += tav::fill(tav::xt("Path:$") + QStringLiteral(" <br/>"), request.sPath.toHtmlEscaped());
     // A search by name only has no pattern to report: it found files.
     if (request.contentFilter.text().isEmpty())
         html += tav::fill("<b>$</b><br/>", tav::fill(tav::xt("$ files found"), tav::format1000(stats.countMatch.load())).toHtmlEscaped());
     else
-        html += tav::fill("Pattern <b>'$'</b> found $ times<br/>", request.contentFilter.text(), tav::format1000(stats.countHits.load()));
-    if (stats.countMatch.load() == 0) html += tav::fill("Files total:$", tav::format1000(stats.countFiles.load()));
+        html += tav::fill(tav::xt("Pattern '$' found $ times").toHtmlEscaped() + QStringLiteral("<br/>"), request.contentFilter.text().toHtmlEscaped(),
+                          tav::format1000(stats.countHits.load()));
+    if (stats.countMatch.load() == 0) html += tav::fill(tav::xt("Files total:$"), tav::format1000(stats.countFiles.load()));
     else
-        html += tav::fill("Files total:$, found in files:$", tav::format1000(stats.countFiles.load()),
+        html += tav::fill(tav::xt("Files total:$, found in files:$"), tav::format1000(stats.countFiles.load()),
                           tav::format1000(stats.countMatch.load()));
     html += QStringLiteral("</p>");
     html += QStringLiteral("</body>\n");

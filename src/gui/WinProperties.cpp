@@ -183,7 +183,8 @@ void WinProperties::set_file(const QFileInfo& fi) {
         // The fields belong to the file shown; a result of the previous one must go.
         if (!isCalculating()) rows_[i].field->clear();
     }
-    const uint64_t limit = uint64_t(cfg().max_file_size_auto_calc_checksums) * 1000000ull;
+    // MB as everywhere in the program (sizes shown, size filters): 1024 × 1024 bytes.
+    const uint64_t limit = uint64_t(cfg().max_file_size_auto_calc_checksums) * 1024ull * 1024ull;
     const bool flagAutoCalc = cfg().flagPropAutoLoad && fi_.isFile() && uint64_t(fi_.size()) <= limit;
     log(32, "WinProperties::set_file, max_file_size_auto_calc_checksums:$", cfg().max_file_size_auto_calc_checksums);
     log(32, "WinProperties::set_file, flagAutoCalc:$", flagAutoCalc);

@@ -3,6 +3,8 @@
 // fails after you added a text, the output lists the missing entries ready to
 // paste into res/lang/lang.xml (then translate them).
 #include "common/TestEnv.h"
+
+#include "base/util/Format.h"
 #include "common/XtLiterals.h"
 
 #include "base/log/Logger.h"
@@ -131,6 +133,26 @@ private slots:
         QCOMPARE(tav::fill(tav::xt("'$' already exists!"), QStringLiteral("fr")), QStringLiteral("'fr' уже существует!"));
         tav::XTools::set_lang(QStringLiteral("en"));
         QCOMPARE(tav::xt("&clear"), QStringLiteral("&clear"));
+    }
+
+    void qtAndEngineTextsFollowTheLanguage() {
+        tav::XTools::set_lang_path(QStringLiteral(":/tf/lang/lang.xml"));
+        QVERIFY(tav::XTools::lang_ini(true));
+        // Qt's own texts (standard buttons, file dialogs) come from Qt's catalogues.
+        tav::XTools::set_lang(QStringLiteral("de"));
+        QVERIFY(tav::XTools::qtTranslationsLoaded());
+        QCOMPARE(QCoreApplication::translate("QPlatformTheme", "Cancel"), QStringLiteral("Abbrechen"));
+        QCOMPARE(QCoreApplication::translate("QFileDialog", "Look in:"), QStringLiteral("Suchen in:"));
+        // The engine's words go through our catalogue.
+        QCOMPARE(tav::formatBytes(3), QStringLiteral("3 Bytes"));
+        tav::XTools::set_lang(QStringLiteral("ru"));
+        QVERIFY(tav::XTools::qtTranslationsLoaded());
+        QCOMPARE(QCoreApplication::translate("QPlatformTheme", "Cancel"), QStringLiteral("Отмена"));
+        QCOMPARE(tav::formatBytes(3), QStringLiteral("3 байт"));
+        tav::XTools::set_lang(QStringLiteral("en"));
+        QVERIFY(!tav::XTools::qtTranslationsLoaded());
+        QCOMPARE(QCoreApplication::translate("QPlatformTheme", "Cancel"), QStringLiteral("Cancel"));
+        QCOMPARE(tav::formatBytes(3), QStringLiteral("3 bytes"));
     }
 };
 

@@ -346,9 +346,17 @@ void TestLang::firstRunMessageDialog() {
     QVERIFY(logs.containsLine(QStringLiteral("russisch")));
     QVERIFY(d.browser()->toPlainText().contains(QStringLiteral("Подсказки для первого запуска")));
     QVERIFY(d.browser()->toPlainText().contains(QStringLiteral("Talvo Finder - v1.00.16")));
+    // The page names the buttons as they read in its language, and speaks of no other system.
+    QCOMPARE(d.buttonOkSave()->text(), QStringLiteral("ОК + сохранить"));
+    QVERIFY(d.browser()->toPlainText().contains(d.buttonOkSave()->text()));
+    QVERIFY(d.browser()->toPlainText().contains(d.buttonOk()->text()));
+    QVERIFY(!d.browser()->toPlainText().contains(QStringLiteral("Windows")));
     d.group().button(DiaFirstMessage::German)->click();
     QVERIFY(logs.containsLine(QStringLiteral("deutsch")));
     QVERIFY(d.browser()->toPlainText().contains(QStringLiteral("Viel Spaß!")));
+    QCOMPARE(d.buttonOkSave()->text(), QStringLiteral("OK + speichern"));
+    QVERIFY(d.browser()->toPlainText().contains(d.buttonOkSave()->text()));
+    QVERIFY(!d.browser()->toPlainText().contains(QStringLiteral("Windows")));
     // The style sheet beside the pages is found.
     QVERIFY(d.browser()->loadResource(QTextDocument::StyleSheetResource, QUrl(QStringLiteral("css/base.css"))).isValid());
 

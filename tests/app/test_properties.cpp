@@ -55,7 +55,7 @@ private slots:
         tavFinder::cfg().max_file_size_auto_calc_checksums = 5;
     }
     void checksumsEqualTheSystemTools();
-    void automaticLimitIsDecimalMegabytes();
+    void automaticLimitIsBinaryMegabytes();
     void cancelStopsAndEmpties();
     void switchesArePersistedAndRespected();
 };
@@ -106,10 +106,12 @@ void TestProperties::checksumsEqualTheSystemTools() {
     closeNow(w);
 }
 
-void TestProperties::automaticLimitIsDecimalMegabytes() {
+void TestProperties::automaticLimitIsBinaryMegabytes() {
     tavFinder::cfg().max_file_size_auto_calc_checksums = 5;
-    const QString exact = sizedFile(QStringLiteral("exact.bin"), 5000000);
-    const QString over = sizedFile(QStringLiteral("over.bin"), 5000001);
+    // The same megabytes as the sizes the window shows ("5.00 MB").
+    const QString exact = sizedFile(QStringLiteral("exact.bin"), 5 * 1024 * 1024);
+    const QString over = sizedFile(QStringLiteral("over.bin"), 5 * 1024 * 1024 + 1);
+    QCOMPARE(tav::formatBytes(5 * 1024 * 1024), QStringLiteral("5.00 MB"));
     tftest::LogCapture logs;
     QPointer<WinProperties> w = WinProperties::open_window(QFileInfo(over));
     QVERIFY(!w->isCalculating());

@@ -228,7 +228,7 @@ QString XFileFilter::toString(bool verbose) const {
         if (sizeArea == BETWEEN) t += fill(" and $", formatBytes(size2));
         parts << t;
     }
-    if (!textFileExtensions.empty()) parts << QStringLiteral("text files");
+    if (!textFileExtensions.empty()) parts << trText("text files");
     return parts.join(QStringLiteral(" | "));
 }
 

@@ -1,5 +1,7 @@
 #include "base/util/Format.h"
 
+#include <atomic>
+
 #include <QMutex>
 #include <QRegularExpression>
 #include <chrono>
@@ -25,9 +27,21 @@ QString format1000(int64_t v) {
     return format1000(uint64_t(v));
 }
 
+namespace {
+std::atomic<TextTranslator> gTranslator{nullptr};
+}
+
+void setTextTranslator(TextTranslator translator) { gTranslator = translator; }
+
+QString trText(const char* english) {
+    const QString en = QString::fromUtf8(english);
+    const TextTranslator t = gTranslator.load();
+    return t ? t(en) : en;
+}
+
 QString formatBytes(uint64_t bytes) {
     static const char* units[] = {"KB", "MB", "GB", "TB", "PB"};
-    if (bytes < 1024) return QStringLiteral("%1 bytes").arg(bytes);
+    if (bytes < 1024) return QStringLiteral("%1 ").arg(bytes) + trText("bytes");
     double v = double(bytes);
     int u = -1;
     while (v >= 1024.0 && u < 4) { v /= 1024.0; ++u; }

@@ -5,6 +5,12 @@
 
 namespace tav {
 
+// User-facing words of the engine (units, filter summaries) in the interface's
+// language: the GUI installs its catalogue lookup; headless commands stay English.
+using TextTranslator = QString (*)(const QString& english);
+void setTextTranslator(TextTranslator translator);
+QString trText(const char* english);
+
 // 1234567 -> "1,234,567"
 QString format1000(uint64_t v);
 QString format1000(int64_t v);

@@ -5,11 +5,15 @@
 #include "base/kernel/Kernel.h"
 #include "base/log/Logger.h"
 #include "base/thread/XThread.h"
+#include "base/util/Format.h"
 #include "gui/kernel/KernelGUI.h"
 
 #include <QFile>
 #include <QGuiApplication>
 #include <QHash>
+#include <QLibraryInfo>
+#include <QTranslator>
+#include <QCoreApplication>
 #include <QMutex>
 #include <QRegularExpression>
 #include <QScreen>
@@ -123,12 +127,46 @@ bool XTools::lang_ini(bool reload) {
     return true;
 }
 
+namespace {
+std::atomic<bool> gQtTranslations{false};
+
+// Qt's catalogues of a language (Debian's qttranslations5-l10n), swapped with the language.
+void installQtTranslations(const QString& lang) {
+    static std::vector<std::unique_ptr<QTranslator>> installed;
+    if (!QCoreApplication::instance()) return;
+    for (auto& t : installed) QCoreApplication::removeTranslator(t.get());
+    installed.clear();
+    gQtTranslations = false;
+    if (lang == QLatin1String("en")) return;
+    const QString dir = QLibraryInfo::location(QLibraryInfo::TranslationsPath);
+    for (const char* base : {"qt_", "qtbase_"}) {
+        auto t = std::make_unique<QTranslator>();
+        if (t->load(QLatin1String(base) + lang, dir)) {
+            QCoreApplication::installTranslator(t.get());
+            installed.push_back(std::move(t));
+            gQtTranslations = true;
+            break;   // qt_LANG includes qtbase_LANG and the other modules
+        }
+    }
+    if (!gQtTranslations) log(8, "XTools::set_lang, no Qt translations for '$' in $", lang, dir);
+}
+}
+
 void XTools::set_lang(const QString& lang) {
     LangState& s = S();
-    QMutexLocker l(&s.mutex);
-    s.lang = lang.trimmed().isEmpty() ? QStringLiteral("en") : lang.trimmed();
-    rebuildIndex(s);   // the catalogue may have been edited in place
+    QString now;
+    {
+        QMutexLocker l(&s.mutex);
+        s.lang = lang.trimmed().isEmpty() ? QStringLiteral("en") : lang.trimmed();
+        rebuildIndex(s);   // the catalogue may have been edited in place
+        now = s.lang;
+    }
+    installQtTranslations(now);
+    // The engine's own words (size units, filter summaries) follow the catalogue too.
+    setTextTranslator([](const QString& english) { return xt(english); });
 }
+
+bool XTools::qtTranslationsLoaded() { return gQtTranslations.load(); }
 
 QString XTools::lang() {
     QMutexLocker l(&S().mutex);
@@ -176,20 +214,23 @@ QString XTools::normalizeKey(const QString& text) {
     return t.trimmed();
 }
 
-QString XTools::translate(const QString& english) {
+QString XTools::translate(const QString& english) { return translateTo(english, QString()); }
+
+QString XTools::translateTo(const QString& english, const QString& language) {
     LangState& s = S();
     QMutexLocker l(&s.mutex);
-    if (s.lang == QLatin1String("en") || english.isEmpty()) return english;
+    const QString lang = language.isEmpty() ? s.lang : language;
+    if (lang == QLatin1String("en") || english.isEmpty()) return english;
     if (!s.catalogue) {
         // Console commands start without the catalogue; the first text to translate loads it.
         l.unlock();
         lang_ini(false);
         l.relock();
-        if (!s.catalogue || s.lang == QLatin1String("en")) return english;
+        if (!s.catalogue) return english;
     }
     auto it = s.index.constFind(normalizeKey(english));
     if (it == s.index.constEnd()) return english;
-    XNode* tr = (*it)->query(s.lang);
+    XNode* tr = (*it)->query(lang);
     if (!tr) return english;
     const QString text = stripIndentation(tr->getText());
     return text.isEmpty() ? english : text;

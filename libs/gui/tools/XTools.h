@@ -29,8 +29,11 @@ public:
     // Loads the catalogue: the user's "lang.xml" in the configuration folder when
     // it exists and parses, else the resource.
     static bool lang_ini(bool reload);
+    // Also loads Qt's own translations of the language (standard buttons, file dialogs).
     static void set_lang(const QString& lang);
     static QString lang();
+    // Whether Qt's translations of the current language are installed (false for English).
+    static bool qtTranslationsLoaded();
     // The live catalogue root ("GUI" with "Message" children).
     static XNode* nGUI();
     // Replaces the live catalogue's content by deep copies of the children of
@@ -42,6 +45,8 @@ public:
     // Translation of an English text into the current language; the English text
     // when there is no entry. Line breaks and indentation do not matter for the match.
     static QString translate(const QString& english);
+    // The text in a given language (a page that shows another language than the interface).
+    static QString translateTo(const QString& english, const QString& language);
     // The form of a text used to match catalogue keys.
     static QString normalizeKey(const QString& text);
 

@@ -7,6 +7,7 @@
 
 #include <QPushButton>
 #include <QRadioButton>
+#include <vector>
 #include <QVBoxLayout>
 
 namespace tavFinder {
@@ -48,21 +49,12 @@ DiaFirstMessage::DiaFirstMessage(QWidget* parent) : tav::XDialog(parent), group_
     // 2
     tav::XPanel* row = content->createPanel(tav::XPanel::HORIZONTAL);
     row->setMargins(8, 6, 8, 6);
-    for (auto [lang, text] : {std::pair<DaLang, const char*>{English, "English"}, {German, "German"}, {Russian, "Russian"}})
-        group_.addButton(row->add(new QRadioButton(xt(text), row)), lang);
-    group_.addListener([this](DaLang lang) {
-        switch (lang) {
-        case English: log(32, "english"); break;
-        case German: log(32, "deutsch"); break;
-        case Russian: log(32, "russisch"); break;
-        }
-        browser_->setResourceHTML(page_of(lang), true);
-    });
-    const QString current = tav::XTools::lang();
-    int selected = -1;
-    for (DaLang l : {English, German, Russian})
-        if (lang_short_name(l) == current) selected = l;
-    group_.select(DaLang(selected));
+    std::vector<std::pair<QRadioButton*, const char*>> radios;
+    for (auto [lang, text] : {std::pair<DaLang, const char*>{English, "English"}, {German, "German"}, {Russian, "Russian"}}) {
+        auto* radio = row->add(new QRadioButton(xt(text), row));
+        group_.addButton(radio, lang);
+        radios.emplace_back(radio, text);
+    }
     // 3
     row->addSpacer();
     okSave_ = row->createButton(xt("OK + save"), [this]() {
@@ -74,8 +66,28 @@ DiaFirstMessage::DiaFirstMessage(QWidget* parent) : tav::XDialog(parent), group_
         accept();
     });
     ok_->setDefault(true);
+    // The page, its buttons and the title speak the language chosen, so the page
+    // names the buttons as they read.
+    group_.addListener([this, radios](DaLang lang) {
+        switch (lang) {
+        case English: log(32, "english"); break;
+        case German: log(32, "deutsch"); break;
+        case Russian: log(32, "russisch"); break;
+        }
+        browser_->setResourceHTML(page_of(lang), true);
+        const QString l = lang_short_name(lang);
+        okSave_->setText(tav::XTools::translateTo(QStringLiteral("OK + save"), l));
+        ok_->setText(tav::XTools::translateTo(QStringLiteral("OK"), l));
+        for (auto [radio, text] : radios) radio->setText(tav::XTools::translateTo(QString::fromLatin1(text), l));
+        setWindowTitle(tav::XTools::translateTo(QStringLiteral("Hint"), l));
+    });
     // 4
     setWindowTitle(xt("Hint"));
+    const QString current = tav::XTools::lang();
+    int selected = -1;
+    for (DaLang l : {English, German, Russian})
+        if (lang_short_name(l) == current) selected = l;
+    group_.select(DaLang(selected));
 }
 
 std::pair<int, QString> DiaFirstMessage::show_first_message(QWidget* parent) {

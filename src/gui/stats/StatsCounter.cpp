@@ -1,4 +1,5 @@
 #include "src/gui/stats/StatsCounter.h"
+#include "gui/tools/XTools.h"
 
 #include "base/io/XLineReaderDA.h"
 #include "base/log/Logger.h"
@@ -128,7 +129,7 @@ QString StatsCounter::percentage(double p) {
 }
 
 QString StatsCounter::summary(const StatsResult& r) {
-    return tav::fill("read $ lines, found $ symbols, $ are unique ( in $ sec)\n", tav::format1000(r.lines),
+    return tav::fill(tav::xt("read $ lines, found $ symbols, $ are unique ( in $ sec)") + QLatin1Char('\n'), tav::format1000(r.lines),
                      tav::format1000(r.symbols), tav::format1000(uint64_t(r.unique())), tav::formatMicrosecond_as_Sec(r.micros));
 }
 
@@ -136,7 +137,7 @@ QString StatsCounter::page_head(const QString& background, const QString& text) 
     return QStringLiteral("<!DOCTYPE HTML PUBLIC \"-//W3C//DTD HTML 4.0 Transitional//EN\">\n") + QStringLiteral("<html>\n") +
            QStringLiteral("<head>\n") +
            QStringLiteral("<meta http-equiv=\"content-type\" content=\"text/html; charset=utf-8\"/>") +
-           QStringLiteral("<title>Statistics</title>") + QStringLiteral("</head>\n") +
+           tav::fill("<title>$</title>", tav::xt("Statistics")) + QStringLiteral("</head>\n") +
            tav::fill("<body style=\"background-color:$;color:$;\">\n", background, text);
 }
 
@@ -146,9 +147,9 @@ QString StatsCounter::file_header(const QFileInfo& fi) {
     QString s = tav::fill("<h2>\"$\"</h2>", fi.absoluteFilePath().toHtmlEscaped());
     s += QStringLiteral("<h3>");
     s += QStringLiteral("<tableResult>");
-    s += pairRow(QStringLiteral("Timestamp:"),
+    s += pairRow(tav::xt("Timestamp:"),
                  t.toString(QStringLiteral("yyyy/MM/dd")) + QStringLiteral(" - ") + t.toString(QStringLiteral("hh:mm")));
-    s += pairRow(QStringLiteral("Size:"), tav::format1000(size) + QStringLiteral(" bytes  ~") + tav::formatBytes(size));
+    s += pairRow(tav::xt("Size:"), tav::format1000(size) + QLatin1Char(' ') + tav::xt("bytes") + QStringLiteral("  ~") + tav::formatBytes(size));
     s += QStringLiteral("</tableResult>");
     s += QStringLiteral("</h3>");
     return s;
@@ -161,9 +162,8 @@ QString StatsCounter::table(const StatsResult& r, bool characters, unsigned maxR
     const QString style = QStringLiteral("text-align:center;");
     QString s = QStringLiteral("<tableResult width = '100%' style='border: 1px solid black'  >");
     s += QStringLiteral("<tr>");
-    QStringList head{QStringLiteral("Number"), characters ? QStringLiteral("Char") : QStringLiteral("Word"),
-                     QStringLiteral("Count"), QStringLiteral("Percentage")};
-    if (characters) head << QStringLiteral("Bytes");
+    QStringList head{tav::xt("Number"), characters ? tav::xt("Char") : tav::xt("Word"), tav::xt("Count"), tav::xt("Percentage")};
+    if (characters) head << tav::xt("Bytes");
     for (const QString& h : head) s += tav::fill("<th>$</th>", h);
     s += QStringLiteral("</tr>");
     for (size_t i = 0; i < n; ++i) {
@@ -190,7 +190,7 @@ QString StatsCounter::statistics(const std::atomic<bool>& running, const QFileIn
     const StatsResult r = count(running, fi, o);
     if (!r.opened) {
         tav::log(4, "Stats::statistics, <<<$>>> 404", fi);
-        return page + QStringLiteral("<p>") + tav::fill("Problems with '$'", fi.absoluteFilePath().toHtmlEscaped()) +
+        return page + QStringLiteral("<p>") + tav::fill(tav::xt("Problems with '$'"), fi.absoluteFilePath().toHtmlEscaped()) +
                QStringLiteral("</p>") + page_end();
     }
     if (r.stopped) return QStringLiteral("break!");

@@ -274,7 +274,7 @@ void PanPreviewAsc::on_mouse_over(const tav::viewText::MouseOverMark& m) {
     // One character: a single UTF-16 unit or a surrogate pair.
     if (ch.isEmpty() || ch.toUcs4().size() != 1) return;
     const tav::XUtf8_Info info = tav::XUtf8_Info::decode(ch);
-    const QString text = tav::fill("$  $  $ byte-pos:$", ch, info.text(), info.toHTML(), tav::format1000(m.character.pos()));
+    const QString text = tav::fill("$  $  $ $:$", ch, info.text(), info.toHTML(), xt("byte-pos"), tav::format1000(m.character.pos()));
     QPointer<QLineEdit> line(infoLine_);
     tav::run_in_gui_thread([line, text]() {
         if (!line) return;

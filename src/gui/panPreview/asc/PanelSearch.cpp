@@ -37,7 +37,7 @@ void PanelSearch::ini(unsigned panelNo) {
     panelNo_ = panelNo;
     setObjectName(tav::fill("pan#$", panelNo));
     setMargins(0, 5, 0, 5);
-    createLabel(tav::fill("Search($)", panelNo + 1));
+    createLabel(tav::fill("$($)", tav::xt("Search"), panelNo + 1));
 
     combo_ = new tav::XComboBox(this);
     combo_->setEditable(true);
