@@ -43,7 +43,11 @@ void PreviewDir::refresh() {
 void PreviewDir::cancel_loading() { d->stopThumbs(); }
 
 void PreviewDir::set_text_file_extensions(const std::unordered_set<QString>& ext) { d->setTextFileExtensions(ext); }
-void PreviewDir::set_show_hidden(bool on) { d->showHidden = on; }
+void PreviewDir::set_show_hidden(bool on) {
+    d->showHidden = on;
+    // The page of a selected folder counts what the table lists.
+    if (LimitedPreviewContainer* c = d->limited()) c->setShowHidden(on);
+}
 bool PreviewDir::show_hidden() const { return d->showHidden; }
 ContextPreviews* PreviewDir::context() { return d->context(); }
 

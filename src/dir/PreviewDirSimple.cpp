@@ -108,7 +108,8 @@ bool PreviewDirSimple::open_file(const QFileInfo& fi) {
     fileInfo_ = fi;
     const QDir dir(fi.absoluteFilePath());
     int subdirs = 0, others = 0;
-    for (const QFileInfo& e : dir.entryInfoList(QDir::Filters(PDirInfo::kFilterAll), QDir::SortFlags(QDir::DirsFirst))) {
+    const int filter = showHidden_ ? PDirInfo::kFilterAll : PDirInfo::kFilterVisible;
+    for (const QFileInfo& e : dir.entryInfoList(QDir::Filters(filter), QDir::SortFlags(QDir::DirsFirst))) {
         if (e.isDir()) ++subdirs;
         else ++others;
     }

@@ -28,7 +28,7 @@ public:
     void refresh() override;
 
     void set_text_file_extensions(const std::unordered_set<QString>& ext) override;
-    void set_show_hidden(bool) override {}
+    void set_show_hidden(bool on) override { showHidden_ = on; }
     bool show_hidden() const override { return false; }
     ContextPreviews* context() override { return nullptr; }
     void onDeepInfo() override;
@@ -45,6 +45,7 @@ public:
     static QString pairTable(const std::vector<std::pair<QString, QString>>& pairs);
 
 private:
+    bool showHidden_ = false;   // the folder page counts what the listing shows
     class DirScannerThread;
     void setPage(const QString& html);
 

@@ -45,6 +45,8 @@ void WinFinder::forceViewHovered() {
         p->open_file(fi);
         container_preview_->showPreview(p);
         if (stacked_->isShowing(findResults_)) stacked_->showPanel(container_preview_);
+        // The status bar speaks of the file shown, not of the selection.
+        show_status_for(this, fi);
         return;
     }
     AbstractPreviewDir* dir = container_preview_->existingPreviewDirectory();

@@ -33,7 +33,7 @@ class TestDirPreviews : public QObject {
     tftest::TestEnv env;
 
 private slots:
-    void simplePageCountsHiddenEntries() {
+    void simplePageCountsWhatTheListingShows() {
         tftest::TestDir d;
         d.file(QStringLiteral("a.txt"), "1");
         d.file(QStringLiteral("b.cpp"), "22");
@@ -43,6 +43,11 @@ private slots:
         d.file(QStringLiteral("sub/deep.txt"), "4444");
         PreviewDirSimple p;
         p.ini();
+        // Hidden entries are counted only when the listing shows them.
+        QVERIFY(p.open_file(QFileInfo(d.path())));
+        QVERIFY(p.html().contains(pair(QStringLiteral("Subdirs"), 1)));
+        QVERIFY(p.html().contains(pair(QStringLiteral("Files"), 2)));
+        p.set_show_hidden(true);
         QVERIFY(p.open_file(QFileInfo(d.path())));
         QVERIFY(p.html().contains(pair(QStringLiteral("Subdirs"), 2)));
         QVERIFY(p.html().contains(pair(QStringLiteral("Files"), 3)));

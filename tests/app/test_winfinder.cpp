@@ -504,6 +504,8 @@ void TestWinFinder::hoverPreviewOnlyInLaterWindows() {
     const QString prefix = QStringLiteral("WinFinder::setUp_shift_control, TREE-LEFT, fi:");
     hoverAndPressCtrl(second, QStringLiteral("a/one.txt"));
     QVERIFY(logs.contains(prefix + abs(QStringLiteral("a/one.txt"))));
+    // The status bar follows the file shown.
+    QTRY_VERIFY2(second->statusLabel()->text().startsWith(abs(QStringLiteral("a/one.txt"))), qPrintable(second->statusLabel()->text()));
     // A hovered folder is shown as if the user had selected it.
     hoverAndPressCtrl(second, QStringLiteral("a/b"));
     QCOMPARE(second->getCurrentFile().absoluteFilePath(), abs(QStringLiteral("a/b")));

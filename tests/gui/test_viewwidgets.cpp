@@ -56,6 +56,20 @@ private slots:
         QVERIFY(lines[1].contains(QChar(0x2026)));
         QVERIFY(lines[1].endsWith(QStringLiteral("png")));   // cut in the middle
         QCOMPARE(l.toolTip(), QStringLiteral("a_rather_long_file_name_that_cannot_fit.png"));
+
+        // An underscore hangs below the line in small sizes: it must still be painted.
+        XElidedLabel u;
+        QFont f(QStringLiteral("DejaVu Sans"));
+        f.setPointSize(9);
+        u.setFont(f);
+        u.resize(80, 50);
+        u.setText(QStringLiteral("___"));
+        const QImage img = u.grab().toImage();
+        const QColor bg = img.pixelColor(1, img.height() - 1);
+        int ink = 0;
+        for (int y = 0; y < img.height(); ++y)
+            for (int x = 0; x < img.width(); ++x) ink += img.pixelColor(x, y) != bg ? 1 : 0;
+        QVERIFY2(ink > 10, qPrintable(QString::number(ink)));
     }
 
     void glassTakesTheClicks() {

@@ -39,7 +39,8 @@ void XElidedLabel::paintEvent(QPaintEvent* e) {
     const QRect r = contentsRect();
     int y = r.top() + 2;
     for (const QString& line : shownLines()) {
-        p.drawText(QRect(r.left(), y, r.width(), fm.lineSpacing()), Qt::AlignHCenter | Qt::AlignTop, line);
+        // Not clipped to the line: an underscore hangs below the line height in some fonts.
+        p.drawText(QRect(r.left(), y, r.width(), fm.lineSpacing()), Qt::AlignHCenter | Qt::AlignTop | Qt::TextDontClip, line);
         y += fm.lineSpacing();
     }
 }

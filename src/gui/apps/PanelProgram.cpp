@@ -4,9 +4,11 @@
 #include "base/log/Logger.h"
 #include "gui/tools/XTools.h"
 
+#include <algorithm>
 #include <QCheckBox>
 #include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -47,6 +49,10 @@ PanelProgram::PanelProgram(QWidget* parent) : tav::XPanel(parent, tav::XPanel::V
 
     editEnvironment_ = lineRow("Environment");
     editToolTip_ = lineRow("ToolTip");
+    int widest = 0;
+    for (QLabel* l : labels_) widest = std::max(widest, l->sizeHint().width());
+    for (QLabel* l : labels_) l->setMinimumWidth(widest);
+    setIconButton(QString());
 }
 
 tav::XPanel* PanelProgram::row(const char* label) {
@@ -54,13 +60,17 @@ tav::XPanel* PanelProgram::row(const char* label) {
     QLabel* l = r->createLabel(xt(label));
     l->setMinimumWidth(100);
     l->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    labels_.push_back(l);
     return r;
 }
 
 QLineEdit* PanelProgram::lineRow(const char* label) { return row(label)->createLineEdit(); }
 
 void PanelProgram::setIconButton(const QString& path) {
-    buttonIcon_->setIcon(QIcon(path));
+    // Without an icon of its own the button shows a picture, so it can be seen and clicked.
+    const QIcon own = QFileInfo::exists(path) ? QIcon(path) : QIcon();
+    const bool usable = !own.isNull() && !own.pixmap(24).isNull();
+    buttonIcon_->setIcon(usable ? own : tav::XTools::getIcon(QStringLiteral("picture.svg")));
 }
 
 void PanelProgram::from_app(const XApp& app) {

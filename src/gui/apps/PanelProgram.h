@@ -4,10 +4,13 @@
 #include "gui/panel/XPanel.h"
 #include "src/gui/apps/XApp.h"
 
+#include <vector>
+
 class QCheckBox;
 class QLineEdit;
 class QPushButton;
 class QToolButton;
+class QLabel;
 
 namespace tavFinder {
 
@@ -35,6 +38,7 @@ public:
     QCheckBox* checkShowOutput() const { return checkShowOutput_; }
 
 private:
+    std::vector<QLabel*> labels_;   // one width for all: the fields line up in every language
     tav::XPanel* row(const char* label);
     QLineEdit* lineRow(const char* label);
     void setIconButton(const QString& path);

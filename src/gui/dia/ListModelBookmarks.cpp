@@ -20,7 +20,10 @@ QVariant ListModelBookmarks::data(const QModelIndex& index, int role) const {
     const Bookmark& bm = list_.at(index.row());
     switch (role) {
     case Qt::DisplayRole:
-        return bm.title;
+        // Two bookmarks may share a title: the path under it tells them apart.
+        return bm.path.isEmpty() || bm.path == bm.title ? bm.title : bm.title + QLatin1Char('\n') + bm.path;
+    case Qt::ToolTipRole:
+        return bm.path;
     case Qt::DecorationRole:
         return tav::XTools::get_file_icon_association(QFileInfo(bm.path));
     case Qt::BackgroundRole:

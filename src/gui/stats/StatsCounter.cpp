@@ -27,6 +27,8 @@ struct DelimiterSet {
     std::unique_ptr<bool[]> is;
 };
 
+constexpr ptrdiff_t kPiece = 1 << 20;
+
 template <typename F>
 bool forEachLine(const std::atomic<bool>& running, tav::XLineReaderDA& reader, F onLine) {
     tav::XLineReaderDA::Window w;
@@ -38,6 +40,16 @@ bool forEachLine(const std::atomic<bool>& running, tav::XLineReaderDA& reader, F
             if (!running.load()) return false;
             const char* nl = static_cast<const char*>(std::memchr(p, '\n', size_t(end - p)));
             const char* le = nl ? nl : end;
+            // A long line goes in pieces of 1 MiB (cut between characters): as one string
+            // a 100 MiB line took several times its size in memory.
+            while (le - p > kPiece) {
+                const char* cut = p + kPiece;
+                while (cut > p && (static_cast<unsigned char>(*cut) & 0xC0) == 0x80) --cut;
+                if (cut == p) cut = p + kPiece;
+                onLine(QString::fromUtf8(p, int(cut - p)));
+                p = cut;
+                if (!running.load()) return false;
+            }
             onLine(QString::fromUtf8(p, int(le - p)));
             p = nl ? nl + 1 : end;
         }
