@@ -14,7 +14,7 @@ constexpr size_t kSearchWindow = size_t(128) << 10;
 
 FindThread::FindThread(FindThread&& o) noexcept
     : tav::XLightweightThread(std::move(o)), pTavFind(o.pTavFind), pController(o.pController), stats(o.stats),
-      contentFilter(std::move(o.contentFilter)), index(o.index) {}
+      contentFilter(std::move(o.contentFilter)), index(o.index), bytesInFile(o.bytesInFile.load()) {}
 
 FindThread::~FindThread() { stopAndWait(); }
 
@@ -60,13 +60,21 @@ void FindThread::runCustom() {
                 tav::XFindStats::add(stats.countFiles, 1);
                 pTavFind->bytesToRead += uint64_t(reader_.getMemorySize());
             }
-            // Searching first lets a big file's lines be counted while its windows pass by.
-            tav::find::XRamLayer layer = contentFilter.find(0, reader_);
+            // Searching first lets a big file's lines be counted while its windows pass by;
+            // the watch gives progress inside the file and stops it at a cancel.
+            tav::find::XContentFilter::WindowWatch watch;
+            watch.keepGoing = [this]() { return pController->isFlag(tav::AbstractThread::RUNNING); };
+            watch.bytesDone = &bytesInFile;
+            tav::find::XRamLayer layer = contentFilter.find(0, reader_, &watch);
             contentFilter.seekHome();
+            if (watch.stopped) tav::log(32, "FindThread::runCustom, cancelled inside <<<$>>>", path);
             if (reader_.readError())   // the hits before the error still count
                 tav::log(4, "FindThread::runCustom, read error in <<<$>>> ($)", path,
                          QString::fromLocal8Bit(std::strerror(reader_.readError())));
-            tav::XFindStats::add(stats.countBytes, reader_.getMemorySize());
+            // The file's bytes move from "in this file" to the totals (only what was read when cancelled).
+            const uint64_t read = watch.stopped ? bytesInFile.load() : uint64_t(reader_.getMemorySize());
+            bytesInFile = 0;
+            tav::XFindStats::add(stats.countBytes, read);
             if (pTavFind->flagCountLines) tav::XFindStats::add(stats.countLines, reader_.countLines());
             reader_.close();
             if (layer) {

@@ -7,6 +7,7 @@
 #include "base/io/XLineReaderDA.h"
 #include "base/thread/XThread.h"
 
+#include <atomic>
 #include <cstdint>
 
 namespace tavFinder {
@@ -21,6 +22,8 @@ public:
     tav::XFindStats stats;                       // countFiles, countLines, countBytes
     tav::find::XContentFilter contentFilter;     // this worker's own copy
     uint32_t index = uint32_t(-1);
+    // Bytes of the file being searched so far (added to the totals when it is done).
+    std::atomic<uint64_t> bytesInFile{0};
 
     FindThread() = default;
     // Workers are kept by value; they move only while idle.

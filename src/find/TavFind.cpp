@@ -122,15 +122,48 @@ bool TavFind::start_search() {
         return false;
     }
     tav::log(32, "TavFind2::start_search()");
-    // A stopped search may still be finishing its files; its workers are rebuilt below.
-    pController->waitDone(-1);
-    pController->ini(this);
-    tav::XThreadPool::start_global(pController.get(), false);
-    tav::log(32, "TavFind2::~start_search");
+    if (startQueued_) return false;   // the start already queued takes the new files
+    if (!pController->waitDone(0)) {
+        // A stopped search ends after its current window; the caller (the GUI thread)
+        // does not wait for that.
+        tav::log(32, "TavFind2::start_search - queued behind the ending search");
+        startQueued_ = true;
+        queueStart();
+        return true;
+    }
+    startNow();
     return true;
 }
 
+void TavFind::queueStart() {
+    std::weak_ptr<int> alive = alive_;
+    tav::run_in_gui_thread(
+        [this, alive]() {
+            if (alive.expired() || !startQueued_) return;
+            if (!pController->waitDone(0)) {
+                queueStart();
+                return;
+            }
+            startQueued_ = false;
+            startNow();
+        },
+        5);
+}
+
+void TavFind::startNow() {
+    pController->ini(this);
+    tav::XThreadPool::start_global(pController.get(), false);
+    tav::log(32, "TavFind2::~start_search");
+}
+
 void TavFind::stop_search() {
+    if (startQueued_) {
+        // The queued search never starts; it still ends with its one call of the listeners.
+        tav::log(32, "TavFind::stop_search - queued start dropped");
+        startQueued_ = false;
+        notifyDone();
+        return;
+    }
     if (pController->isFlag(tav::AbstractThread::RUNNING)) {
         tav::log(32, "TavFind::stop_search - will stop now");
         pController->setRunning(false);
@@ -208,7 +241,7 @@ std::vector<FileResult> TavFind::find(const std::vector<QFileInfo*>& files, cons
 
 uint64_t TavFind::getBytesRead() const {
     uint64_t sum = 0;
-    for (const FindThread& t : pController->arThreads) sum += t.stats.countBytes.load();
+    for (const FindThread& t : pController->arThreads) sum += t.stats.countBytes.load() + t.bytesInFile.load();
     return sum;
 }
 

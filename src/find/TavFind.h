@@ -69,9 +69,13 @@ public:
     void endFeed();
     // Starts the search; while one runs, this stops it instead. True when a
     // search was started (each one ends with exactly one call of the listeners).
+    // A stopped search that is still ending its current window is not waited for:
+    // the new one starts from the event loop as soon as it is over.
     bool start_search();
-    // Asks a running search to stop (the files being searched are finished first).
+    // Asks a running search to stop (each worker ends after its current read window).
     void stop_search();
+    // A start waiting for a stopped search to end.
+    bool isStartQueued() const { return startQueued_; }
     bool isRunning() const;
     // Blocks until the controller has ended; ms < 0 without limit.
     bool waitDone(int ms = -1);
@@ -121,6 +125,9 @@ public:
     void notifyDone();
 
 private:
+    void startNow();
+    void queueStart();
+    bool startQueued_ = false;
     void wakeWaitingWorkers();
     std::shared_ptr<int> alive_;
     std::atomic<size_t> countFiles_{0};

@@ -232,8 +232,9 @@ void WinFinder::on_find_dir_scanned() {
         listsInSearch_.push_back(dirInfo.filtered_files_owner());
         pTavFind->prepareFiles(dirInfo.ar_filtered_files, dirInfo.ar_filtered_sizes);
         if (pTavFind->start_search()) {
-            // start_search waited for any earlier search: only the new list is read now.
-            listsInSearch_.erase(listsInSearch_.begin(), listsInSearch_.end() - 1);
+            // Started at once, no earlier search reads its list any more; a start queued
+            // behind an ending search keeps the older lists until that one is over.
+            if (!pTavFind->isStartQueued()) listsInSearch_.erase(listsInSearch_.begin(), listsInSearch_.end() - 1);
             ++contentPending_;
         }
         return;

@@ -1,12 +1,15 @@
 #include "base/dir/XDirInfo.h"
 #include "common/TestEnv.h"
 
+#include "base/io/XLineReaderDA.h"
 #include "base/util/Format.h"
 #include "src/find/TavFind.h"
 #include "src/find/ThreadControllerFind.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QElapsedTimer>
+#include <atomic>
 #include <QtTest>
 #include <linux/capability.h>
 #include <sys/stat.h>
@@ -348,6 +351,95 @@ private slots:
         QVERIFY(tf.countResults() < files.size());
         QVERIFY(!tf.isRunning());
         QCOMPARE(logs.count(QStringLiteral("ThreadControllerFind::~runCustom, file hits:")), 2);
+    }
+
+    void cancelInsideAFileWindowByWindow() {
+        // A file of many read windows: progress is reported per window, and a "no" from
+        // the watch ends the file's search after the window it came in.
+        tftest::TestDir d;
+        const QByteArray line = QByteArray("hay ").repeated(60) + "needle\n";
+        const QString path = d.file(QStringLiteral("big.log"), line.repeated(40000));   // ~9.8 MB
+        tav::find::XContentFilter filter = filterFor(QStringLiteral("needle"));
+        tav::XLineReaderDA reader;
+        reader.setWindowSizes(size_t(128) << 10, tav::XLineReaderDA::DEFAULT_WINDOW);
+        QVERIFY(reader.openFile(path, 0x10000, true));
+        std::atomic<uint64_t> bytes{0};
+        int windows = 0;
+        std::vector<uint64_t> seen;
+        tav::find::XContentFilter::WindowWatch watch;
+        watch.bytesDone = &bytes;
+        watch.keepGoing = [&]() {
+            seen.push_back(bytes.load());
+            return ++windows < 3;
+        };
+        const tav::find::XRamLayer cut = filter.find(0, reader, &watch);
+        QVERIFY(watch.stopped);
+        QCOMPARE(windows, 3);
+        QVERIFY(seen[0] > 0 && seen[1] > seen[0] && seen[2] > seen[1]);   // grows inside the file
+        QVERIFY(bytes.load() < uint64_t(QFileInfo(path).size()) / 4);
+        QVERIFY(cut.size() > 0 && cut.size() < 40000 / 4);   // the hits of the windows read
+        // Without a stop: every byte once, every hit.
+        reader.close();
+        QVERIFY(reader.openFile(path, 0x10000, true));
+        bytes = 0;
+        watch.keepGoing = []() { return true; };
+        filter.seekHome();
+        QCOMPARE(filter.find(0, reader, &watch).size(), 40000);
+        QVERIFY(!watch.stopped);
+        QCOMPARE(bytes.load(), uint64_t(QFileInfo(path).size()));
+    }
+
+    void secondStartDuringACancelDoesNotHoldTheCaller() {
+        tftest::TestDir d;
+        std::vector<QFileInfo> infos;
+        for (int i = 0; i < 40; ++i) infos.emplace_back(d.file(QStringLiteral("f%1.txt").arg(i), QByteArray("needle\n")));
+        TavFind tf;
+        tf.maxThreads = 1;
+        tf.setContentFilter(filterFor(QStringLiteral("needle")));
+        int calls = 0;
+        tf.addListener([&]() { ++calls; });
+        // The worker is held after its third file, as a worker inside a slow window would be.
+        std::atomic<bool> release{false};
+        tf.onFileDone = [&]() {
+            if (release.load() || tf.workerStats().countFiles.load() < 3) return;
+            QElapsedTimer t;
+            t.start();
+            while (!release.load() && t.elapsed() < 10000) tav::xSleep(1);
+        };
+        std::vector<QFileInfo*> files = pointersTo(infos);
+        tf.prepareFiles(files);
+        QVERIFY(tf.start_search());
+        QTRY_VERIFY(tf.workerStats().countFiles.load() >= 3);
+        tf.stop_search();
+        files = pointersTo(infos);
+        tf.prepareFiles(files);
+        QElapsedTimer t;
+        t.start();
+        QVERIFY(tf.start_search());
+        QVERIFY2(t.elapsed() < 1000, qPrintable(QString::number(t.elapsed())));   // not the 10 s of the held worker
+        QVERIFY(tf.isStartQueued());
+        QVERIFY(!tf.start_search());   // a second request joins the queued one
+        release = true;
+        QTRY_COMPARE(calls, 2);        // the stopped search, then the new one, each once
+        QVERIFY(!tf.isStartQueued());
+        QCOMPARE(tf.countResults(), size_t(40));
+        // A queued start cancelled before it began still ends with one call.
+        release = false;
+        files = pointersTo(infos);
+        tf.prepareFiles(files);
+        QVERIFY(tf.start_search());
+        QTRY_VERIFY(tf.workerStats().countFiles.load() >= 3);
+        tf.stop_search();
+        files = pointersTo(infos);
+        tf.prepareFiles(files);
+        QVERIFY(tf.start_search() && tf.isStartQueued());
+        tf.stop_search();
+        QVERIFY(!tf.isStartQueued());
+        release = true;
+        QTRY_COMPARE(calls, 4);
+        QTest::qWait(50);
+        QCOMPARE(calls, 4);
+        QVERIFY(!tf.isRunning());
     }
 
     void destroyingARunningSearchWaitsAndStaysSilent() {

@@ -118,7 +118,10 @@ XRamLayer XContentFilter::limit(std::vector<XRam>& marks, uint32_t maxMarks, boo
     return layer;
 }
 
-XRamLayer XContentFilter::find(uint32_t maxMarks, XLineReaderDA& reader) {
+XRamLayer XContentFilter::find(uint32_t maxMarks, XLineReaderDA& reader) { return find(maxMarks, reader, nullptr); }
+
+XRamLayer XContentFilter::find(uint32_t maxMarks, XLineReaderDA& reader, WindowWatch* watch) {
+    if (watch) watch->stopped = false;
     if (!symbols_ || !reader.isOpen()) {
         std::vector<XRam> none;
         return limit(none, maxMarks, reader.isBinary());
@@ -131,8 +134,18 @@ XRamLayer XContentFilter::find(uint32_t maxMarks, XLineReaderDA& reader) {
     const auto cut = scope_ == SCOPE_FILE ? XLineReaderDA::CUT_LINE : XLineReaderDA::CUT_PARAGRAPH;
     XLineReaderDA::Window w;
     if (reader.firstWindow(cut, w)) {
+        uint64_t counted = 0;   // windows may overlap: progress counts each byte once
         for (;;) {
             search.window(w.data, w.size, w.offset, marks);
+            if (watch) {
+                const uint64_t end = uint64_t(w.offset) + uint64_t(w.size);
+                if (watch->bytesDone && end > counted) watch->bytesDone->fetch_add(end - counted, std::memory_order_relaxed);
+                counted = std::max(counted, end);
+                if (!w.last && watch->keepGoing && !watch->keepGoing()) {
+                    watch->stopped = true;
+                    break;
+                }
+            }
             if (w.last || !reader.nextWindow(cut, w)) break;
         }
     }

@@ -19,7 +19,9 @@
 
 #include <QByteArray>
 #include <QString>
+#include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -79,6 +81,16 @@ public:
     // (0: all of them); the position moves behind the last mark returned.
     // The layer is flagged binary when the reader saw a NUL in its probe.
     XRamLayer find(uint32_t maxMarks, XLineReaderDA& reader);
+    // What a search worker watches while one file passes window by window: the bytes
+    // of each window are added to 'bytesDone' (progress inside big files), and the
+    // search of the file ends after the window where 'keepGoing' says no (a cancel
+    // takes effect inside a 40 GB file, not after it); 'stopped' tells it did.
+    struct WindowWatch {
+        std::function<bool()> keepGoing;
+        std::atomic<uint64_t>* bytesDone = nullptr;
+        bool stopped = false;
+    };
+    XRamLayer find(uint32_t maxMarks, XLineReaderDA& reader, WindowWatch* watch);
     // The same for a text in memory.
     XRamLayer find(uint32_t maxMarks, const QByteArray& text);
 
