@@ -5,6 +5,7 @@
 #include "gui/previews/XThumb.h"
 #include "src/gui/PanThumb.h"
 
+#include <QSemaphore>
 #include <QThreadPool>
 
 namespace tavFinder {
@@ -51,12 +52,14 @@ void ThumbLoader::run() {
     {
         QThreadPool pool;
         pool.setMaxThreadCount(kMaxThreads);
+        // At most kMaxBusy pictures in work: the rest stays queued here, where clear() can drop it.
+        QSemaphore busy(kMaxBusy);
         while (Item item = next()) {
-            while (pool.activeThreadCount() >= kMaxBusy) tav::xSleep(1);
+            busy.acquire();
             ++started_;
-            pool.start([job = item.job]() {
-                if (!X_ASSERT_MSG(job, "thumb == NULL")) return;
-                job->work();
+            pool.start([job = item.job, &busy]() {
+                if (X_ASSERT_MSG(job, "thumb == NULL")) job->work();
+                busy.release();
             });
         }
         pool.waitForDone();

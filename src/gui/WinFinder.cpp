@@ -478,7 +478,8 @@ void WinFinder::quit_application() {
 void WinFinder::quit_the_app() {
     log(32, "WinFinder::quit_the_app");
     for (tav::AbstractWindow* w : tav::XTools::getAbstractWindows(true, false)) tav::XTools::closeAbstractWindow(w);
-    tav::XThreadPool::wait_for_all(-1);
+    // No wait here: searches stop within a read window, and the runtime waits for the
+    // pool's last work once the event loop has ended.
     QCoreApplication::exit(0);
 }
 

@@ -8,6 +8,7 @@
 #include "gui/tools/XTools.h"
 #include "src/gui/config/ConfigTavFinder.h"
 
+#include <QTimer>
 #include <QCheckBox>
 #include <QDateTime>
 #include <QLabel>
@@ -210,14 +211,20 @@ void WinProperties::on_calc_all() {
         spacer_->hide();
         progress_->setValue(0);
         progress_->show();
+        // A cancelled run leaves within one block; never run one object twice, and
+        // never hold the GUI thread for it: try again a moment later.
+        if (std::any_of(threads_.begin(), threads_.end(), [](const ThreadCalc* t) { return t->enabled.load() && t->isActive(); })) {
+            timer_.stop();
+            log(32, "WinProperties::on_calc_all, a cancelled run is still leaving");
+            QPointer<WinProperties> self(this);
+            QTimer::singleShot(20, this, [self]() {
+                if (self) self->on_calc_all();
+            });
+            return;
+        }
         for (size_t i = 0; i < threads_.size(); ++i) {
             ThreadCalc* t = threads_[i];
             if (!t->enabled) continue;
-            // A cancelled run normally leaves within one block; never run one object twice.
-            if (t->isActive() && !t->waitDone(2000)) {
-                log(4, "WinProperties::on_calc_all, $ still busy", t->algoName());
-                continue;
-            }
             t->reset();
             rows_[i].field->clear();
             t->keepRunning = true;
@@ -233,8 +240,6 @@ void WinProperties::on_calc_all() {
     }
     timer_.stop();
     showIdle();
-    // Gives the threads time to leave calc before they may be started again.
-    tav::xSleep(200);
 }
 
 void WinProperties::on_timer_check_progress() {
