@@ -87,7 +87,7 @@ int FindApplication::tavFind(tav::KernelGUI& kernel) {
     // 2: the command line first, so a second start can hand its folder on.
     tav::CommandLine& cl = kernel.commandLine();
     if (!cl.checkKeys()) {
-        log(4, "Keys !");
+        log(tav::LOG_ERROR, "Keys !");
         return 1;
     }
     QString sFile, error;
@@ -104,8 +104,8 @@ int FindApplication::tavFind(tav::KernelGUI& kernel) {
         const QByteArray request = !sFile.isEmpty() || newWindow ? QByteArrayLiteral("open ") + sFile.toUtf8()
                                                                  : QByteArrayLiteral("show");
         const bool done = tav::XInstanceChannel::send(QStringLiteral("tavFind"), request);
-        log(16, "FindApplication::tavFind, running instance asked to '$': $", QString::fromUtf8(request), done);
-        log(4, "ONE-INSTANCE-ONLY!");
+        log(tav::LOG_NAVIGATION, "FindApplication::tavFind, running instance asked to '$': $", QString::fromUtf8(request), done);
+        log(tav::LOG_ERROR, "ONE-INSTANCE-ONLY!");
         kernel.setSaveOnExit(false);
         return 0;
     }
@@ -117,12 +117,12 @@ int FindApplication::tavFind(tav::KernelGUI& kernel) {
     tav::XNode* root = nApp ? nApp->root() : nullptr;
     // 4: also after a damaged configuration (its language is gone with it); the
     // notice in the window then says what happened.
-    if (damagedConfiguration()) log(16, "FindApplication::tavFind, configuration damaged");
+    if (damagedConfiguration()) log(tav::LOG_NAVIGATION, "FindApplication::tavFind, configuration damaged");
     first_run_message(root);
     // 5
     cfg().fromNode(nApp->getCreateNode(QStringLiteral("Config")));
     // 6 (the command line was read before the run guard)
-    log(32, "FindApplication::tavFind <<<$>>>", sFile);
+    log(tav::LOG_TRACE, "FindApplication::tavFind <<<$>>>", sFile);
     // 7
     if (sFile.isEmpty() && cfg().flagUseStartFolder) sFile = cfg().sStartFolder;
     // 8
@@ -133,9 +133,9 @@ int FindApplication::tavFind(tav::KernelGUI& kernel) {
     Bookmarks::load(Bookmarks::get_tree());
     XAppManager::init_file();
     if (!XAppManager::load()) {
-        log(32, "FindApplication::tavFind, XAppManager::load() == false");
+        log(tav::LOG_TRACE, "FindApplication::tavFind, XAppManager::load() == false");
         XAppManager::set_defaults();
-        log(32, "FindApplication::tavFind, XAppManager::load() == false, after defaults");
+        log(tav::LOG_TRACE, "FindApplication::tavFind, XAppManager::load() == false, after defaults");
     }
     // 11: output of started programs goes to the active main window
     WinFinder::register_process_output_consumer();
@@ -166,7 +166,7 @@ int FindApplication::tavFind(tav::KernelGUI& kernel) {
     // a desktop session that ends saves first, in case it does not wait for us.
     tav::XQuitSignals::install([](int) { quit_the_app(); });
     QObject::connect(qApp, &QGuiApplication::commitDataRequest, qApp, [&kernel](QSessionManager&) {
-        log(16, "FindApplication, the desktop session ends: saving");
+        log(tav::LOG_NAVIGATION, "FindApplication, the desktop session ends: saving");
         for (QWidget* w : QApplication::topLevelWidgets())
             if (auto* wf = qobject_cast<WinFinder*>(w)) wf->save_state();
         kernel.save();
@@ -182,7 +182,7 @@ int FindApplication::tavFind(tav::KernelGUI& kernel) {
 void FindApplication::on_instance_request(const QByteArray& request) {
     if (request.startsWith("open ")) {
         const QString path = QString::fromUtf8(request.mid(5));
-        log(16, "FindApplication, open request <<<$>>>", path);
+        log(tav::LOG_NAVIGATION, "FindApplication, open request <<<$>>>", path);
         if (WinFinder* w = WinFinder::new_win(path)) {
             w->raise();
             w->activateWindow();
@@ -190,10 +190,10 @@ void FindApplication::on_instance_request(const QByteArray& request) {
         return;
     }
     if (request != "show") {
-        log(4, "FindApplication, unknown request '$'", QString::fromUtf8(request.left(200)));
+        log(tav::LOG_ERROR, "FindApplication, unknown request '$'", QString::fromUtf8(request.left(200)));
         return;
     }
-    log(16, "FindApplication, show request");
+    log(tav::LOG_NAVIGATION, "FindApplication, show request");
     bool any = false;
     for (QWidget* w : QApplication::topLevelWidgets()) any = any || qobject_cast<WinFinder*>(w);
     if (!any) WinFinder::new_win(QString());
@@ -213,8 +213,8 @@ void FindApplication::quit_the_app() { WinFinder::quit_the_app(); }
 void FindApplication::first_run_message(tav::XNode* root) {
     if (!root || !root->isBool(QStringLiteral("flagSeeIniMessage"), true)) return;
     const auto [code, sLang] = DiaFirstMessage::show_first_message(nullptr);
-    log(32, "$", DiaFirstMessage::result_text(code));
-    log(32, "sLang:$", sLang);
+    log(tav::LOG_TRACE, "$", DiaFirstMessage::result_text(code));
+    log(tav::LOG_TRACE, "sLang:$", sLang);
     if (code != DiaFirstMessage::OK && code != DiaFirstMessage::OK_SAVE) return;
     tav::XTools::set_lang(sLang);
     if (code == DiaFirstMessage::OK_SAVE) {

@@ -22,7 +22,7 @@ bool keysOk(tav::CommandLine& cl, const QString& usage) {
 
 bool exists(const QFileInfo& fi, bool folder, const char* missing) {
     if (folder ? fi.isDir() : fi.isFile()) return true;
-    tav::log(4, missing, fi);
+    tav::log(tav::LOG_ERROR, missing, fi);
     return false;
 }
 

@@ -20,17 +20,17 @@ int dirInfo(tav::KernelGUI& kernel) {
         return 6;
     }
     const QString dir = QFileInfo(QDir::current(), cl.getString(QStringLiteral("open"))).absoluteFilePath();
-    tav::log(32, "Recursive scan <<<$>>>", dir);
+    tav::log(tav::LOG_TRACE, "Recursive scan <<<$>>>", dir);
     tav::XDirInfo di;
     di.flagStatFiles = true;
     int64_t t = tav::getMicroseconds();
     const bool ok = di.scan_dir(dir);
     di.setup_filtered_files(tav::XFileFilter(), true);
-    tav::log(32, "Recursive scan within:$ sec, DirInfo:{$}", tav::formatMicrosecond_as_Sec(tav::getMicroseconds() - t),
+    tav::log(tav::LOG_TRACE, "Recursive scan within:$ sec, DirInfo:{$}", tav::formatMicrosecond_as_Sec(tav::getMicroseconds() - t),
              di.toString());
     t = tav::getMicroseconds();
     const tav::XDirInfo copy(di);
-    tav::log(32, "Copy of DirInfo in $ sec, di:{$}", tav::formatMicrosecond_as_Sec(tav::getMicroseconds() - t),
+    tav::log(tav::LOG_TRACE, "Copy of DirInfo in $ sec, di:{$}", tav::formatMicrosecond_as_Sec(tav::getMicroseconds() - t),
              copy.toString());
     return ok ? 0 : 1;
 }

@@ -93,9 +93,9 @@ int commandStat(tav::KernelGUI& kernel) {
         return 6;
     }
     const QString delim = cl.hasKey(QStringLiteral("delim")) ? cl.getString(QStringLiteral("delim")) : tav::XDelimiter::sDelimAll;
-    tav::log(32, "will read: $", fi);
-    tav::log(32, "max line length: $", lineLenMax);
-    tav::log(32, "show: $", show);
+    tav::log(tav::LOG_TRACE, "will read: $", fi);
+    tav::log(tav::LOG_TRACE, "max line length: $", lineLenMax);
+    tav::log(tav::LOG_TRACE, "show: $", show);
 
     const QString treat = cl.getString(QStringLiteral("treat")).trimmed();
     StatsOptions o;
@@ -107,8 +107,8 @@ int commandStat(tav::KernelGUI& kernel) {
         o.words = true;
         o.wordLen = unsigned(wordLen);
         o.delimiters = delim;
-        tav::log(32, "wordLen '$'", wordLen);
-        tav::log(32, "delim '$'", delim);
+        tav::log(tav::LOG_TRACE, "wordLen '$'", wordLen);
+        tav::log(tav::LOG_TRACE, "delim '$'", delim);
     } else {
         tav::Logger::printToCout(QStringLiteral("--treat must be QChar or Word"));
         return 1;

@@ -24,7 +24,7 @@ int winView(tav::KernelGUI& kernel) {
     if (!text.isEmpty()) {
         filter.setScope(tav::find::XContentFilter::SCOPE_FILE);
         if (filter.createSymbols(text, false)) hits = tavFinder::TavFind().find(fi, filter).layer;
-        else tav::log(8, "winView, problems with expression '$'", text);
+        else tav::log(tav::LOG_REJECTED, "winView, problems with expression '$'", text);
     }
     if (!tavFinder::WinDetails::open_window(fi, hits, filter, cl.getBool(QStringLiteral("stats"), false))) return 1;
     return kernel.exec();

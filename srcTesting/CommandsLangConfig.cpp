@@ -28,18 +28,18 @@ int diaConfig(tav::KernelGUI& kernel) {
     dia.set_gui_from_cfg(cfg());
     dia.resize(600, 400);
     if (!dia.isExecOK(false)) {
-        log(32, "dialog cancelled");
+        log(tav::LOG_TRACE, "dialog cancelled");
         return 0;
     }
-    log(32, "$", dia.config().toString());
+    log(tav::LOG_TRACE, "$", dia.config().toString());
     return 0;
 }
 
 int diaShowFirstMessage(tav::KernelGUI&) {
     tav::Logger::setLogLevelSimple(5);
     const auto [code, sLang] = DiaFirstMessage::show_first_message(nullptr);
-    log(32, "$", DiaFirstMessage::result_text(code));
-    log(32, "sLang:$", sLang);
+    log(tav::LOG_TRACE, "$", DiaFirstMessage::result_text(code));
+    log(tav::LOG_TRACE, "sLang:$", sLang);
     return 0;
 }
 
@@ -60,7 +60,7 @@ int winLang(tav::KernelGUI& kernel) {
         auto cat = tav::XNode::loadFromXml(file, &err);
         if (!cat || cat->type() != QLatin1String("GUI")) {
             if (cat) err = QStringLiteral("unexpected root <%1>").arg(cat->type());
-            log(4, "winLang, <<<$>>> is no catalogue ($)", file, err);
+            log(tav::LOG_ERROR, "winLang, <<<$>>> is no catalogue ($)", file, err);
             return 1;
         }
         tav::XTools::set_catalogue_content(cat.get());

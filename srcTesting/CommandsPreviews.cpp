@@ -59,7 +59,7 @@ int dirPreviewSimple(tav::KernelGUI& kernel) {
     if (cl.getBool(QStringLiteral("select"), false)) {
         dir = QFileDialog::getExistingDirectory(nullptr, QStringLiteral("Folder"), dir);
         if (dir.isEmpty()) {
-            log(32, "no folder selected");
+            log(tav::LOG_TRACE, "no folder selected");
             return 0;
         }
     }
@@ -72,7 +72,7 @@ int dirPreviewSimple(tav::KernelGUI& kernel) {
     tavFinder::PreviewDirSimple* p = preview.get();
     panel->createButton(tav::xt("Deep Info"), [p]() { p->onDeepInfo(); });
     preview->open_file(QFileInfo(dir));
-    log(32, "simple directory preview of '$'", dir);
+    log(tav::LOG_TRACE, "simple directory preview of '$'", dir);
     tav::XTestWindow::setTestingStandard(panel, QStringLiteral("Directory"), 800, 500);
     return kernel.exec();
 }
@@ -91,10 +91,10 @@ int previewAscii(tav::KernelGUI& kernel) {
     panel->add(preview->widget_preview(), 1);
     tav::PreviewAscii* p = preview.get();
     QObject::connect(ruler, &QCheckBox::toggled, [p](bool on) {
-        log(32, "ruler $", on);
+        log(tav::LOG_TRACE, "ruler $", on);
         p->set_ruler(on);
     });
-    if (!preview->open_file(fi)) log(4, "cannot open '$'", fi);
+    if (!preview->open_file(fi)) log(tav::LOG_ERROR, "cannot open '$'", fi);
     tav::XTestWindow::setTestingStandard(panel, QStringLiteral("Text Preview"), 1000, 700);
     return kernel.exec();
 }
@@ -120,7 +120,7 @@ int previewDir(tav::KernelGUI& kernel) {
     QPointer<QPlainTextEdit> sink(events);
     auto report = [sink](const char* what, const QFileInfo& fi) {
         const QString line = tav::fill("$ $", QString::fromLatin1(what), fi);
-        log(32, "preview.dir, $", line);
+        log(tav::LOG_TRACE, "preview.dir, $", line);
         if (sink) sink->appendPlainText(line);
     };
     preview->eventHover().add([report](const QFileInfo& fi) { report("hoover", fi); });
@@ -141,20 +141,20 @@ int previewHex(tav::KernelGUI& kernel) {
     auto preview = std::make_unique<tav::PreviewHex>();
     preview->ini();
     if (cl.getBool(QStringLiteral("flagMemory"), false)) {
-        log(32, "load indirectly via XMem");
+        log(tav::LOG_TRACE, "load indirectly via XMem");
         tav::XMem mem;
         if (!mem.loadMem(fi.absoluteFilePath())) {
-            log(4, "cannot load mem '$'", fi);
+            log(tav::LOG_ERROR, "cannot load mem '$'", fi);
             return 1;
         }
-        log(32, "mem:$", tav::fill("$ bytes", mem.size()));
+        log(tav::LOG_TRACE, "mem:$", tav::fill("$ bytes", mem.size()));
         tav::XMemFile file;
         file.name = fi.absoluteFilePath();
         file.data = mem.bytes();
         preview->set_mem_file(file);
     } else {
-        log(32, "load directly via file");
-        if (!preview->open_file(fi)) log(4, "cannot open '$'", fi);
+        log(tav::LOG_TRACE, "load directly via file");
+        if (!preview->open_file(fi)) log(tav::LOG_ERROR, "cannot open '$'", fi);
     }
     tav::XTestWindow::setTestingStandard(preview->widget_preview(), QStringLiteral("Hex Preview"), 1000, 700);
     return kernel.exec();
@@ -174,7 +174,7 @@ int testThumbs(tav::KernelGUI& kernel) {
     auto loadVisible = [l, guard]() {
         if (!guard) return;
         const QList<tavFinder::PanThumb*> tiles = guard->visibleTiles();
-        log(32, "testThumbs, visible tiles:$", tiles.size());
+        log(tav::LOG_TRACE, "testThumbs, visible tiles:$", tiles.size());
         for (tavFinder::PanThumb* t : tiles) l->add(t);
         l->start();
     };
@@ -183,7 +183,7 @@ int testThumbs(tav::KernelGUI& kernel) {
     tav::XTestWindow::setTestingStandard(thumbs, QStringLiteral("Thumbnails"), 1000, 700);
     thumbs->set_directory(nullptr, dir.absoluteFilePath(), cl.getUInt(QStringLiteral("size"), 128),
                           cl.getBool(QStringLiteral("hiddenFiles"), false));
-    log(32, "testThumbs, '$', tiles:$", dir, thumbs->tiles().size());
+    log(tav::LOG_TRACE, "testThumbs, '$', tiles:$", dir, thumbs->tiles().size());
     thumbs->trigger_thumbs_appear_event();
     return kernel.exec();   // the loader, destroyed first, drops its queue and waits
 }
@@ -247,7 +247,7 @@ int filterProxy(tav::KernelGUI& kernel) {
     view->horizontalHeader()->setStretchLastSection(true);
     QObject::connect(edit, &QLineEdit::textChanged, [proxy](const QString& text) {
         proxy->setFilterWildcard(text);
-        log(32, "filterProxy, filter '$', rows:$", text, proxy->rowCount());
+        log(tav::LOG_TRACE, "filterProxy, filter '$', rows:$", text, proxy->rowCount());
     });
     QObject::connect(column, QOverload<int>::of(&QComboBox::currentIndexChanged),
                      [proxy](int index) { proxy->setFilterKeyColumn(index - 1); });

@@ -32,13 +32,13 @@ int resultFullWindow(tav::KernelGUI& kernel) {
     tavFinder::devcmd::windowCommandSetup();
     const QString sDir = absoluteDir(cl.getString(QStringLiteral("open")));
     const QString sFind = cl.getString(QStringLiteral("find"));
-    log(32, "sDir <<<$>>>", sDir);
-    log(32, "sFind <<<$>>>", sFind);
+    log(tav::LOG_TRACE, "sDir <<<$>>>", sDir);
+    log(tav::LOG_TRACE, "sFind <<<$>>>", sFind);
     if (!tavFinder::devcmd::exists(QFileInfo(sDir), true, "folder <<<$>>> does not exist")) return 1;
     tav::find::XContentFilter filter;
     filter.setScope(tav::find::XContentFilter::SCOPE_FILE);
     if (!filter.createSymbols(sFind, cl.getBool(QStringLiteral("regex"), false))) {
-        log(8, "result_full_Window, problems with expression '$'", sFind);
+        log(tav::LOG_REJECTED, "result_full_Window, problems with expression '$'", sFind);
         return 1;
     }
 
@@ -57,16 +57,16 @@ int resultFullWindow(tav::KernelGUI& kernel) {
     tavFinder::TavFind* pFind = find.get();
     QPointer<tavFinder::PanelResults> guard(panel);
     find->addListener([pFind, guard, sDir, sFind, start]() {
-        log(32, "stats:$", pFind->workerStats().toString());
-        log(32, "$, '$', $ file hits, total hits:$", sDir, sFind, quint64(pFind->countResults()), pFind->countHits());
-        log(32, "search within $ sec", tav::formatMicrosecond_as_Sec(tav::getMicroseconds() - start));
+        log(tav::LOG_TRACE, "stats:$", pFind->workerStats().toString());
+        log(tav::LOG_TRACE, "$, '$', $ file hits, total hits:$", sDir, sFind, quint64(pFind->countResults()), pFind->countHits());
+        log(tav::LOG_TRACE, "search within $ sec", tav::formatMicrosecond_as_Sec(tav::getMicroseconds() - start));
         if (!guard) return;
         guard->setFileResults(pFind->getResults());
         guard->showStack(1);
         if (pFind->hasResults()) guard->on_jump_to_result(0);
     });
     if (!find->start_search()) {
-        log(4, "result_full_Window, the search did not start");
+        log(tav::LOG_ERROR, "result_full_Window, the search did not start");
         return 1;
     }
     // The search, destroyed before the scan whose list it reads, stops and waits.
@@ -82,10 +82,10 @@ int resultScanWindow(tav::KernelGUI& kernel) {
     const QString sPattern = cl.getString(QStringLiteral("sPattern"));
     const QString snPattern = cl.getString(QStringLiteral("snPattern"));
     const bool flagTextFiles = cl.getBool(QStringLiteral("flagTextFiles"), false);
-    log(32, "dir <<<$>>>", dir);
-    log(32, "sPattern <<<$>>>", sPattern);
-    log(32, "snPattern <<<$>>>", snPattern);
-    log(32, "flagTextFiles <<<$>>>", flagTextFiles);
+    log(tav::LOG_TRACE, "dir <<<$>>>", dir);
+    log(tav::LOG_TRACE, "sPattern <<<$>>>", sPattern);
+    log(tav::LOG_TRACE, "snPattern <<<$>>>", snPattern);
+    log(tav::LOG_TRACE, "flagTextFiles <<<$>>>", flagTextFiles);
     if (!tavFinder::devcmd::exists(QFileInfo(dir), true, "folder <<<$>>> does not exist")) return 1;
     tav::XFileFilter ff;
     ff.setPattern(sPattern, false);
@@ -97,7 +97,7 @@ int resultScanWindow(tav::KernelGUI& kernel) {
     tav::XDirInfo dirInfo;
     dirInfo.scan_dir(dir, &ff);
     const tav::XFindStats stats = dirInfo.setup_filtered_files(ff, true);
-    log(32, "stats:$", stats.toString());
+    log(tav::LOG_TRACE, "stats:$", stats.toString());
     std::vector<QFileInfo> files;
     files.reserve(dirInfo.ar_filtered_files.size());
     for (const QFileInfo* fi : dirInfo.ar_filtered_files) files.push_back(*fi);

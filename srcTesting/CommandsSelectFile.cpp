@@ -52,8 +52,8 @@ tav::XNode* dialogNode(tav::KernelGUI& kernel) {
 }
 
 void report(const QString& path) {
-    if (path.isEmpty()) log(32, "dialog cancelled");
-    else log(32, "selected <<<$>>>", path);
+    if (path.isEmpty()) log(tav::LOG_TRACE, "dialog cancelled");
+    else log(tav::LOG_TRACE, "selected <<<$>>>", path);
 }
 
 const QStringList kMultiFilter{QStringLiteral("Text (*.txt *.md *.log)"), QStringLiteral("Images (*.png *.jpg *.svg)"),
@@ -65,19 +65,19 @@ int selectFile(tav::KernelGUI& kernel) {
     tav::XNode* node = dialogNode(kernel);
     auto* panel = new tav::XPanel(nullptr, tav::XPanel::VERTICAL);
     panel->createButton(QStringLiteral("&1 open file"), [node]() {
-        log(32, "Multi Filter, static version");
+        log(tav::LOG_TRACE, "Multi Filter, static version");
         report(tavFinder::DiaSelectFile::getSelectedFile(node, [](tavFinder::DiaSelectFile& d) {
             d.fileDialog()->setNameFilters(kMultiFilter);
         }));
     });
     panel->createButton(QStringLiteral("&2 open file"), [node]() {
-        log(32, "Simple Filter, static version");
+        log(tav::LOG_TRACE, "Simple Filter, static version");
         report(tavFinder::DiaSelectFile::getSelectedFile(node, [](tavFinder::DiaSelectFile& d) {
             d.fileDialog()->setNameFilter(QStringLiteral("Text (*.txt)"));
         }));
     });
     panel->createButton(QStringLiteral("&3 open file"), [node]() {
-        log(32, "Multi Filter, CUSTOM version");
+        log(tav::LOG_TRACE, "Multi Filter, CUSTOM version");
         report(tavFinder::DiaSelectFile::getSelectedFile(node, [](tavFinder::DiaSelectFile& d) {
             d.fileDialog()->setNameFilters(kMultiFilter);
             d.add_preview(new PreviewFileFacts());

@@ -41,18 +41,18 @@ int writeReadTree2(tav::KernelGUI&) {
     const tav::XTree tree = sampleTree();
     const tav::XMem mem = tree.createMem(types);
     if (!mem.isOK()) {
-        log(4, "xtree.writeReadTree2, cannot write the tree: $", mem.errorText());
+        log(tav::LOG_ERROR, "xtree.writeReadTree2, cannot write the tree: $", mem.errorText());
         return 1;
     }
-    log(32, "ramInfo:$", tav::fill("$ bytes", mem.size()));
+    log(tav::LOG_TRACE, "ramInfo:$", tav::fill("$ bytes", mem.size()));
     tav::XTree back;
     if (!tav::XTree::load(mem, types, back)) {
-        log(4, "xtree.writeReadTree2, cannot read the tree back");
+        log(tav::LOG_ERROR, "xtree.writeReadTree2, cannot read the tree back");
         return 1;
     }
     back.show(types, 2, QStringLiteral("tree read back"), true, -1);
     const bool same = back.toString(types) == tree.toString(types);
-    log(same ? 32 : 4, same ? "tree read back equals the tree written" : "tree read back differs from the tree written");
+    log(same ? tav::LOG_TRACE : tav::LOG_ERROR, same ? "tree read back equals the tree written" : "tree read back differs from the tree written");
     return same ? 0 : 1;
 }
 
@@ -61,34 +61,34 @@ int prog(tav::KernelGUI&) {
     const tav::XTypeSupporter& types = tav::XTypeSupporter::basicTypes();
     QTemporaryDir dir;
     if (!dir.isValid()) {
-        log(4, "prog, no temporary folder");
+        log(tav::LOG_ERROR, "prog, no temporary folder");
         return 1;
     }
     const QFileInfo first(dir.filePath(QStringLiteral("tree1.bin")));
     const QFileInfo second(dir.filePath(QStringLiteral("tree2.bin")));
     const tav::XTree tree = sampleTree();
     if (!tree.save_as_compressed_file(first, types)) {
-        log(4, "prog, cannot write '$'", first);
+        log(tav::LOG_ERROR, "prog, cannot write '$'", first);
         return 1;
     }
     tav::XTree back;
     if (!back.load_from_compressed_file(first, types)) {
-        log(4, "prog, cannot read '$'", first);
+        log(tav::LOG_ERROR, "prog, cannot read '$'", first);
         return 1;
     }
     // Written again from what was read: equal files mean nothing was lost on the way.
     if (!back.save_as_compressed_file(second, types)) {
-        log(4, "prog, cannot write '$'", second);
+        log(tav::LOG_ERROR, "prog, cannot write '$'", second);
         return 1;
     }
     const QString md1 = tav::MD5::ofFile(first.absoluteFilePath());
     const QString md2 = tav::MD5::ofFile(second.absoluteFilePath());
-    log(32, "MD5 '$': $, '$': $", first.fileName(), md1, second.fileName(), md2);
+    log(tav::LOG_TRACE, "MD5 '$': $, '$': $", first.fileName(), md1, second.fileName(), md2);
     if (md1.isEmpty() || md1 != md2) {
-        log(4, "MD5 sums differ");
+        log(tav::LOG_ERROR, "MD5 sums differ");
         return 1;
     }
-    log(32, "MD5 sums are equal");
+    log(tav::LOG_TRACE, "MD5 sums are equal");
     return 0;
 }
 

@@ -46,7 +46,7 @@ int appsRun(tav::KernelGUI& kernel) {
     auto* form = panel->add(new tavFinder::PanelProgram(panel));
     form->from_app(app);
     panel->createButton(tav::xt("Execute"), [form]() {
-        log(32, "WinRunProgram::on_exec");
+        log(tav::LOG_TRACE, "WinRunProgram::on_exec");
         tavFinder::XAppRunner::start_program(form->to_app());
     });
     panel->addSpacer();
@@ -61,10 +61,10 @@ int editHistory(tav::KernelGUI&) {
                             QStringLiteral("main"),  QStringLiteral("README*")};
     const std::optional<QStringList> edited = tavFinder::DiaHistory::edit_history(nullptr, words);
     if (!edited) {
-        log(32, "dialog cancelled");
+        log(tav::LOG_TRACE, "dialog cancelled");
         return 0;
     }
-    log(32, "history:$", edited->join(QLatin1Char(',')));
+    log(tav::LOG_TRACE, "history:$", edited->join(QLatin1Char(',')));
     return 0;
 }
 

@@ -42,10 +42,10 @@ QString DiaSelectFile::getSelectedFile(tav::XNode* node, std::function<void(DiaS
     dia.exec();
     const QString path = selectedPath();
     if (path.isEmpty()) {
-        if (tav::XTools::isDebug()) log(32, "XFileDialogMultiPreview::getSelectedFile, Dialog cancelled ...");
+        if (tav::XTools::isDebug()) log(tav::LOG_TRACE, "XFileDialogMultiPreview::getSelectedFile, Dialog cancelled ...");
         return QString();
     }
-    if (tav::XTools::isDebug()) log(32, "XFileDialogMultiPreview::getSelectedFile, selected file '$'", path);
+    if (tav::XTools::isDebug()) log(tav::LOG_TRACE, "XFileDialogMultiPreview::getSelectedFile, selected file '$'", path);
     return path;
 }
 
@@ -55,7 +55,7 @@ void DiaSelectFile::setup(tav::XNode* node) {
     const QString start = node ? node->getString(QStringLiteral("path"), QString()) : QString();
     // 2
     if (fileDialog_) {
-        log(4, "XFileDialogMultiPreview::setup, already setup!");
+        log(tav::LOG_ERROR, "XFileDialogMultiPreview::setup, already setup!");
         return;
     }
     node_ = node;

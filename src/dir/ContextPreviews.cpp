@@ -41,7 +41,7 @@ void ContextPreviews::ini(QWidget* sourceWidget, XContainerPreviews* c) {
     containerGuard_ = c;
     if (!c) return;
     copyListenerId_ = c->copyToSearch().addListener([this](const QString& text) {
-        log(32, "ContextPreviews::ini, context menu, SEL CHANGED :'$'", text);
+        log(tav::LOG_TRACE, "ContextPreviews::ini, context menu, SEL CHANGED :'$'", text);
         if (!sourceWidget_) return;
         auto* win = qobject_cast<WinFinder*>(sourceWidget_->window());
         if (win && win->comboContent()) win->comboContent()->setEditText(text);
@@ -49,7 +49,7 @@ void ContextPreviews::ini(QWidget* sourceWidget, XContainerPreviews* c) {
 }
 
 tav::Preview* ContextPreviews::currentPreview() {
-    if (!gCurrent) log(32, "ContextPreviews::currentPreview - NULLPTR");
+    if (!gCurrent) log(tav::LOG_TRACE, "ContextPreviews::currentPreview - NULLPTR");
     return gCurrent;
 }
 
@@ -78,7 +78,7 @@ void ContextPreviews::select_file(const QFileInfo& fi) {
     candidates_.clear();
     fiCurrent_ = fi;
     if (container_) WinFinder::show_status_for(container_, fi);
-    log(32, "ContextPreviews::select_file '$'", fi);
+    log(tav::LOG_TRACE, "ContextPreviews::select_file '$'", fi);
     if (!container_) return;
 
     tav::Preview* chosen = nullptr;
@@ -97,7 +97,7 @@ void ContextPreviews::select_file(const QFileInfo& fi) {
             chosen = container_->hexPreview();
             if (auto* hex = dynamic_cast<tav::PreviewHex*>(chosen)) hex->set_font_size(cfg().fontSizeHexView);
             if (tav::is_text_file(fi)) {
-                log(32, "ContextPreviews::select_file - IS TEXT FILE !");
+                log(tav::LOG_TRACE, "ContextPreviews::select_file - IS TEXT FILE !");
                 if (tav::Preview* t = container_->textPreview()) chosen = t;
             }
         }
@@ -112,11 +112,11 @@ void ContextPreviews::select_file(const QFileInfo& fi) {
             if (take) candidates_.push_back(p);
         }
         if (!chosen) {
-            log(4, "ContextPreviews@$::select_file, no preview for <<<$>>>", getName(), fi);
+            log(tav::LOG_ERROR, "ContextPreviews@$::select_file, no preview for <<<$>>>", getName(), fi);
             return;
         }
         // 7, 8
-        log(32, "ContextPreviews::select_file, preview '$'", chosen->name());
+        log(tav::LOG_TRACE, "ContextPreviews::select_file, preview '$'", chosen->name());
         auto it = std::find(candidates_.begin(), candidates_.end(), chosen);
         if (it != candidates_.end()) index_ = int(it - candidates_.begin());
     }
@@ -142,49 +142,49 @@ void ContextPreviews::cycle_previews() {
     const size_t rounds = candidates_.size();
     for (size_t round = 0; round < std::max<size_t>(rounds, 1); ++round) {
         if (fiCurrent_.isDir()) {
-            log(32, "ContextPreviews@$::cycle_previews, [$]", getName(), fiCurrent_);
+            log(tav::LOG_TRACE, "ContextPreviews@$::cycle_previews, [$]", getName(), fiCurrent_);
             return;
         }
         if (!QFileInfo::exists(fiCurrent_.absoluteFilePath())) {
-            log(32, "ContextPreviews@$::cycle_previews, <<<$>>> 404", getName(), fiCurrent_);
+            log(tav::LOG_TRACE, "ContextPreviews@$::cycle_previews, <<<$>>> 404", getName(), fiCurrent_);
             return;
         }
         if (index_ == -1 || candidates_.empty() || !container_) return;
         ++index_;
         if (index_ >= int(candidates_.size())) index_ = 0;
         tav::Preview* p = candidates_[size_t(index_)];
-        log(32, "ContextPreviews@$::cycle_previews, <<<$>>>", getName(), fiCurrent_);
-        log(32, "ContextPreviews@$::cycle_previews, preview '$'", getName(), p->type());
+        log(tav::LOG_TRACE, "ContextPreviews@$::cycle_previews, <<<$>>>", getName(), fiCurrent_);
+        log(tav::LOG_TRACE, "ContextPreviews@$::cycle_previews, preview '$'", getName(), p->type());
         prepare(p);
         if (openIn(p)) {
             container_->showPreview(p);
             return;
         }
-        log(32, "ContextPreviews::cycle_previews - PROBLEMS LOADING file");
+        log(tav::LOG_TRACE, "ContextPreviews::cycle_previews - PROBLEMS LOADING file");
     }
 }
 
 void ContextPreviews::set_preview(const QString& type) {
-    log(32, "ContextPreviews::set_preview, name '$'", type);
+    log(tav::LOG_TRACE, "ContextPreviews::set_preview, name '$'", type);
     if (fiCurrent_.isDir()) {
-        log(32, "ContextPreviews@$::set_preview, [$]", getName(), fiCurrent_);
+        log(tav::LOG_TRACE, "ContextPreviews@$::set_preview, [$]", getName(), fiCurrent_);
         return;
     }
     if (!QFileInfo::exists(fiCurrent_.absoluteFilePath())) {
-        log(32, "ContextPreviews@$::set_preview, <<<$>>> 404", getName(), fiCurrent_);
+        log(tav::LOG_TRACE, "ContextPreviews@$::set_preview, <<<$>>> 404", getName(), fiCurrent_);
         return;
     }
     auto it = std::find_if(candidates_.begin(), candidates_.end(), [&type](tav::Preview* p) { return p->type() == type; });
     if (it == candidates_.end() || !container_) return;
     tav::Preview* p = *it;
-    log(32, "ContextPreviews@$::set_preview, <<<$>>>", getName(), fiCurrent_);
-    log(32, "ContextPreviews@$::set_preview, preview '$'", getName(), p->type());
+    log(tav::LOG_TRACE, "ContextPreviews@$::set_preview, <<<$>>>", getName(), fiCurrent_);
+    log(tav::LOG_TRACE, "ContextPreviews@$::set_preview, preview '$'", getName(), p->type());
     prepare(p);
     if (openIn(p)) {
         container_->showPreview(p);
         return;
     }
-    log(32, "ContextPreviews::set_preview - PROBLEMS LOADING file");
+    log(tav::LOG_TRACE, "ContextPreviews::set_preview - PROBLEMS LOADING file");
     cycle_previews();
 }
 

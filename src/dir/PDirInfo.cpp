@@ -21,7 +21,7 @@ void PDirInfo::scan_dir(const QString& dir) {
     const int64_t t0 = tav::getMicroseconds();
     visit(dir);
     running = false;
-    tav::log(32, "PDirInfo::~scan_dir, di:{$}, within $ sec", toString(),
+    tav::log(tav::LOG_TRACE, "PDirInfo::~scan_dir, di:{$}, within $ sec", toString(),
              tav::formatMicrosecond_as_Sec(tav::getMicroseconds() - t0));
 }
 

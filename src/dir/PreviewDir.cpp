@@ -36,7 +36,7 @@ bool PreviewDir::open_file(const QFileInfo& fi) {
 QString PreviewDir::toString() { return tav::fill("$: can handle directories ", name()); }
 
 void PreviewDir::refresh() {
-    log(16, "PreviewDir::refresh");
+    log(tav::LOG_NAVIGATION, "PreviewDir::refresh");
     open_file(file_info());
 }
 
@@ -52,18 +52,18 @@ bool PreviewDir::show_hidden() const { return d->showHidden; }
 ContextPreviews* PreviewDir::context() { return d->context(); }
 
 void PreviewDir::onDeepInfo() {
-    log(32, "PreviewDir::onDeepInfo");
+    log(tav::LOG_TRACE, "PreviewDir::onDeepInfo");
     LimitedPreviewContainer* c = d->limited();
     if (!X_ASSERT_MSG(c, "container_limited_preview == NULL")) return;
     if (AbstractPreviewDir* inner = c->previewDirectory()) {
-        log(32, "PreviewDir::onDeepInfo, prevDir == nullptr");
+        log(tav::LOG_TRACE, "PreviewDir::onDeepInfo, prevDir == nullptr");
         inner->onDeepInfo();
     }
 }
 
 void PreviewDir::on_active_win_view(int view) {
     const char* names[] = {"TABLE", "THUMB"};
-    log(32, "PreviewDir::on_active_win_view, dView:$", (view == 0 || view == 1) ? names[view] : "UNKNOWN_VIEW");
+    log(tav::LOG_TRACE, "PreviewDir::on_active_win_view, dView:$", (view == 0 || view == 1) ? names[view] : "UNKNOWN_VIEW");
     d->onActiveWinView(view);
 }
 

@@ -39,7 +39,7 @@ public:
         page += QStringLiteral("</h3>");
         page += pageTail();
         html = page;
-        log(32, "PreviewDirSimple::DirScannerThread::~runCustom");
+        log(tav::LOG_TRACE, "PreviewDirSimple::DirScannerThread::~runCustom");
     }
     QString path;
     PDirInfo info;
@@ -53,7 +53,7 @@ PreviewDirSimple::~PreviewDirSimple() { scanner_.reset(); }
 
 void PreviewDirSimple::ini() {
     if (panel_) {
-        log(4, "PreviewDirSimple::ini, already called");
+        log(tav::LOG_ERROR, "PreviewDirSimple::ini, already called");
         return;
     }
     panel_ = new tav::XPanel(nullptr, tav::XPanel::VERTICAL, QStringLiteral("PreviewDirSimple"));
@@ -64,7 +64,7 @@ void PreviewDirSimple::ini() {
     browser_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     set_widget(panel_);
     scanner_->addListener([this]() {
-        log(32, "PreviewDirSimple::ini, done");
+        log(tav::LOG_TRACE, "PreviewDirSimple::ini, done");
         scanner_->enableListener(false);
         setPage(scanner_->html);
     });
@@ -133,7 +133,7 @@ bool PreviewDirSimple::open_file(const QFileInfo& fi) {
 QString PreviewDirSimple::toString() { return tav::fill("$: can handle directories ", name()); }
 
 void PreviewDirSimple::refresh() {
-    log(16, "PreviewDirSimple::refresh....");
+    log(tav::LOG_NAVIGATION, "PreviewDirSimple::refresh....");
     open_file(file_info());
 }
 
@@ -149,10 +149,10 @@ void PreviewDirSimple::setScanProgress(std::function<void(const PDirInfo&)> f) {
 }
 
 void PreviewDirSimple::onDeepInfo() {
-    log(32, "PreviewDirSimple::onDeepInfo");
+    log(tav::LOG_TRACE, "PreviewDirSimple::onDeepInfo");
     if (!panel_) ini();
     if (isScanning()) {
-        log(32, "PreviewDirSimple::onDeepInfo - Cancelled");
+        log(tav::LOG_TRACE, "PreviewDirSimple::onDeepInfo - Cancelled");
         scanner_->info.cancel();
         return;
     }

@@ -53,7 +53,7 @@ void XContainerPreviews::addPreview(tav::Preview* p, bool ini, bool addWidget) {
 
 void XContainerPreviews::addStandardPreviews() {
     if (hex_) {
-        log(4, "XContainerPreviews::addStandardPreviews, already called");
+        log(tav::LOG_ERROR, "XContainerPreviews::addStandardPreviews, already called");
         return;
     }
     static const bool filtered = [] {
@@ -74,7 +74,7 @@ void XContainerPreviews::addStandardPreviews() {
 
     text->add_extra_context_menu([this](tav::XMenu& menu, const QString& sel) {
         const bool usable = !sel.isEmpty() && sel.size() < kMaxCopyToSearch;
-        if (!usable) log(32, "PanPreviewAsc::ini - no selection");
+        if (!usable) log(tav::LOG_TRACE, "PanPreviewAsc::ini - no selection");
         menu.addSeparator();
         tav::XMenu* web = menu.createSubMenu(xt("Web Search"));
         for (const tav::XSearchMachine& m : tav::XSearchMachines::get_search_machines(false)) {
@@ -84,7 +84,7 @@ void XContainerPreviews::addStandardPreviews() {
         menu.addSeparator();
         QAction* a = menu.createAction(xt("Copy \u2192 Content Search"), false, false, usable, 200);
         QObject::connect(a, &QAction::triggered, this, [this, sel]() {
-            log(32, "XContainerPreviews::addStandardPreviews, copy to search:'$'", sel);
+            log(tav::LOG_TRACE, "XContainerPreviews::addStandardPreviews, copy to search:'$'", sel);
             set_copy_to_search(sel);
         });
     });
@@ -92,9 +92,9 @@ void XContainerPreviews::addStandardPreviews() {
 }
 
 void XContainerPreviews::set_copy_to_search(const QString& text) {
-    log(32, "XProp_inline::operator='$'", text);
+    log(tav::LOG_TRACE, "XProp_inline::operator='$'", text);
     if (copyToSearch_.value() == text) return;
-    log(32, "XProp_inline::operator, FIRE EVENT");
+    log(tav::LOG_TRACE, "XProp_inline::operator, FIRE EVENT");
     copyToSearch_.set(text);
 }
 
@@ -141,7 +141,7 @@ tav::Preview* XContainerPreviews::previewByExtension(const QString& ext) const {
 
 tav::Preview* XContainerPreviews::previewByWidget(QWidget* w) const {
     if (!w) {
-        log(4, "XContainerFilePreviews::previewByWidget, widget == nullptr");
+        log(tav::LOG_ERROR, "XContainerFilePreviews::previewByWidget, widget == nullptr");
         return nullptr;
     }
     for (auto& [ext, p] : table_)

@@ -39,7 +39,7 @@ void FindThread::runCustom() {
             const bool statWhenOpen = !sizeFromScan && pTavFind->workersStat;
             if (!sizeFromScan && !statWhenOpen) {
                 if (!file->isFile()) {
-                    tav::log(32, "FindThread::runCustom, IS NOT A FILE <<<$>>>", *file);
+                    tav::log(tav::LOG_TRACE, "FindThread::runCustom, IS NOT A FILE <<<$>>>", *file);
                     continue;
                 }
                 size = file->size();
@@ -53,7 +53,7 @@ void FindThread::runCustom() {
             const bool opened = sizeFromScan ? reader_.openFile(path, 0x10000, true, uint64_t(size))
                                              : reader_.openFile(path, 0x10000, true);
             if (!opened) {
-                tav::log(statWhenOpen ? 32 : 4, "FindThread::runCustom, problems with <<<$>>>", path);
+                tav::log(statWhenOpen ? tav::LOG_TRACE : tav::LOG_ERROR, "FindThread::runCustom, problems with <<<$>>>", path);
                 continue;
             }
             if (statWhenOpen) {
@@ -67,9 +67,9 @@ void FindThread::runCustom() {
             watch.bytesDone = &bytesInFile;
             tav::find::XRamLayer layer = contentFilter.find(0, reader_, &watch);
             contentFilter.seekHome();
-            if (watch.stopped) tav::log(32, "FindThread::runCustom, cancelled inside <<<$>>>", path);
+            if (watch.stopped) tav::log(tav::LOG_TRACE, "FindThread::runCustom, cancelled inside <<<$>>>", path);
             if (reader_.readError())   // the hits before the error still count
-                tav::log(4, "FindThread::runCustom, read error in <<<$>>> ($)", path,
+                tav::log(tav::LOG_ERROR, "FindThread::runCustom, read error in <<<$>>> ($)", path,
                          QString::fromLocal8Bit(std::strerror(reader_.readError())));
             // The file's bytes move from "in this file" to the totals (only what was read when cancelled).
             const uint64_t read = watch.stopped ? bytesInFile.load() : uint64_t(reader_.getMemorySize());

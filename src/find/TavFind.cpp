@@ -61,9 +61,9 @@ void TavFind::prepareFiles(std::vector<QFileInfo*>& files, std::vector<int64_t>&
         workersStat = false;
         countFiles_ = arTextFiles.size();
     }
-    tav::log(32, "TavFind2::prepareFiles, arTextFiles:$", quint64(arTextFiles.size()));
+    tav::log(tav::LOG_TRACE, "TavFind2::prepareFiles, arTextFiles:$", quint64(arTextFiles.size()));
     bytesToRead = sumSizes(arTextFiles, arSizes);
-    tav::log(32, "TavFind2::prepareFiles, bytesToRead:$", tav::format1000(bytesToRead.load()));
+    tav::log(tav::LOG_TRACE, "TavFind2::prepareFiles, bytesToRead:$", tav::format1000(bytesToRead.load()));
 }
 
 void TavFind::beginFeed() {
@@ -98,7 +98,7 @@ void TavFind::endFeed() {
         std::lock_guard<std::mutex> l(mutexIndex);
         feedOpen = false;
     }
-    tav::log(32, "TavFind::endFeed, files:$, bytesToRead:$", quint64(countFiles_.load()), tav::format1000(bytesToRead.load()));
+    tav::log(tav::LOG_TRACE, "TavFind::endFeed, files:$, bytesToRead:$", quint64(countFiles_.load()), tav::format1000(bytesToRead.load()));
     condFeed.notify_all();
 }
 
@@ -113,20 +113,20 @@ bool TavFind::isRunning() const { return pController->isFlag(tav::AbstractThread
 bool TavFind::waitDone(int ms) { return pController->waitDone(ms); }
 
 bool TavFind::start_search() {
-    tav::log(32, "TavFind2::start_search, arTextFiles:$", quint64(arTextFiles.size()));
+    tav::log(tav::LOG_TRACE, "TavFind2::start_search, arTextFiles:$", quint64(arTextFiles.size()));
     if (pController->isFlag(tav::AbstractThread::RUNNING)) {
         // A start request during a search stops it; nothing new is started.
-        tav::log(32, "TavFind2::start_search - RUNNING");
+        tav::log(tav::LOG_TRACE, "TavFind2::start_search - RUNNING");
         pController->setRunning(false);
         wakeWaitingWorkers();
         return false;
     }
-    tav::log(32, "TavFind2::start_search()");
+    tav::log(tav::LOG_TRACE, "TavFind2::start_search()");
     if (startQueued_) return false;   // the start already queued takes the new files
     if (!pController->waitDone(0)) {
         // A stopped search ends after its current window; the caller (the GUI thread)
         // does not wait for that.
-        tav::log(32, "TavFind2::start_search - queued behind the ending search");
+        tav::log(tav::LOG_TRACE, "TavFind2::start_search - queued behind the ending search");
         startQueued_ = true;
         queueStart();
         return true;
@@ -153,23 +153,23 @@ void TavFind::queueStart() {
 void TavFind::startNow() {
     pController->ini(this);
     tav::XThreadPool::start_global(pController.get(), false);
-    tav::log(32, "TavFind2::~start_search");
+    tav::log(tav::LOG_TRACE, "TavFind2::~start_search");
 }
 
 void TavFind::stop_search() {
     if (startQueued_) {
         // The queued search never starts; it still ends with its one call of the listeners.
-        tav::log(32, "TavFind::stop_search - queued start dropped");
+        tav::log(tav::LOG_TRACE, "TavFind::stop_search - queued start dropped");
         startQueued_ = false;
         notifyDone();
         return;
     }
     if (pController->isFlag(tav::AbstractThread::RUNNING)) {
-        tav::log(32, "TavFind::stop_search - will stop now");
+        tav::log(tav::LOG_TRACE, "TavFind::stop_search - will stop now");
         pController->setRunning(false);
         wakeWaitingWorkers();
     } else {
-        tav::log(32, "TavFind::stop_search - not running");
+        tav::log(tav::LOG_TRACE, "TavFind::stop_search - not running");
     }
 }
 
@@ -210,11 +210,11 @@ void TavFind::notifyDone() {
 FileResult TavFind::find(const QFileInfo& file, tav::find::XContentFilter& filter) {
     filter.seekHome();
     FileResult result;
-    if (!file.isFile()) tav::log(32, "TavFind::find, IS NOT A FILE <<<$>>>", file);
+    if (!file.isFile()) tav::log(tav::LOG_TRACE, "TavFind::find, IS NOT A FILE <<<$>>>", file);
     if (file.size() == 0) return result;
     tav::XLineReaderDA reader;
     if (!reader.openFile(file.absoluteFilePath(), 0x10000, true)) {
-        tav::log(4, "TavFind::find, problems with <<<$>>>", file.absoluteFilePath());
+        tav::log(tav::LOG_ERROR, "TavFind::find, problems with <<<$>>>", file.absoluteFilePath());
         return result;
     }
     result.layer = filter.find(0, reader);

@@ -17,7 +17,7 @@ void ThreadControllerFind::ini(TavFind* p) {
         arResults.clear();
     }
     max_thread = p ? p->maxThreads : 0;
-    tav::log(32, "ThreadControllerFind::ini, max_thread:$", max_thread);
+    tav::log(tav::LOG_TRACE, "ThreadControllerFind::ini, max_thread:$", max_thread);
     if (max_thread == 0) return;
     arThreads.reserve(max_thread);
     for (uint32_t i = 0; i < max_thread; ++i) arThreads.emplace_back();
@@ -36,8 +36,8 @@ void ThreadControllerFind::addResult(FileResult&& r) {
 }
 
 void ThreadControllerFind::runCustom() {
-    tav::log(32, "ThreadControllerFind::runCustom");
-    tav::log(32, "ThreadControllerFind::runCustom, arThreads.size():$", quint64(arThreads.size()));
+    tav::log(tav::LOG_TRACE, "ThreadControllerFind::runCustom");
+    tav::log(tav::LOG_TRACE, "ThreadControllerFind::runCustom, arThreads.size():$", quint64(arThreads.size()));
     if (!X_ASSERT_MSG(pTavFind, "tavFind == NULL")) return;
     pTavFind->indexNext = 0;
     pTavFind->countActive = uint32_t(arThreads.size());
@@ -46,7 +46,7 @@ void ThreadControllerFind::runCustom() {
         std::unique_lock<std::mutex> l(pTavFind->mutexActive);
         while (pTavFind->countActive.load() != 0) pTavFind->condActive.wait_for(l, std::chrono::milliseconds(10));
     }
-    tav::log(32, "ThreadControllerFind::~runCustom, file hits:$", quint64(arResults.size()));
+    tav::log(tav::LOG_TRACE, "ThreadControllerFind::~runCustom, file hits:$", quint64(arResults.size()));
     pTavFind->notifyDone();
 }
 

@@ -28,33 +28,33 @@ tav::XTree& get_tree() {
 }
 
 void load(tav::XTree& tree) {
-    log(32, "Bookmarks::load");
+    log(tav::LOG_TRACE, "Bookmarks::load");
     const QFileInfo fi = tav::XTools::get_absolute_config_file_path(QLatin1String(BOOKMARKS_FILE));
     tav::XMem mem;
     if (!mem.loadMem(fi.absoluteFilePath())) {
-        log(32, "Bookmarks::load - empty ?");
+        log(tav::LOG_TRACE, "Bookmarks::load - empty ?");
         return;
     }
     tav::XTree check;
     if (tav::XTree::load(mem, types(), check)) {
-        log(32, "Bookmarks::load - ok");
+        log(tav::LOG_TRACE, "Bookmarks::load - ok");
     } else {
         // The next save would write the empty store over it: keep the user's file.
-        log(4, "Bookmarks::load <<<$>>> does not parse, moved aside", fi);
+        log(tav::LOG_ERROR, "Bookmarks::load <<<$>>> does not parse, moved aside", fi);
         tav::moveAside(fi.absoluteFilePath());
     }
     tree = tav::XTree::load(mem, types());
 }
 
 void save(const tav::XTree& tree) {
-    log(32, "Bookmarks::save");
+    log(tav::LOG_TRACE, "Bookmarks::save");
     const QFileInfo fi(tav::XTools::get_absolute_config_dir().absoluteFilePath(QLatin1String(BOOKMARKS_FILE)));
     const tav::XMem mem = tree.createMem(types());
     if (mem.size() == 0 || !mem.isOK()) {
-        log(32, "Bookmarks::save, mem ?");
+        log(tav::LOG_TRACE, "Bookmarks::save, mem ?");
         return;
     }
-    if (!mem.saveToFile(fi.absoluteFilePath(), 0)) log(32, "Bookmarks::save <<<$>>>", fi);
+    if (!mem.saveToFile(fi.absoluteFilePath(), 0)) log(tav::LOG_TRACE, "Bookmarks::save <<<$>>>", fi);
 }
 
 bool contains_bookmark(const tav::XTree& tree, const QString& path) {
@@ -84,7 +84,7 @@ QList<Bookmark> from_tree(const tav::XTree& tree) {
     QList<Bookmark> list;
     const tav::XTreeArray& arr = tree.array(kBookmarks);
     if (arr.size() == 0) {
-        log(32, "Bookmarks::from_tree - empty");
+        log(tav::LOG_TRACE, "Bookmarks::from_tree - empty");
         return list;
     }
     for (const auto& e : arr.elements()) list << Bookmark{e->getString(kTitle), e->getString(kPath)};
@@ -103,10 +103,10 @@ void to_tree(tav::XTree& tree, const QList<Bookmark>& list) {
 
 void add_bookmark(tav::XTree& tree, const Bookmark& bm) {
     if (contains_bookmark(tree, bm.path)) {
-        log(32, "Bookmarks::add_bookmark, '$' => '$', already added !", bm.title, bm.path);
+        log(tav::LOG_TRACE, "Bookmarks::add_bookmark, '$' => '$', already added !", bm.title, bm.path);
         return;
     }
-    log(32, "Bookmarks::add_bookmark, '$' => '$'", bm.title, bm.path);
+    log(tav::LOG_TRACE, "Bookmarks::add_bookmark, '$' => '$'", bm.title, bm.path);
     QList<Bookmark> list = from_tree(tree);
     list << bm;
     to_tree(tree, list);
@@ -114,7 +114,7 @@ void add_bookmark(tav::XTree& tree, const Bookmark& bm) {
 
 void remove_bookmark(tav::XTree& tree, const QString& path) {
     if (!contains_bookmark(tree, path)) {
-        log(32, "Bookmarks::remove_bookmark, '$' ?", path);
+        log(tav::LOG_TRACE, "Bookmarks::remove_bookmark, '$' ?", path);
         return;
     }
     QList<Bookmark> list = from_tree(tree);
@@ -132,7 +132,7 @@ void set_bookmark(tav::XTree& tree, const Bookmark& bm) {
     if (!arr) return;
     for (const auto& e : arr->elements()) {
         if (e->getString(kPath) == bm.path) {
-            log(32, "Bookmarks::set_bookmark, got the right tree");
+            log(tav::LOG_TRACE, "Bookmarks::set_bookmark, got the right tree");
             e->setString(kTitle, bm.title);
             return;
         }

@@ -137,7 +137,7 @@ QVariant FileResultModel::data_simple(const QModelIndex& index, int role) const 
     const QFileInfo& fi = arFiles[row];
     if (role == Qt::DisplayRole) {
         if (index.column() == COL_HITS) {
-            log(4, "FileResultModel::data_simple, SHOULD NOT BE HERE");
+            log(tav::LOG_ERROR, "FileResultModel::data_simple, SHOULD NOT BE HERE");
             return QStringLiteral("0");
         }
         return columnText(fi, index.column());
@@ -163,18 +163,18 @@ void FileResultModel::sort(int column, Qt::SortOrder order) {
 }
 
 void FileResultModel::refreshAll() {
-    log(32, "FileResultModel::refreshAll");
+    log(tav::LOG_TRACE, "FileResultModel::refreshAll");
     beginResetModel();
     endResetModel();
 }
 
 FileResult& FileResultModel::fileResultFromRow(int row) {
     if (basicMode) {
-        log(4, "FileResultModel::fileResultFromRow, row:$ - BASIC MODE VORBIDDEN", row);
+        log(tav::LOG_ERROR, "FileResultModel::fileResultFromRow, row:$ - BASIC MODE VORBIDDEN", row);
         return emptyFileResult();
     }
     if (row < 0 || row >= rowCount() || size_t(row) >= arFileResults.size()) {
-        log(32, "FileResultModel::fileResultFromRow, row:$, but rowCount():$", row, rowCount());
+        log(tav::LOG_TRACE, "FileResultModel::fileResultFromRow, row:$, but rowCount():$", row, rowCount());
         return emptyFileResult();
     }
     return arFileResults[size_t(row)];
@@ -183,7 +183,7 @@ FileResult& FileResultModel::fileResultFromRow(int row) {
 QFileInfo FileResultModel::fromRow(int row) const {
     const size_t n = basicMode ? arFiles.size() : arFileResults.size();
     if (row < 0 || row >= rowCount() || size_t(row) >= n) {
-        log(32, "FileResultModel::fromRow, row:$, but rowCount():$", row, rowCount());
+        log(tav::LOG_TRACE, "FileResultModel::fromRow, row:$, but rowCount():$", row, rowCount());
         return QFileInfo();
     }
     return basicMode ? arFiles[size_t(row)] : arFileResults[size_t(row)].fileInfo;
@@ -191,7 +191,7 @@ QFileInfo FileResultModel::fromRow(int row) const {
 
 uint32_t FileResultModel::hits() const {
     if (basicMode) {
-        log(4, "FileResultModel::hits(), we are in basic mode !");
+        log(tav::LOG_ERROR, "FileResultModel::hits(), we are in basic mode !");
         return 0;
     }
     uint32_t n = 0;

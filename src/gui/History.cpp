@@ -9,11 +9,11 @@ using tav::log;
 
 void History::addFile(const QFileInfo& fi) {
     if (!fi.exists()) {
-        log(4, "History::addFile, <<<$>>> does not exist", fi.filePath());
+        log(tav::LOG_ERROR, "History::addFile, <<<$>>> does not exist", fi.filePath());
         return;
     }
     if (!arFiles.empty() && index + 1 < arFiles.size()) arFiles.erase(arFiles.begin() + index + 1, arFiles.end());
-    if (tav::XTools::isDebug()) log(32, "History::addFile - index:$, count:$", index, count());
+    if (tav::XTools::isDebug()) log(tav::LOG_TRACE, "History::addFile - index:$, count:$", index, count());
     arFiles.push_back(fi);
     index = uint32_t(arFiles.size() - 1);
     updateState();
@@ -21,7 +21,7 @@ void History::addFile(const QFileInfo& fi) {
 
 QFileInfo History::get_prev() {
     if (index == 0) {
-        log(32, "History::get_prev, index == 0");
+        log(tav::LOG_TRACE, "History::get_prev, index == 0");
         return QFileInfo();
     }
     --index;
@@ -31,7 +31,7 @@ QFileInfo History::get_prev() {
 
 QFileInfo History::get_next() {
     if (arFiles.empty() || index + 1 >= arFiles.size()) {
-        log(32, "History::get_next, index == history.arFiles.size()-1");
+        log(tav::LOG_TRACE, "History::get_next, index == history.arFiles.size()-1");
         return QFileInfo();
     }
     ++index;
@@ -44,7 +44,7 @@ void History::setIndex(uint32_t i) {
 }
 
 void History::reset() {
-    log(32, "WinFinder::reset");
+    log(tav::LOG_TRACE, "WinFinder::reset");
     index = 0;
     arFiles.clear();
     listeners_.fire();

@@ -42,7 +42,7 @@ WinFinder::NavigationBar::NavigationBar(WinFinder* win, QWidget* parent)
         if (filterDirs_->isChecked() != on) filterDirs_->setChecked(on);
     });
     refresh_ = createImageButton(WindowBase::icon(QStringLiteral("refresh.svg")), xt("Refresh [ F5 ]"), [this]() {
-        log(16, "WinFinder_navigate::on_refresh");
+        log(tav::LOG_NAVIGATION, "WinFinder_navigate::on_refresh");
         win_->on_refresh();
     });
     editPath_ = add(new QLineEdit(this), 1);

@@ -58,10 +58,10 @@ void PanThumb::setup(WinFinder* win, const QFileInfo& fi, unsigned size) {
     const bool withWindow = win != nullptr;
     eventContextMenu().add([this, w, withWindow]() {
         if (!withWindow) {
-            log(32, "NO WINFINDER");
+            log(tav::LOG_TRACE, "NO WINFINDER");
             return;
         }
-        log(32, "PanelThumbs::set_dirs_and_files - context, ......");
+        log(tav::LOG_TRACE, "PanelThumbs::set_dirs_and_files - context, ......");
         if (w) w->on_contextMenu_rightSide(fi_, nullptr);
     });
 }

@@ -173,7 +173,7 @@ bool PanelResults::eventFilter(QObject* watched, QEvent* event) {
 
 void PanelResults::setFileResults(std::vector<FileResult>& ar) {
     flagContent = true;
-    log(32, "PanelResults::setFileResults, ar.size():$", quint64(ar.size()));
+    log(tav::LOG_TRACE, "PanelResults::setFileResults, ar.size():$", quint64(ar.size()));
     model_->clear();
     model_->setRowCount(int(ar.size()));
     model_->setFileResults(std::move(ar));
@@ -188,7 +188,7 @@ void PanelResults::setFileResults(std::vector<FileResult>& ar) {
 
 void PanelResults::setFileResultsSimple(std::vector<QFileInfo>& ar) {
     flagContent = false;
-    log(32, "PanelResults::setFileResultsSimple, ar.size():$", quint64(ar.size()));
+    log(tav::LOG_TRACE, "PanelResults::setFileResultsSimple, ar.size():$", quint64(ar.size()));
     model_->clear();
     model_->setRowCount(int(ar.size()));
     model_->setFiles(std::move(ar));
@@ -233,7 +233,7 @@ void PanelResults::onTableHeaderSelected(int column) {
     sortColumn_ = column;
     sortAscending_ = ascending;
     tableResult_->setSortColum(column, ascending ? 0 : 1);
-    log(32, "PanelResults::onTableHeaderSelected, column:$, sort:$", column, ascending ? "UP" : "DOWN");
+    log(tav::LOG_TRACE, "PanelResults::onTableHeaderSelected, column:$, sort:$", column, ascending ? "UP" : "DOWN");
     model_->sort(column, ascending);
     model_->refreshAll();
 }
@@ -244,7 +244,7 @@ void PanelResults::on_jump_to_result(int row) {
     const QFileInfo& fi = fr.fileInfo;
     WinFinder::show_status_for(this, fi);
     if (fr.layer.isBinary()) {
-        log(32, "PanelResults::on_jump_to_result, BIN FILE !");
+        log(tav::LOG_TRACE, "PanelResults::on_jump_to_result, BIN FILE !");
         if (tav::Preview* hex = container_->hexPreview()) {
             hex->open_file(fi);
             // The hits marked and the first one in view, as in the text preview.
@@ -268,7 +268,7 @@ void PanelResults::on_jump_to_result(int row) {
         if (auto* hex = dynamic_cast<tav::PreviewHex*>(p)) hex->set_font_size(cfg().fontSizeHexView);
     }
     if (!p) {
-        log(4, "PanelResults::on_jump_to_result, no preview for <<<$>>>", fi);
+        log(tav::LOG_ERROR, "PanelResults::on_jump_to_result, no preview for <<<$>>>", fi);
         return;
     }
     p->set_font(tav::XTools::getMonoFont(cfg().fontSize));
@@ -276,7 +276,7 @@ void PanelResults::on_jump_to_result(int row) {
     if (!ascii) {
         p->open_file(fi);
         container_->showPreview(p);
-        log(4, "PanelResults::on_jump_to_result, previewAscii == nullptr");
+        log(tav::LOG_ERROR, "PanelResults::on_jump_to_result, previewAscii == nullptr");
         return;
     }
     ascii->set_ruler(cfg().flagRuler);
@@ -304,7 +304,7 @@ void PanelResults::on_jump_to_result(int row) {
                 }, 200);
             }
         } else {
-            log(32, "PanelResults::on_jump_to_result, NIX");
+            log(tav::LOG_TRACE, "PanelResults::on_jump_to_result, NIX");
         }
     }
     view->viewport()->update();
@@ -313,7 +313,7 @@ void PanelResults::on_jump_to_result(int row) {
 }
 
 void PanelResults::on_jump_to_result_simple(int row) {
-    log(32, "PanelResults::on_jump_to_result_simple");
+    log(tav::LOG_TRACE, "PanelResults::on_jump_to_result_simple");
     showStack(1);
     const QFileInfo fi = model_->fromRow(row);
     context_->select_file(fi);
@@ -321,20 +321,20 @@ void PanelResults::on_jump_to_result_simple(int row) {
 
 void PanelResults::on_double_click(int row) {
     if (row < 0 || row >= model_->rowCount()) return;
-    log(32, "PanelResults::setup, double click");
+    log(tav::LOG_TRACE, "PanelResults::setup, double click");
     if (flagContent) {
         const FileResult fr = model_->fileResultFromRow(row);
-        log(16, "PanelResults::setup, double click, fileResult <<<$>>>", fr.toString());
+        log(tav::LOG_NAVIGATION, "PanelResults::setup, double click, fileResult <<<$>>>", fr.toString());
         eventOpenResult_.fire(fr);
     } else {
         const QFileInfo fi = model_->fromRow(row);
-        log(32, "PanelResults::setup, double click, fi <<<$>>>", fi);
+        log(tav::LOG_TRACE, "PanelResults::setup, double click, fi <<<$>>>", fi);
         eventOpenFile_.fire(fi);
     }
 }
 
 void PanelResults::on_context_menu(int row) {
-    log(32, "PanelResults::setup, context at row:$, model row count:$", row, model_->rowCount());
+    log(tav::LOG_TRACE, "PanelResults::setup, context at row:$, model row count:$", row, model_->rowCount());
     if (row < 0 || row >= model_->rowCount()) return;
     if (flagContent) eventContextResult_.fire(model_->fileResultFromRow(row));
     else eventContextFile_.fire(model_->fromRow(row));

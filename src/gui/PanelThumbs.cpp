@@ -29,7 +29,7 @@ void PanelThumbs::set_dirs_and_files(WinFinder* win, const std::vector<QFileInfo
     win_ = win;
     size_ = size;
     entries_ = entries;
-    log(32, "PanelThumbs::set_dirs_and_files, ar:$, width/thumb:$", int(entries.size()), size);
+    log(tav::LOG_TRACE, "PanelThumbs::set_dirs_and_files, ar:$, width/thumb:$", int(entries.size()), size);
     for (const QFileInfo& fi : entries) {
         auto* t = new PanThumb(scroll_->panel());
         flow_->addWidget(t);

@@ -105,7 +105,7 @@ void WinDetails::setup_toolbar(tav::XPanel* bar) {
         if (buttonPattern_->isChecked() != on) buttonPattern_->setChecked(on);
     });
     bar->createImageButton(icon(QStringLiteral("fileManager1.svg")), xt("File Manager"), [this]() {
-        log(32, "WinDetails::on_fileManager, fi '$'", fi_);
+        log(tav::LOG_TRACE, "WinDetails::on_fileManager, fi '$'", fi_);
         tav::XTools::showFolderInFileManager(fi_.absoluteFilePath());
     });
     bar->createImageButton(icon(QStringLiteral("minus.svg")), xt("Smaller Font"), [this]() { on_zoom(false); })
@@ -141,7 +141,7 @@ void WinDetails::setup_toolbar(tav::XPanel* bar) {
 void WinDetails::changeEvent(QEvent* e) {
     WindowBase::changeEvent(e);
     if (e->type() != QEvent::WindowStateChange || !buttonFullScreen_) return;
-    log(32, "PanPreviewAsc::ini, fullscreen:$", isFullScreen());
+    log(tav::LOG_TRACE, "PanPreviewAsc::ini, fullscreen:$", isFullScreen());
     buttonFullScreen_->setChecked(isFullScreen());
 }
 
@@ -159,7 +159,7 @@ void WinDetails::on_return() {
 }
 
 void WinDetails::set_file(const QFileInfo& fi, bool stats) {
-    log(32, "WinDetails::set_file");
+    log(tav::LOG_TRACE, "WinDetails::set_file");
     fi_ = fi;
     setWindowTitle(tav::fill("$ - $", fi.fileName(), fi.absolutePath()));
     PanPreview* chosen = nullptr;
@@ -179,12 +179,12 @@ void WinDetails::set_file(const QFileInfo& fi, bool stats) {
         }
     }
     if (stats) {
-        log(32, "WinDetails::set_file - STATS");
+        log(tav::LOG_TRACE, "WinDetails::set_file - STATS");
         chosen = panStats_;
     }
     if (!chosen) chosen = panHex_;
     if (!chosen->preview()->open_file(fi)) {
-        log(32, "WinDetails::set_file - CANNOT open file with:$", chosen->objectName());
+        log(tav::LOG_TRACE, "WinDetails::set_file - CANNOT open file with:$", chosen->objectName());
     }
     if (tabs_->currentWidget() == chosen) on_tab_changed(chosen);
     else tabs_->setCurrentPanel(chosen);
@@ -192,7 +192,7 @@ void WinDetails::set_file(const QFileInfo& fi, bool stats) {
 }
 
 void WinDetails::set_file_result(const FileResult& r, const tav::find::XContentFilter& filter) {
-    log(32, "WinView::set_file_result, fResult:$, filter:$", r.toString(), filter.toString(false));
+    log(tav::LOG_TRACE, "WinView::set_file_result, fResult:$, filter:$", r.toString(), filter.toString(false));
     // Opening a file empties the layers; the hits must go into the file shown.
     tav::Preview* text = panText_->preview();
     if (text->file_info().absoluteFilePath() != r.fileInfo.absoluteFilePath() || !panText_->textView()->hasContent())
@@ -207,18 +207,18 @@ void WinDetails::on_tab_changed(tav::XPanel* panel) {
     tav::Preview* prev = p->preview();
     if (fi_.filePath().isEmpty() || prev->file_info().absoluteFilePath() == fi_.absoluteFilePath()) return;
     if (!prev->open_file(fi_)) {
-        log(32, "WinDetails::on_tab_changed - CANNOT open file with:$", p->objectName());
+        log(tav::LOG_TRACE, "WinDetails::on_tab_changed - CANNOT open file with:$", p->objectName());
         tabs_->setTabEnabled(tabs_->indexOf(p), false);
     }
 }
 
 void WinDetails::on_zoom(bool in) {
-    log(32, "WinDetails::on_zoom");
+    log(tav::LOG_TRACE, "WinDetails::on_zoom");
     if (PanPreview* p = currentPanel()) p->on_zoom(in);
 }
 
 void WinDetails::on_close() {
-    log(32, "WinDetails::on_close");
+    log(tav::LOG_TRACE, "WinDetails::on_close");
     tav::XNode* nWin = nodeWin();
     if (!X_ASSERT_MSG(nWin, "nWin == NULL")) return;
     panText_->to_node(nWin->getCreateNode(QStringLiteral("PreviewAsc")));

@@ -59,7 +59,7 @@ WinFinder::WinFinder(bool) : contextMain_(std::make_unique<ContextPreviews>(QStr
 }
 
 WinFinder::~WinFinder() {
-    log(32, "WinFinder::~WinFinder");
+    log(tav::LOG_TRACE, "WinFinder::~WinFinder");
     timer_.stop();
     // Background work of a search ends before the window's parts go.
     if (thScanDir) thScanDir->dirInfo.flagStop = true;
@@ -83,9 +83,9 @@ QString WinFinder::windowName() const {
 }
 
 void WinFinder::setUp(const QString& selectPath) {
-    log(32, "WinFinder::setUp, sSelectFile '$'", selectPath);
+    log(tav::LOG_TRACE, "WinFinder::setUp, sSelectFile '$'", selectPath);
     if (treeView_) {
-        log(32, "WinFinder::setUp, treeView");
+        log(tav::LOG_TRACE, "WinFinder::setUp, treeView");
         return;
     }
     sSelectFile_ = selectPath;
@@ -132,12 +132,12 @@ void WinFinder::setUp(const QString& selectPath) {
     // 5
     treeView_->eventSelectFile().add([this](const QFileInfo& fi) { on_treeView_selectFile(fi); });
     treeView_->eventDirReload().add([this](const QString& path) {
-        log(32, "WinFinder::setUp - dir reload, '$'", path);
+        log(tav::LOG_TRACE, "WinFinder::setUp - dir reload, '$'", path);
         on_treeView_selectFile(QFileInfo(path));
     });
     treeView_->eventDoubleClick().add([this](const QFileInfo& fi) {
         if (!fi.isFile()) return;
-        log(32, "WinFinder::on_double_click_file, fi <<<$>>>", fi);
+        log(tav::LOG_TRACE, "WinFinder::on_double_click_file, fi <<<$>>>", fi);
         open_stand_alone_preview(fi);
     });
     treeView_->eventContextMenu().add([this](const QFileInfo& fi) { on_contextMenu_treeView(fi); });
@@ -162,7 +162,7 @@ void WinFinder::setUp(const QString& selectPath) {
     if (X_ASSERT_MSG(previewDir, "previewDir == NULL")) {
         previewDir->eventContextMenu().add([this, previewDir](const QFileInfo& fi) { on_contextMenu_rightSide(fi, previewDir); });
         previewDir->eventFileActivated().add([this](const QFileInfo& fi) {
-            log(32, "WinFinder::setUp, doubleClick:$", fi);
+            log(tav::LOG_TRACE, "WinFinder::setUp, doubleClick:$", fi);
             if (fi.isDir()) treeView_->selectFile(fi.absoluteFilePath(), true);
             else open_stand_alone_preview(fi);
         });
@@ -180,7 +180,7 @@ void WinFinder::setUp(const QString& selectPath) {
     findResults_->container()->eventPreviewAppears().add([this](tav::Preview* p) { eventPreviewAppears_.fire(p); });
     eventPreviewAppears_.add([this](tav::Preview* p) {
         if (!p) return;
-        log(32, "WinFinder::setUp, will appear:$", p->name());
+        log(tav::LOG_TRACE, "WinFinder::setUp, will appear:$", p->name());
         apply_preview_settings(p);
     });
 
@@ -191,7 +191,7 @@ void WinFinder::setUp(const QString& selectPath) {
     // 10
     setup_panel_find();
     setup_hotkeys();
-    log(32, "WinFinder::setUp, selectFile:<<<$>>>", selectPath);
+    log(tav::LOG_TRACE, "WinFinder::setUp, selectFile:<<<$>>>", selectPath);
 
     // 11
     treeView_->eventRootChanged().add([this](const QString& path) { on_root_changed(path); });
@@ -205,7 +205,7 @@ void WinFinder::setUp(const QString& selectPath) {
     findResults_->eventContextMenuFile().add([this](const QFileInfo& fi) { on_contextMenu_rightSide(fi, nullptr); });
     findResults_->eventContextMenuFileResult().add([this](const FileResult& fr) { on_contextMenu_fileResult(fr); });
     findResults_->eventOpenFile().add([this](const QFileInfo& fi) {
-        log(32, "WinFinder::setUp, double click for <$>", fi);
+        log(tav::LOG_TRACE, "WinFinder::setUp, double click for <$>", fi);
         open_stand_alone_preview(fi);
     });
     findResults_->eventOpenFileResult().add([this](const FileResult& fr) { on_open_fileResult(fr); });
@@ -249,7 +249,7 @@ void WinFinder::apply_preview_settings(tav::Preview* p) {
 }
 
 void WinFinder::setup_window_appear_first_time(int64_t mc) {
-    log(32, "WinFinder::setup_window_appear_first_time, mc:$, sel: <<<$>>>", tav::formatMicrosecond_as_Sec(mc), sSelectFile_);
+    log(tav::LOG_TRACE, "WinFinder::setup_window_appear_first_time, mc:$, sel: <<<$>>>", tav::formatMicrosecond_as_Sec(mc), sSelectFile_);
     if (!treeView_) return;
     if (!sSelectFile_.isEmpty()) {
         treeView_->selectFile(sSelectFile_, true);
@@ -318,7 +318,7 @@ void WinFinder::show_notice(const QString& text) {
     connect(close, &QToolButton::clicked, frame, &QObject::deleteLater);
     if (auto* box = qobject_cast<QBoxLayout*>(content_->layout())) box->insertWidget(0, frame);
     notice_ = frame;
-    log(4, "WinFinder::show_notice, $", text);
+    log(tav::LOG_ERROR, "WinFinder::show_notice, $", text);
 }
 
 QString WinFinder::damaged_files_notice() {
@@ -331,7 +331,7 @@ QString WinFinder::damaged_files_notice() {
 }
 
 void WinFinder::on_treeView_selectFile(const QFileInfo& fi) {
-    if (tav::XTools::isDebug()) log(32, "WinFinder::on_treeView_selectFile, fi: '$'", fi);
+    if (tav::XTools::isDebug()) log(tav::LOG_TRACE, "WinFinder::on_treeView_selectFile, fi: '$'", fi);
     if (flagAddToHistory && fi.exists()) history_.addFile(fi);
     flagAddToHistory = true;
     const QString abs = fi.absoluteFilePath();
@@ -344,7 +344,7 @@ void WinFinder::on_treeView_selectFile(const QFileInfo& fi) {
 }
 
 void WinFinder::on_root_changed(const QString& path) {
-    log(32, "WinFinder::on_root_changed, is_root:$", treeView_ && treeView_->isAtRoot());
+    log(tav::LOG_TRACE, "WinFinder::on_root_changed, is_root:$", treeView_ && treeView_->isAtRoot());
     cfg().sRootFolder = path;
     update_tree_color();
 }
@@ -365,7 +365,7 @@ QString WinFinder::tree_tooltip(const QFileInfo& fi) const {
 }
 
 void WinFinder::on_hidden_files(bool flag) {
-    log(32, "WinFinder::on_hidden_files, flag:$", flag);
+    log(tav::LOG_TRACE, "WinFinder::on_hidden_files, flag:$", flag);
     tav::XNode* nWin = nodeWin();
     const bool before = nWin ? nWin->isBool(QStringLiteral("flagHiddenFiles"), false) : treeView_->isHiddenFiles();
     if (nWin) nWin->setBool(QStringLiteral("flagHiddenFiles"), flag);
@@ -379,7 +379,7 @@ void WinFinder::on_hidden_files(bool flag) {
 }
 
 void WinFinder::on_open_new_win_here(const QFileInfo& fi) {
-    log(32, "WinFinder::on_open_new_win_here, fi:$", fi);
+    log(tav::LOG_TRACE, "WinFinder::on_open_new_win_here, fi:$", fi);
     auto* w = new WinFinder(true);
     w->init(kernel_, nodeWin());
     w->setupTray();
@@ -389,7 +389,7 @@ void WinFinder::on_open_new_win_here(const QFileInfo& fi) {
 }
 
 WinFinder* WinFinder::new_win(const QString& path) {
-    log(32, "WinFinder::new_win");
+    log(tav::LOG_TRACE, "WinFinder::new_win");
     tav::KernelGUI* k = tav::KernelGUI::instanceGui();
     tav::XNode* nApp = k ? k->getCreateNodeApplication() : nullptr;
     if (!X_ASSERT_MSG(nApp, "nApp == NULL")) return nullptr;
@@ -413,13 +413,13 @@ void WinFinder::open_stand_alone_preview(const QFileInfo& fi) {
 
 void WinFinder::open_stand_alone_preview(const QFileInfo& fi, const tav::find::XRamLayer& layer,
                                          const tav::find::XContentFilter& filter) {
-    log(32, "WinFinder::open_stand_alone_preview, * <<<$>>>, fResult:$", fi, layer.toString());
+    log(tav::LOG_TRACE, "WinFinder::open_stand_alone_preview, * <<<$>>>, fResult:$", fi, layer.toString());
     if (!fi.isFile()) return;
     WinDetails::open_window(fi, layer, filter);
 }
 
 void WinFinder::open_properties(const QFileInfo& fi) {
-    log(32, "WinFinder::open_properties, <<<$>>>", fi);
+    log(tav::LOG_TRACE, "WinFinder::open_properties, <<<$>>>", fi);
     WinProperties::open_window(fi);
 }
 
@@ -451,7 +451,7 @@ void WinFinder::key_cycle_previews(QWidget* widget) {
     ContextPreviews* c = contextOf(widget, contexts_, dir ? dir->widget_preview() : nullptr, &reachedNull, &atTextView);
     if (reachedNull) X_ASSERT_MSG(nullptr, "widget == NULL");
     if (c) c->cycle_previews();
-    else if (atTextView) log(32, "WinFinder::key_cycle_previews, TextView-Result");
+    else if (atTextView) log(tav::LOG_TRACE, "WinFinder::key_cycle_previews, TextView-Result");
 }
 
 void WinFinder::select_preview(QWidget* widget, const QString& previewType) {
@@ -460,7 +460,7 @@ void WinFinder::select_preview(QWidget* widget, const QString& previewType) {
     ContextPreviews* c = contextOf(widget, contexts_, dir ? dir->widget_preview() : nullptr, &reachedNull, &atTextView);
     if (reachedNull) X_ASSERT_MSG(nullptr, "widget == NULL");
     if (!c) {
-        log(32, "WinFinder::select_preview - no contextFocus");
+        log(tav::LOG_TRACE, "WinFinder::select_preview - no contextFocus");
         return;
     }
     c->set_preview(previewType);
@@ -469,14 +469,14 @@ void WinFinder::select_preview(QWidget* widget, const QString& previewType) {
 void WinFinder::quit_application() {
     if (cfg().flagConfirmQuit &&
         !tav::XBox::ask_yes_no(nullptr, tav::xt("Quit Talvo Finder"), tav::xt("Do you want to quit Talvo Finder Application ?"))) {
-        log(32, "WinFinder::quit_application - CANCEL");
+        log(tav::LOG_TRACE, "WinFinder::quit_application - CANCEL");
         return;
     }
     quit_the_app();
 }
 
 void WinFinder::quit_the_app() {
-    log(32, "WinFinder::quit_the_app");
+    log(tav::LOG_TRACE, "WinFinder::quit_the_app");
     for (tav::AbstractWindow* w : tav::XTools::getAbstractWindows(true, false)) tav::XTools::closeAbstractWindow(w);
     // No wait here: searches stop within a read window, and the runtime waits for the
     // pool's last work once the event loop has ended.

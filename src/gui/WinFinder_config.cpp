@@ -29,12 +29,12 @@ void WinFinder::on_config() {
     dia.setGeometry(50, 50, 600, 400);
     // 2
     if (!dia.isExecOK(false)) {
-        log(32, "dia cancel");
+        log(tav::LOG_TRACE, "dia cancel");
         return;
     }
     // 3
     cfg() = dia.config();
-    log(32, "$", cfg().toString());
+    log(tav::LOG_TRACE, "$", cfg().toString());
     // 4: the button of the navigation bar follows the filter switch
     propUseFilter_.set(cfg().flagUseFilter);
     if (treeView_) {
@@ -45,15 +45,15 @@ void WinFinder::on_config() {
     }
     if (container_preview_) container_preview_->setTextFileExtensions(cfg().extSet());
     // 5
-    log(32, cfg().flagDarkTheme ? "WinFinder_config::on_config - DARK THEME" : "WinFinder_config::on_config - STANDARD THEME");
+    log(tav::LOG_TRACE, cfg().flagDarkTheme ? "WinFinder_config::on_config - DARK THEME" : "WinFinder_config::on_config - STANDARD THEME");
     if (cfg().flagDarkTheme != darkBefore) {
         // Windows, icons and pictures are made for one theme: switching them halfway leaves
         // white fields with light text and invisible icons. The new theme comes with the
         // next start (the question below offers it now).
         tav::KernelGUI::setTavStyleAtNextStart(cfg().flagDarkTheme);
         // Cached thumbnails and icons were drawn for the old theme.
-        log(32, "THEME CHANGED !");
-        log(32, "del contents of cache dir");
+        log(tav::LOG_TRACE, "THEME CHANGED !");
+        log(tav::LOG_TRACE, "del contents of cache dir");
         tav::XTools::empty_out_cache_dir();
         tav::XTools::get_create_cache_dir();
     }
@@ -70,9 +70,9 @@ void WinFinder::on_config() {
 }
 
 void WinFinder::on_lang_editor() {
-    log(32, "WinFinder_config::on_lang_editor, current lang:$", tav::XTools::lang());
+    log(tav::LOG_TRACE, "WinFinder_config::on_lang_editor, current lang:$", tav::XTools::lang());
     if (WinLang::isOpen()) {
-        log(4, "WinFinder_config::on_lang_editor, one instance only!");
+        log(tav::LOG_ERROR, "WinFinder_config::on_lang_editor, one instance only!");
         return;
     }
     auto* win = new WinLang(nullptr);

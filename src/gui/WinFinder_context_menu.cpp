@@ -30,14 +30,14 @@ using tav::log;
 using tav::xt;
 
 void WinFinder::on_contextMenu_treeView(const QFileInfo& fi) {
-    log(32, "WinFinder::on_contextMenu_treeView, fi:$", fi);
+    log(tav::LOG_TRACE, "WinFinder::on_contextMenu_treeView, fi:$", fi);
     tav::XMenu menu(this);
     fill_contextMenu(menu, fi, nullptr, true);
     menu.execAt();
 }
 
 void WinFinder::on_contextMenu_rightSide(const QFileInfo& fi, AbstractPreviewDir* previewDir) {
-    log(32, "WinFinder::on_contextMenu_rightSide, fi:$", fi);
+    log(tav::LOG_TRACE, "WinFinder::on_contextMenu_rightSide, fi:$", fi);
     tav::XMenu menu(this);
     fill_contextMenu(menu, fi, previewDir, false);
     menu.execAt();
@@ -96,7 +96,7 @@ void WinFinder::fill_contextMenu(tav::XMenu& menu, const QFileInfo& fi, Abstract
 }
 
 void WinFinder::onContextMenu_rightSide_FileResults(const FileResult& fileResult, const tav::find::XContentFilter& filter) {
-    log(32, "WinFinder::onContextMenu_rightSide_FileResults, fResult:$", fileResult.toString());
+    log(tav::LOG_TRACE, "WinFinder::onContextMenu_rightSide_FileResults, fResult:$", fileResult.toString());
     tav::XMenu menu(this);
     fill_contextMenu_FileResults(menu, fileResult, filter);
     menu.execAt();
@@ -117,19 +117,19 @@ void WinFinder::add_deep_info(tav::XMenu& menu, const QFileInfo& fi, AbstractPre
     menu.addSeparator();
     if (fromTree) {
         menu.createAction(xt("Deep Info"), [this, fi]() {
-            log(32, "WinFinder::on_contextMenu_treeView - deep view");
+            log(tav::LOG_TRACE, "WinFinder::on_contextMenu_treeView - deep view");
             on_deep_view(fi);
         });
         return;
     }
     menu.createAction(xt("Deep Info"), [dir]() {
-        log(32, "WinFinder::on_contextMenu_rightSide - prev dir, deep info");
+        log(tav::LOG_TRACE, "WinFinder::on_contextMenu_rightSide - prev dir, deep info");
         dir->onDeepInfo();
     }, QIcon(), xt("Count files recursively"));
 }
 
 void WinFinder::on_deep_view(const QFileInfo& fi) {
-    log(32, "WinFinder::on_deep_view, fi:$", fi);
+    log(tav::LOG_TRACE, "WinFinder::on_deep_view, fi:$", fi);
     AbstractPreviewDir* dir = container_preview_ ? container_preview_->previewDirectory() : nullptr;
     if (!dir) return;
     // The count runs on the folder the preview shows: the one the menu was opened for.
@@ -139,20 +139,20 @@ void WinFinder::on_deep_view(const QFileInfo& fi) {
 
 void WinFinder::context_menu_fi_path_to_clipboard(tav::XMenu& menu, const QFileInfo& fi) {
     menu.createAction(xt("Copy Path to Clipboard"), [fi]() {
-        log(32, "WinFinder::context_menu_fi_path_to_clipboard");
+        log(tav::LOG_TRACE, "WinFinder::context_menu_fi_path_to_clipboard");
         tav::XClipboard::setText(fi.absoluteFilePath());
     }, WindowBase::icon(QStringLiteral("copy.svg")));
 }
 
 void WinFinder::context_menu_fi_name_to_clipboard(tav::XMenu& menu, const QFileInfo& fi) {
     menu.createAction(xt("Copy Filename to Clipboard"), [fi]() {
-        log(32, "WinFinder::context_menu_fi_name_to_clipboard");
+        log(tav::LOG_TRACE, "WinFinder::context_menu_fi_name_to_clipboard");
         tav::XClipboard::setText(fi.fileName());
     });
 }
 
 void WinFinder::context_menu_webSearchFile(tav::XMenu& menu, const QFileInfo& fi) {
-    log(16, "WinFinder::context_menu_webSearchFile, fi: '$'", fi);
+    log(tav::LOG_NAVIGATION, "WinFinder::context_menu_webSearchFile, fi: '$'", fi);
     tav::XMenu* web = menu.createSubMenu(xt("Web Search"));
     web->addSeparator();
     // Read at every opening, so an edited list applies at once.
@@ -163,7 +163,7 @@ void WinFinder::context_menu_webSearchFile(tav::XMenu& menu, const QFileInfo& fi
 }
 
 void WinFinder::context_menu_bookmark(tav::XMenu& menu, const QFileInfo& fi) {
-    log(32, "WinFinder::context_menu_bookmark");
+    log(tav::LOG_TRACE, "WinFinder::context_menu_bookmark");
     if (Bookmarks::contains_bookmark(Bookmarks::get_tree(), fi.absoluteFilePath())) {
         menu.createAction(xt("Edit Bookmark"), [this, fi]() { on_edit_bookmark(fi); }, WindowBase::icon(QStringLiteral("edit.svg")));
         menu.createAction(xt("Remove Bookmark"), [this, fi]() { on_remove_bookmark(fi); },
@@ -174,26 +174,26 @@ void WinFinder::context_menu_bookmark(tav::XMenu& menu, const QFileInfo& fi) {
 }
 
 void WinFinder::on_add_bookmark(const QFileInfo& fi) {
-    log(32, "WinFinder::on_add_bookmark, fi <<<$>>>", fi);
+    log(tav::LOG_TRACE, "WinFinder::on_add_bookmark, fi <<<$>>>", fi);
     DiaBookmark dia(this);
     dia.setWindowTitle(xt("Bookmark"));
     dia.set_bookmark(Bookmark{fi.fileName(), fi.absoluteFilePath()});
     if (!dia.isExecOK(true)) return;
-    log(32, "WinFinder::on_add_bookmark, aha");
+    log(tav::LOG_TRACE, "WinFinder::on_add_bookmark, aha");
     Bookmarks::add_bookmark(Bookmarks::get_tree(), dia.get_bookmark());
     Bookmarks::save(Bookmarks::get_tree());
 }
 
 void WinFinder::on_edit_bookmark(const QFileInfo& fi) {
     const Bookmark bm = Bookmarks::get_bookmark(Bookmarks::get_tree(), fi.absoluteFilePath());
-    log(32, "WinFinder::on_edit_bookmark, path <<<$>>>", bm.path);
+    log(tav::LOG_TRACE, "WinFinder::on_edit_bookmark, path <<<$>>>", bm.path);
     DiaBookmark dia(this);
     dia.setWindowTitle(xt("Bookmark"));
     dia.set_bookmark(bm);
     if (!dia.isExecOK(true)) return;
     const Bookmark edited = dia.get_bookmark();
-    log(32, "WinFinder::on_edit_bookmark, aha");
-    log(32, "bm:$", Bookmarks::to_string(edited));
+    log(tav::LOG_TRACE, "WinFinder::on_edit_bookmark, aha");
+    log(tav::LOG_TRACE, "bm:$", Bookmarks::to_string(edited));
     // A blank title keeps the bookmark as it was.
     if (edited.title.trimmed().isEmpty()) return;
     Bookmarks::set_bookmark(Bookmarks::get_tree(), edited);
@@ -201,7 +201,7 @@ void WinFinder::on_edit_bookmark(const QFileInfo& fi) {
 }
 
 void WinFinder::on_remove_bookmark(const QFileInfo& fi) {
-    log(32, "WinFinder::on_remove_bookmark <$>", fi);
+    log(tav::LOG_TRACE, "WinFinder::on_remove_bookmark <$>", fi);
     Bookmarks::remove_bookmark(Bookmarks::get_tree(), fi.absoluteFilePath());
     // Saved with the next change or at exit.
     Bookmarks::get_tree().show(tav::XTypeSupporter::basicTypes(), 0, QString(), false, -1);
@@ -212,7 +212,7 @@ bool WinFinder::fill_bookmarks_menu(tav::XMenu& menu) {
     if (tree.isEmpty()) return false;
     for (const Bookmark& bm : Bookmarks::from_tree(tree)) {
         menu.createAction(bm.title, [this, bm]() {
-            log(32, "WinFinder::on_bookmarks <$> <$>", bm.path, bm.title);
+            log(tav::LOG_TRACE, "WinFinder::on_bookmarks <$> <$>", bm.path, bm.title);
             treeView_->selectFile(bm.path, true);
         }, tav::XTools::get_file_icon_association(QFileInfo(bm.path)), bm.path);
     }
@@ -222,7 +222,7 @@ bool WinFinder::fill_bookmarks_menu(tav::XMenu& menu) {
 }
 
 void WinFinder::on_bookmarks() {
-    log(32, "WinFinder::on_bookmarks");
+    log(tav::LOG_TRACE, "WinFinder::on_bookmarks");
     tav::XMenu menu(this, true);
     if (!fill_bookmarks_menu(menu)) {
         tav::XBox::info(this, xt("Bookmarks"),
@@ -233,7 +233,7 @@ void WinFinder::on_bookmarks() {
 }
 
 void WinFinder::on_edit_bookmarks() {
-    log(32, "WinFinder::on_edit_bookmarks");
+    log(tav::LOG_TRACE, "WinFinder::on_edit_bookmarks");
     DiaEditBookmarks dia(this);
     dia.setWindowTitle(xt("Edit Bookmarks"));
     dia.setup();

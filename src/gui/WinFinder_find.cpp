@@ -52,11 +52,11 @@ void WinFinder::setup_panel_find_pages() {
         // A scan that a newer one replaced, or an end already handled.
         const uint32_t done = thScanDir->runDone.load();
         if (done != scanStarted_ || done == scanHandled_) {
-            log(32, "WinFinder::setup_thread_scan_dir, scan done, replaced by a newer one");
+            log(tav::LOG_TRACE, "WinFinder::setup_thread_scan_dir, scan done, replaced by a newer one");
             return;
         }
         scanHandled_ = done;
-        log(32, "WinFinder::setup_thread_scan_dir, scan done!");
+        log(tav::LOG_TRACE, "WinFinder::setup_thread_scan_dir, scan done!");
         on_find_dir_scanned();
     });
     pTavFind->addListener([this]() { on_find_done(); });
@@ -125,35 +125,35 @@ void WinFinder::setup_panel_find_pages() {
 int WinFinder::findPage() const { return panelFind_ ? panelFind_->currentIndex() : -1; }
 
 void WinFinder::show_results_panel(const char* logLine) {
-    if (logLine) log(32, logLine);
+    if (logLine) log(tav::LOG_TRACE, logLine);
     stacked_->showPanel(findResults_);
 }
 
 void WinFinder::on_find() {
     timeStartFind = tav::getMicroseconds();
-    log(32, "*******************************");
-    log(32, "*** WinFinder::on_find");
-    log(32, "*******************************");
+    log(tav::LOG_TRACE, "*******************************");
+    log(tav::LOG_TRACE, "*** WinFinder::on_find");
+    log(tav::LOG_TRACE, "*******************************");
     if (!panelFind_ || !thScanDir) return;
 
     QFileInfo folder = treeView_->selectedFile();
     if (!folder.exists()) {
         folder = QFileInfo(cfg().sRootFolder);
-        log(32, "WinFinder::on_find - folder set to <$>", cfg().sRootFolder);
+        log(tav::LOG_TRACE, "WinFinder::on_find - folder set to <$>", cfg().sRootFolder);
         if (cfg().sRootFolder.isEmpty() || !folder.exists()) {
-            log(32, "WinFinder::on_find - <$> 404", cfg().sRootFolder);
+            log(tav::LOG_TRACE, "WinFinder::on_find - <$> 404", cfg().sRootFolder);
             return;
         }
     }
     if (!folder.isDir()) {
-        log(32, "WinFinder::on_find - <$> not dir, go one level up", folder);
+        log(tav::LOG_TRACE, "WinFinder::on_find - <$> not dir, go one level up", folder);
         folder = QFileInfo(folder.absolutePath());
     }
-    log(32, "WinFinder::on_find - <$>", folder);
+    log(tav::LOG_TRACE, "WinFinder::on_find - <$>", folder);
 
     tav::find::XFilter filter = filter_from_GUI();
     if (filter.pErrorWidget) {
-        log(8, "WinFinder::on_find, !filter");
+        log(tav::LOG_REJECTED, "WinFinder::on_find, !filter");
         auto* combo = qobject_cast<QComboBox*>(filter.pErrorWidget);
         if (combo == comboContent_)
             show_expression_error(combo, filter.sError, propRegEx_.value() ? xt("Type your regular expression") : xt("Type simple expression"));
@@ -170,8 +170,8 @@ void WinFinder::on_find() {
 
     filterCurrent = filter;
     timeStartScan = tav::getMicroseconds();
-    log(32, "WinFinder::on_find, <<<$>>>", folder);
-    log(32, "filterCurrent:$", filterCurrent.toString(true));
+    log(tav::LOG_TRACE, "WinFinder::on_find, <<<$>>>", folder);
+    log(tav::LOG_TRACE, "filterCurrent:$", filterCurrent.toString(true));
 
     stateFind = FIND_SCAN;
     labelScan_->clear();
@@ -212,13 +212,13 @@ void WinFinder::on_timer_progress() {
 void WinFinder::on_find_dir_scanned() {
     tav::XDirInfo& dirInfo = thScanDir->dirInfo;
     if (dirInfo.isStopped()) {
-        log(32, "WinFinder_find::on_find_dir_scanned - CANCEL");
+        log(tav::LOG_TRACE, "WinFinder_find::on_find_dir_scanned - CANCEL");
         return;
     }
-    log(32, "WinFinder::on_find_dir_scanned within $ sec", tav::formatMicrosecond_as_Sec(tav::getMicroseconds() - timeStartScan));
+    log(tav::LOG_TRACE, "WinFinder::on_find_dir_scanned within $ sec", tav::formatMicrosecond_as_Sec(tav::getMicroseconds() - timeStartScan));
 
     if (filterCurrent.has_content_filter()) {
-        log(32, "WinFinder::on_find_dir_scanned, has content filter $", filterCurrent.contentFilter.toString(false));
+        log(tav::LOG_TRACE, "WinFinder::on_find_dir_scanned, has content filter $", filterCurrent.contentFilter.toString(false));
         stateFind = FIND_CONTENT;
         findCancelled_ = false;
         progressFind_->setValue(0);
@@ -226,7 +226,7 @@ void WinFinder::on_find_dir_scanned() {
         pTavFind->scope = comboScope_->selected();
         pTavFind->maxThreads = cfg().countThreads;
         pTavFind->setContentFilter(filterCurrent.contentFilter);
-        log(32, "WinFinder::on_find_dir_scanned, thScanDir.dirInfo.ar_filtered_files:$", quint64(dirInfo.ar_filtered_files.size()));
+        log(tav::LOG_TRACE, "WinFinder::on_find_dir_scanned, thScanDir.dirInfo.ar_filtered_files:$", quint64(dirInfo.ar_filtered_files.size()));
         // The workers read the files through pointers into the scan's list: keep
         // every list handed over alive until the search that may read it is over.
         listsInSearch_.push_back(dirInfo.filtered_files_owner());
@@ -244,7 +244,7 @@ void WinFinder::on_find_dir_scanned() {
     timer_.stop();
     tav::XFindStats stats = thScanDir->stats;
     const tav::XView<QFileInfo*> view = dirInfo.get_view_filtered_files();
-    log(32, "view:$", view.toString());
+    log(tav::LOG_TRACE, "view:$", view.toString());
     std::vector<QFileInfo> files;
     files.reserve(view.size());
     for (QFileInfo* fi : view) files.push_back(*fi);
@@ -277,13 +277,13 @@ void WinFinder::on_find_done() {
     // one started has nothing left to show (its results were cleared).
     if (contentPending_ > 0) --contentPending_;
     if (contentPending_ > 0) {
-        log(32, "WinFinder_find::on_find_done - an older search ended");
+        log(tav::LOG_TRACE, "WinFinder_find::on_find_done - an older search ended");
         return;
     }
     timer_.stop();
-    log(32, "*****************************************************");
-    log(32, "*** DONE ********************************************");
-    log(32, "*****************************************************");
+    log(tav::LOG_TRACE, "*****************************************************");
+    log(tav::LOG_TRACE, "*** DONE ********************************************");
+    log(tav::LOG_TRACE, "*****************************************************");
 
     const tav::find::XContentFilter& cf = pTavFind->contentFilter();
     buttonScope_->setText(xt(cf.scope_as_string()));
@@ -314,7 +314,7 @@ void WinFinder::on_find_done() {
         findResults_->tableResult()->selectRow(0, true);
         findResults_->tableResult()->setFocus();   // Up / Down go through the results at once
     } else {
-        log(32, "WinFinder_find::on_find_done - nothing found");
+        log(tav::LOG_TRACE, "WinFinder_find::on_find_done - nothing found");
         stateFind = FIND_DONE;
         panelFind_->setCurrentIndex(PAGE_DONE);
         labelDone_->setText(cancelled ? tav::fill(xt("$, nothing found"), searched) : xt("Nothing found"));
@@ -323,7 +323,7 @@ void WinFinder::on_find_done() {
 }
 
 void WinFinder::on_escape_key() {
-    log(32, "WinFinder_find::on_escape_key");
+    log(tav::LOG_TRACE, "WinFinder_find::on_escape_key");
     const QFileInfo fi = treeView_ ? treeView_->selectedFile() : QFileInfo();
     if (thScanDir && !thScanDir->dirInfo.flagStop.load()) thScanDir->dirInfo.flagStop = true;
     if (pTavFind) pTavFind->stop_search();
@@ -335,14 +335,14 @@ void WinFinder::on_escape_key() {
 }
 
 void WinFinder::on_contextMenu_fileResult(const FileResult& fr) {
-    log(32, "WinFinder::onContextMenu_rightSide_FileResults, fResult:$", fr.toString());
+    log(tav::LOG_TRACE, "WinFinder::onContextMenu_rightSide_FileResults, fResult:$", fr.toString());
     tav::XMenu menu(this);
     fill_contextMenu_FileResults(menu, fr, pTavFind->contentFilter());
     menu.execAt();
 }
 
 void WinFinder::on_open_fileResult(const FileResult& fr) {
-    log(32, "WinFinder::setUp - double click file result ....");
+    log(tav::LOG_TRACE, "WinFinder::setUp - double click file result ....");
     // The filter that found these hits, so the details window can mark them again.
     open_stand_alone_preview(fr.fileInfo, fr.layer, pTavFind->contentFilter());
 }

@@ -25,7 +25,7 @@ void WinFinder::setup_hotkeys() {
         if (ContextPreviews::currentPreview()) viewFlags_.set_flags(0);
     });
     key(QKeySequence(Qt::CTRL | Qt::Key_N), [this]() {
-        log(32, "WinFinder::on_open_new_win");
+        log(tav::LOG_TRACE, "WinFinder::on_open_new_win");
         on_open_new_win_here(treeView_->selectedFile());
     });
     key(QKeySequence(Qt::ALT | Qt::Key_R), [this]() { on_navi_root(); });
@@ -33,7 +33,7 @@ void WinFinder::setup_hotkeys() {
     // F3 steps through the hits of a shown result; with none shown it opens the hints, as F1 does.
     auto hints = []() { tav::XBrowserWindow::showHelp(QStringLiteral(":tf/html/FirstMessage.html"), tav::xt("Talvo Finder"), 1); };
     key(QKeySequence(Qt::Key_F3), [this, hints]() {
-        log(32, "WinFinder::setup_hotkeys - F3");
+        log(tav::LOG_TRACE, "WinFinder::setup_hotkeys - F3");
         if (findResults_ && findResults_->step_hit(true)) return;
         hints();
     });
@@ -47,7 +47,7 @@ void WinFinder::setup_hotkeys() {
     });
     auto onReturn = [this]() {
         if (naviBar_ && QApplication::focusWidget() == naviBar_->editPath()) {
-            log(32, "WinFinder::setup_hotkeys - FOCUS ON EDIT PATH");
+            log(tav::LOG_TRACE, "WinFinder::setup_hotkeys - FOCUS ON EDIT PATH");
             on_key_return();
             return;
         }
@@ -58,18 +58,18 @@ void WinFinder::setup_hotkeys() {
     key(QKeySequence(Qt::ALT | Qt::Key_B), [this]() { on_bookmarks(); });
     key(QKeySequence(Qt::ALT | Qt::Key_H), [this]() { hideToTray(); });
     key(QKeySequence(Qt::ALT | Qt::Key_Left), [this]() {
-        log(32, "WinFinder::setup_hotkeys - LEFT");
+        log(tav::LOG_TRACE, "WinFinder::setup_hotkeys - LEFT");
         on_navi_back();
     });
     key(QKeySequence(Qt::ALT | Qt::Key_Right), [this]() {
-        log(32, "WinFinder::setup_hotkeys - RIGHT");
+        log(tav::LOG_TRACE, "WinFinder::setup_hotkeys - RIGHT");
         on_navi_forward();
     });
     key(QKeySequence(Qt::ALT | Qt::Key_Up), [this]() {
-        log(32, "WinFinder::setup_hotkeys - UP");
+        log(tav::LOG_TRACE, "WinFinder::setup_hotkeys - UP");
         on_navi_parent();
     });
-    key(QKeySequence(Qt::ALT | Qt::Key_Down), []() { log(32, "WinFinder::setup_hotkeys - DOWN"); });
+    key(QKeySequence(Qt::ALT | Qt::Key_Down), []() { log(tav::LOG_TRACE, "WinFinder::setup_hotkeys - DOWN"); });
     key(QKeySequence(Qt::ALT | Qt::Key_P), [this]() { filterFlags_.toggle_flag(FILTER_PATTERN); });
     key(QKeySequence(Qt::ALT | Qt::Key_N), [this]() { filterFlags_.toggle_flag(FILTER_NOT_PATTERN); });
     key(QKeySequence(Qt::ALT | Qt::Key_T), [this]() { filterFlags_.toggle_flag(FILTER_TIME); });

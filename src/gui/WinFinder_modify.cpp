@@ -46,7 +46,7 @@ void WinFinder::add_modify_entries(tav::XMenu& menu, const QFileInfo& fi) {
 }
 
 void WinFinder::on_rename() {
-    log(32, "WinFinder::on_rename");
+    log(tav::LOG_TRACE, "WinFinder::on_rename");
     tav::Preview* p = ContextPreviews::currentPreview();
     if (!p) return;
     rename_file(p->file_info());
@@ -147,7 +147,7 @@ void WinFinder::rename_file(const QFileInfo& fi) {
         if (err != 0) why = reasonOf(err);
     }
     if (!why.isEmpty()) {
-        log(4, "WinFinder::rename_file, <<<$>>> to '$': $", fi, name, why);
+        log(tav::LOG_ERROR, "WinFinder::rename_file, <<<$>>> to '$': $", fi, name, why);
         tav::XBox::warn(this, xt("Error"), tav::fill("$\n$\n$", xt("Cannot rename file"), fi.absoluteFilePath(), why));
         return;
     }
@@ -169,7 +169,7 @@ void WinFinder::on_delete(const QFileInfo& fi) {
     // The preview must not hold the file open while it goes.
     if (tav::Preview* p = ContextPreviews::currentPreview()) {
         p->close_preview();
-        log(16, "WinFinder_modify::on_delete, Preview-Open-Counter:$", tav::Preview::open_counter());
+        log(tav::LOG_NAVIGATION, "WinFinder_modify::on_delete, Preview-Open-Counter:$", tav::Preview::open_counter());
     }
     const QString path = fi.absoluteFilePath();
     if (!fi.exists() && !fi.isSymLink()) {
@@ -179,18 +179,18 @@ void WinFinder::on_delete(const QFileInfo& fi) {
     }
     // The trash first, so a mistake can be undone; without one, a second question.
     if (trash_enabled() && QFile::moveToTrash(path)) {
-        log(16, "WinFinder_modify::on_delete, <<<$>>> moved to the trash", path);
+        log(tav::LOG_NAVIGATION, "WinFinder_modify::on_delete, <<<$>>> moved to the trash", path);
         selectParent(this, fi.absolutePath());
         return;
     }
-    log(16, "WinFinder_modify::on_delete, no trash for <<<$>>>", path);
+    log(tav::LOG_NAVIGATION, "WinFinder_modify::on_delete, no trash for <<<$>>>", path);
     if (!tav::XBox::ask_yes_no(this, isDir ? xt("Delete Directory") : xt("Delete File"),
                                tav::fill("$\n$", xt("This cannot be moved to a trash. Delete it for good?"), path)))
         return;
     QString failed;
     const int err = removeForGood(path, &failed);
     if (err != 0) {
-        log(4, "WinFinder::on_delete, <<<$>>>: $", failed, reasonOf(err));
+        log(tav::LOG_ERROR, "WinFinder::on_delete, <<<$>>>: $", failed, reasonOf(err));
         tav::XBox::warn(this, xt("Error"), tav::fill("$\n$\n$", isDir ? xt("Cannot Delete Directory") : xt("Cannot Delete File"),
                                                      failed.isEmpty() ? path : failed, reasonOf(err)));
         if (!QFileInfo::exists(path)) selectParent(this, fi.absolutePath());

@@ -22,7 +22,7 @@ namespace tavFinder {
 using tav::log;
 
 void WinFinder::on_navi_root() {
-    log(16, "WinFinder::on_navi_root");
+    log(tav::LOG_NAVIGATION, "WinFinder::on_navi_root");
     if (!treeView_) return;
     treeView_->selectFile(QFileInfo(QDir::rootPath()).absoluteFilePath(), false);
     treeView_->collapseAll();
@@ -56,16 +56,16 @@ void WinFinder::on_navi_parent() {
 }
 
 void WinFinder::on_refresh() {
-    log(16, "WinFinder::on_refresh");
+    log(tav::LOG_NAVIGATION, "WinFinder::on_refresh");
     tav::Preview* p = ContextPreviews::currentPreview();
     if (!p) return;
-    log(32, "WinFinder::on_refresh, prevCurr@$", p->name());
+    log(tav::LOG_TRACE, "WinFinder::on_refresh, prevCurr@$", p->name());
     p->refresh();
 }
 
 void WinFinder::on_key_return() {
     const QString text = naviBar_ ? naviBar_->editPath()->text().trimmed() : QString();
-    log(32, "WinFinder_navigate::on_key_return <$>", text);
+    log(tav::LOG_TRACE, "WinFinder_navigate::on_key_return <$>", text);
     if (!naviBar_ || !treeView_) return;
     QLineEdit* edit = naviBar_->editPath();
     const QString path = text.startsWith(QLatin1String("~/")) || text == QLatin1String("~") ? QDir::homePath() + text.mid(1) : text;
@@ -95,14 +95,14 @@ void WinFinder::on_thumb_size(bool bigger) {
     PanelThumbs* thumbs = dir ? dir->thumbPanel() : nullptr;
     if (!thumbs) return;
     const unsigned sz = thumbs->thumbSize();
-    log(32, "WinFinder_navigate::on_thumb_size, flagBigger:$, sz:$", bigger, sz);
+    log(tav::LOG_TRACE, "WinFinder_navigate::on_thumb_size, flagBigger:$, sz:$", bigger, sz);
     const unsigned now = thumb_size_step(sz, bigger);
-    log(32, "WinFinder_navigate::on_thumb_size, sz now:$", now);
+    log(tav::LOG_TRACE, "WinFinder_navigate::on_thumb_size, sz now:$", now);
     thumbs->set_thumb_size(now);
 }
 
 void WinFinder::on_hist_state_change() {
-    log(32, "WinFinder::on_hist_state_change, hist:$", history_.stateToString());
+    log(tav::LOG_TRACE, "WinFinder::on_hist_state_change, hist:$", history_.stateToString());
     if (!naviBar_) return;
     naviBar_->buttonBack()->setEnabled(history_.hasPrev());
     naviBar_->buttonForward()->setEnabled(history_.hasNext());

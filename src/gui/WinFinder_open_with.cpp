@@ -31,7 +31,7 @@ using tav::log;
 using tav::xt;
 
 void WinFinder::create_open_with_app(tav::XMenu& menu, const QFileInfo& fi) {
-    log(16, "WinFinder::create_open_with_app ...");
+    log(tav::LOG_NAVIGATION, "WinFinder::create_open_with_app ...");
     tav::XMenu* sub = menu.createSubMenu(xt("Open with ..."));
     const std::vector<XApp*> apps = XAppManager::get_apps();
     for (XApp* app : apps) {
@@ -86,7 +86,7 @@ void WinFinder::show_process_output(const QString& text) {
     QTemporaryFile tmp(QDir::temp().absoluteFilePath(QStringLiteral("tavFind-output-XXXXXXXXXXXXXXXX.txt")));
     tmp.setAutoRemove(false);
     if (!tmp.open() || tmp.write(text.toUtf8()) <= 0) {
-        log(4, "WinFinder::show_process_output, cannot write <<<$>>>", tmp.fileName());
+        log(tav::LOG_ERROR, "WinFinder::show_process_output, cannot write <<<$>>>", tmp.fileName());
         if (tmp.isOpen()) tmp.remove();
         return;
     }
@@ -97,7 +97,7 @@ void WinFinder::show_process_output(const QString& text) {
     // 2
     QString target = output_target(text);
     if (!target.isEmpty() && !QFileInfo::exists(target)) {
-        log(32, "WinFinder::show_process_output, <<<$>>> 404", target);
+        log(tav::LOG_TRACE, "WinFinder::show_process_output, <<<$>>> 404", target);
         target.clear();
     }
     // 3

@@ -19,7 +19,7 @@ const QString kScopeIndex = QStringLiteral("scopeIndex");
 }
 
 void WinFinder::restoreSearchHistory() {
-    log(32, "WinFinder::restoreSearchHistory");
+    log(tav::LOG_TRACE, "WinFinder::restoreSearchHistory");
     tav::XNode* nWin = nodeWin();
     if (!X_ASSERT_MSG(nWin, "nWin == NULL")) return;
     tav::XNode* nHistory = nWin->getCreateNode(kHistory);
@@ -35,7 +35,7 @@ void WinFinder::restoreSearchHistory() {
 }
 
 void WinFinder::saveSearchHistory() {
-    log(32, "WinFinder::saveSearchHistory");
+    log(tav::LOG_TRACE, "WinFinder::saveSearchHistory");
     tav::XNode* nWin = nodeWin();
     if (!X_ASSERT_MSG(nWin, "nWin == NULL") || !comboPattern_) return;
     tav::XNode* nHistory = nWin->getCreateNode(kHistory);
@@ -55,7 +55,7 @@ void WinFinder::manage_combo_History(tav::XComboBox* combo, const QString& text)
     if (text.isEmpty()) return;
     if (!X_ASSERT_MSG(combo, "comboBox == NULL")) return;
     if (combo->findText(text, Qt::MatchExactly | Qt::MatchCaseSensitive) >= 0) return;
-    log(32, "WinFinder::manage_combo_History, add:$", text);
+    log(tav::LOG_TRACE, "WinFinder::manage_combo_History, add:$", text);
     combo->addItem(text);
 }
 

@@ -210,14 +210,14 @@ void WinFinder::on_filter_menu() {
 
 void WinFinder::on_time_area() {
     const uint32_t area = comboTimeArea_->selected();
-    log(32, "WinFinder::setup_panel_find, time, area:$", tav::XFileFilter::area_to_String(area));
+    log(tav::LOG_TRACE, "WinFinder::setup_panel_find, time, area:$", tav::XFileFilter::area_to_String(area));
     date1_->setDisplayFormat(area == tav::XFileFilter::YEAR ? QStringLiteral("yyyy") : QStringLiteral("MMMM dd yyyy"));
     date2_->setVisible(area == tav::XFileFilter::BETWEEN);
 }
 
 void WinFinder::on_size_area() {
     const uint32_t area = comboSizeArea_->selected();
-    log(32, "WinFinder::setup_panel_find, size, area:$", tav::XFileFilter::area_to_String(area));
+    log(tav::LOG_TRACE, "WinFinder::setup_panel_find, size, area:$", tav::XFileFilter::area_to_String(area));
     size2_->setVisible(area == tav::XFileFilter::BETWEEN);
 }
 
@@ -266,7 +266,7 @@ tav::find::XFilter WinFinder::filter_from_GUI() {
         if (area != tav::XFileFilter::NONE && area != tav::XFileFilter::YEAR) {
             const QString s1 = size1_->text().trimmed();
             if (s1.isEmpty()) {
-                log(8, "WinFinder::filter_from_GUI, size 1 - empty");
+                log(tav::LOG_REJECTED, "WinFinder::filter_from_GUI, size 1 - empty");
             } else {
                 ff.sizeArea = area;
                 ff.size1 = uint64_t(tav::get_bytes_number(s1));
@@ -274,7 +274,7 @@ tav::find::XFilter WinFinder::filter_from_GUI() {
                     const QString s2 = size2_->text().trimmed();
                     // Without the upper bound the whole condition goes (size1 stays set).
                     if (s2.isEmpty()) {
-                        log(8, "WinFinder::filter_from_GUI, size 2 - empty");
+                        log(tav::LOG_REJECTED, "WinFinder::filter_from_GUI, size 2 - empty");
                         ff.sizeArea = tav::XFileFilter::NONE;
                     } else {
                         ff.size2 = uint64_t(tav::get_bytes_number(s2));
@@ -286,7 +286,7 @@ tav::find::XFilter WinFinder::filter_from_GUI() {
     if (bits & FILTER_CONTENT) {
         const QString text = comboContent_->currentText().trimmed();
         if (text.isEmpty()) {
-            log(8, "WinFinder::filter_from_GUI, search for text but text ist empty");
+            log(tav::LOG_REJECTED, "WinFinder::filter_from_GUI, search for text but text ist empty");
         } else {
             tav::find::XContentFilter cf;
             cf.setScope(comboScope_->selected());
@@ -297,8 +297,8 @@ tav::find::XFilter WinFinder::filter_from_GUI() {
             } else {
                 filter.pErrorWidget = comboContent_;
                 filter.sError = expression_error_text(cf);
-                log(8, "WinFinder::filter_from_GUI, problems with expression '$'", text);
-                log(8, "WinFinder::filter_from_GUI, $", cf.errorMessage());
+                log(tav::LOG_REJECTED, "WinFinder::filter_from_GUI, problems with expression '$'", text);
+                log(tav::LOG_REJECTED, "WinFinder::filter_from_GUI, $", cf.errorMessage());
             }
         }
     }

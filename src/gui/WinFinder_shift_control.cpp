@@ -27,7 +27,7 @@ void WinFinder::forceViewHovered() {
     if (!treeView_ || !tav::XTools::is_modifier_control()) return;
     const QFileInfo fi = treeView_->hoveredFile();
     if (!fi.filePath().isEmpty() && fi.exists()) {
-        log(32, "WinFinder::setUp_shift_control, TREE-LEFT, fi:$", fi);
+        log(tav::LOG_TRACE, "WinFinder::setUp_shift_control, TREE-LEFT, fi:$", fi);
         if (fi.isDir()) {
             on_treeView_selectFile(fi);
             return;
@@ -52,7 +52,7 @@ void WinFinder::forceViewHovered() {
     AbstractPreviewDir* dir = container_preview_->existingPreviewDirectory();
     if (auto* pd = dynamic_cast<PreviewDir*>(dir)) {
         if (pd->widget_preview() && container_preview_->currentWidget() == pd->widget_preview())
-            log(32, "WinFinder_shift_control::on_treeView_selectFile_table_forceView, <<<$>>>", pd->hoveredEntry());
+            log(tav::LOG_TRACE, "WinFinder_shift_control::on_treeView_selectFile_table_forceView, <<<$>>>", pd->hoveredEntry());
     }
 }
 

@@ -15,7 +15,7 @@ using tav::log;
 
 void WinFinder::setup_status_bar() {
     if (statusLabel_) {
-        log(32, "WinFinder_status_bar::setup_status_bar, already set !");
+        log(tav::LOG_TRACE, "WinFinder_status_bar::setup_status_bar, already set !");
         return;
     }
     statusLabel_ = new QLabel(this);

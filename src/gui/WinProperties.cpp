@@ -113,7 +113,7 @@ void WinProperties::setup() {
 
     tav::XPanel* rowButtons = content->createPanel(tav::XPanel::HORIZONTAL);
     buttonCalc_ = rowButtons->createButton(xt("Calculate checksum"), [this]() {
-        log(32, "WinProperties::setup - calc all");
+        log(tav::LOG_TRACE, "WinProperties::setup - calc all");
         on_calc_all();
     }, QIcon(QStringLiteral(":/tf/icons/calc.svg")));
     buttonCalc_->setObjectName(QStringLiteral("calc"));
@@ -126,7 +126,7 @@ void WinProperties::setup() {
     progress_->setValue(0);
     progress_->hide();
     rowButtons->createButton(xt("File Manager"), [this]() {
-        log(32, "WinProperties::setup - explorer <$>", fi_);
+        log(tav::LOG_TRACE, "WinProperties::setup - explorer <$>", fi_);
         tav::XTools::showFolderInFileManager(fi_.absoluteFilePath());
     }, icon(QStringLiteral("fileManager1.svg")));
     content->addSpacer();
@@ -164,7 +164,7 @@ void WinProperties::create_crc_panel(tav::XPanel* panel, int labelWidth, tav::XN
         if (node) node->setBool(name, on);
     });
     t.addListener([&t, field]() {
-        log(32, "WinProperties::create_crc_panel - FINISHED");
+        log(tav::LOG_TRACE, "WinProperties::create_crc_panel - FINISHED");
         if (!field) return;
         if (t.hasResult() && !t.wasCancelled()) field->setText(t.toString(false));
         else field->clear();
@@ -187,8 +187,8 @@ void WinProperties::set_file(const QFileInfo& fi) {
     // MB as everywhere in the program (sizes shown, size filters): 1024 × 1024 bytes.
     const uint64_t limit = uint64_t(cfg().max_file_size_auto_calc_checksums) * 1024ull * 1024ull;
     const bool flagAutoCalc = cfg().flagPropAutoLoad && fi_.isFile() && uint64_t(fi_.size()) <= limit;
-    log(32, "WinProperties::set_file, max_file_size_auto_calc_checksums:$", cfg().max_file_size_auto_calc_checksums);
-    log(32, "WinProperties::set_file, flagAutoCalc:$", flagAutoCalc);
+    log(tav::LOG_TRACE, "WinProperties::set_file, max_file_size_auto_calc_checksums:$", cfg().max_file_size_auto_calc_checksums);
+    log(tav::LOG_TRACE, "WinProperties::set_file, flagAutoCalc:$", flagAutoCalc);
     updateTrayAction(isVisible());
     if (flagAutoCalc) on_calc_all();
 }
@@ -207,7 +207,7 @@ void WinProperties::on_calc_all() {
     if (std::none_of(threads_.begin(), threads_.end(), [](const ThreadCalc* t) { return t->enabled.load(); })) return;
     if (!timer_.isActive()) {
         timer_.start();
-        log(32, "WinProperties::on_calc_all");
+        log(tav::LOG_TRACE, "WinProperties::on_calc_all");
         spacer_->hide();
         progress_->setValue(0);
         progress_->show();
@@ -215,7 +215,7 @@ void WinProperties::on_calc_all() {
         // never hold the GUI thread for it: try again a moment later.
         if (std::any_of(threads_.begin(), threads_.end(), [](const ThreadCalc* t) { return t->enabled.load() && t->isActive(); })) {
             timer_.stop();
-            log(32, "WinProperties::on_calc_all, a cancelled run is still leaving");
+            log(tav::LOG_TRACE, "WinProperties::on_calc_all, a cancelled run is still leaving");
             QPointer<WinProperties> self(this);
             QTimer::singleShot(20, this, [self]() {
                 if (self) self->on_calc_all();
@@ -243,14 +243,14 @@ void WinProperties::on_calc_all() {
 }
 
 void WinProperties::on_timer_check_progress() {
-    log(32, "WinProperties::on_timer_check_progress");
+    log(tav::LOG_TRACE, "WinProperties::on_timer_check_progress");
     int v = 0;
     bool running = false;
     for (ThreadCalc* t : threads_) {
         if (!t->isRunning()) continue;
         running = true;
         const int p = t->percent;
-        log(32, "WinProperties::on_timer_check_progress, percent:$", p);
+        log(tav::LOG_TRACE, "WinProperties::on_timer_check_progress, percent:$", p);
         if (v == 0 || p < v) v = p;
     }
     if (!running) {
@@ -262,7 +262,7 @@ void WinProperties::on_timer_check_progress() {
 }
 
 void WinProperties::on_copy_all() {
-    log(32, "WinProperties::on_copy_all");
+    log(tav::LOG_TRACE, "WinProperties::on_copy_all");
     QFileInfo fi(fi_.absoluteFilePath());
     if (!fi.exists() || !fi.isFile()) return;
     const uint64_t size = uint64_t(fi.size());
@@ -284,7 +284,7 @@ void WinProperties::on_copy_all() {
 }
 
 void WinProperties::on_close() {
-    log(32, "WinProperties::on_close");
+    log(tav::LOG_TRACE, "WinProperties::on_close");
     tav::XNode* nWin = nodeWin();
     X_ASSERT_MSG(nWin, "nWin == NULL");
     if (isCalculating()) on_calc_all();

@@ -24,7 +24,7 @@ WindowBase::WindowBase(QWidget* parent) : tav::XMainWindow(parent) {
 }
 
 WindowBase::~WindowBase() {
-    log(32, "WindowBase::~WindowBase");
+    log(tav::LOG_TRACE, "WindowBase::~WindowBase");
     if (actionTray_) delete actionTray_.data();
 }
 
@@ -54,7 +54,7 @@ void WindowBase::hideToTray() {
         hide();
         return;
     }
-    log(16, "WindowBase::hideToTray, no system tray: minimised");
+    log(tav::LOG_NAVIGATION, "WindowBase::hideToTray, no system tray: minimised");
     showMinimized();
 }
 
@@ -69,9 +69,9 @@ void WindowBase::showAllWindows() {
 }
 
 void WindowBase::setupTray() {
-    log(32, "WindowBase::setupTray");
+    log(tav::LOG_TRACE, "WindowBase::setupTray");
     if (actionTray_) {
-        log(4, "WindowBase::setupTray, actionShow already exists");
+        log(tav::LOG_ERROR, "WindowBase::setupTray, actionShow already exists");
         return;
     }
     WinTray* tray = WinTray::get();
@@ -87,7 +87,7 @@ void WindowBase::setupTray() {
         }
     });
     connect(tray, &QSystemTrayIcon::activated, this, [](QSystemTrayIcon::ActivationReason) {
-        log(32, "WindowBase::setupTray, trigger");
+        log(tav::LOG_TRACE, "WindowBase::setupTray, trigger");
     });
     updateTrayAction(isVisible());
     if (!tray->isVisible()) tray->show();

@@ -40,12 +40,12 @@ bool CheckSum::calc(XAtomic<bool>& keepRunning, XAtomic<int>& percent) {
     percent = 0;
     QCryptographicHash::Algorithm qa;
     if (!toQtAlgo(algo_, qa)) {
-        log(4, "CheckSum::calc, unknown algorithm $", algo_);
+        log(tav::LOG_ERROR, "CheckSum::calc, unknown algorithm $", algo_);
         return false;
     }
     QFile f(file_.absoluteFilePath());
     if (!f.open(QIODevice::ReadOnly)) {
-        log(4, "CheckSum::calc, cannot read <<<$>>>", file_.absoluteFilePath());
+        log(tav::LOG_ERROR, "CheckSum::calc, cannot read <<<$>>>", file_.absoluteFilePath());
         return false;
     }
     QCryptographicHash hash(qa);
@@ -60,7 +60,7 @@ bool CheckSum::calc(XAtomic<bool>& keepRunning, XAtomic<int>& percent) {
         }
         const qint64 n = f.read(buf.get(), kBlock);
         if (n < 0) {
-            log(4, "CheckSum::calc, read error in <<<$>>>", file_.absoluteFilePath());
+            log(tav::LOG_ERROR, "CheckSum::calc, read error in <<<$>>>", file_.absoluteFilePath());
             return false;
         }
         if (n == 0) break;

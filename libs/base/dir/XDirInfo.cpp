@@ -153,7 +153,7 @@ bool XDirInfo::scan(const QString& path, const XFileFilter* filter, const FileFe
     {
         struct stat st;
         if (::stat(root.c_str(), &st) != 0 || !S_ISDIR(st.st_mode)) {
-            log(32, "XDirInfo::scan_dir, cannot read <<<$>>>", path);
+            log(tav::LOG_TRACE, "XDirInfo::scan_dir, cannot read <<<$>>>", path);
             return false;
         }
     }
@@ -216,7 +216,7 @@ bool XDirInfo::scan(const QString& path, const XFileFilter* filter, const FileFe
             found.clear();
             if (fd < 0) {
                 const int err = errno;
-                log(32, "XDirInfo::scan_dir, cannot read <<<$>>> ($)", QFile::decodeName(dir.c_str()),
+                log(tav::LOG_TRACE, "XDirInfo::scan_dir, cannot read <<<$>>> ($)", QFile::decodeName(dir.c_str()),
                     QString::fromLocal8Bit(std::strerror(err)));
                 if (dir == root) part.rootFailed = true;
                 else noteUnreadable(dir);
@@ -230,7 +230,7 @@ bool XDirInfo::scan(const QString& path, const XFileFilter* filter, const FileFe
                     const long n = ::syscall(SYS_getdents64, fd, buf.data(), buf.size());
                     if (n <= 0) {
                         if (n < 0) {
-                            log(32, "XDirInfo::scan_dir, cannot read <<<$>>> ($)", QFile::decodeName(dir.c_str()),
+                            log(tav::LOG_TRACE, "XDirInfo::scan_dir, cannot read <<<$>>> ($)", QFile::decodeName(dir.c_str()),
                                 QString::fromLocal8Bit(std::strerror(errno)));
                             noteUnreadable(dir);
                         }

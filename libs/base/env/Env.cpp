@@ -68,7 +68,7 @@ void fileInfo_to_env(const QFileInfo& fi) {
     setEnv(QStringLiteral("G_DIR"), fi.absolutePath());
     setEnv(QStringLiteral("G_EXT"), fi.suffix());
     setEnv(QStringLiteral("G_SIZE"), QString::number(fi.exists() ? fi.size() : 0));
-    log(64, "fileInfo_to_env, G_PATH:$", fi.absoluteFilePath());
+    log(tav::LOG_VERBOSE, "fileInfo_to_env, G_PATH:$", fi.absoluteFilePath());
 }
 
 } // namespace tav

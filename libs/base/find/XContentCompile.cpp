@@ -173,7 +173,7 @@ void compileHyperscanTerms(XContentSymbols& sym) {
     if (hs_compile_multi(exprs.data(), flags.data(), ids.data(), unsigned(exprs.size()), HS_MODE_BLOCK, nullptr, &sym.hs,
                          &err) != HS_SUCCESS) {
         if (err) {
-            log(4, "XContentFilter::createSymbols, hyperscan: $", QString::fromUtf8(err->message));
+            log(tav::LOG_ERROR, "XContentFilter::createSymbols, hyperscan: $", QString::fromUtf8(err->message));
             hs_free_compile_error(err);
         }
         sym.hs = nullptr;

@@ -58,7 +58,7 @@ bool XContentFilter::createSymbols(const QString& text, bool regularExpression, 
     sym->wholeWords = flagWholeWords_;
     sym->matchCase = flagMatchCase_;
     if (!compile_symbols(text, regularExpression, engine == ENGINE_AUTO, *sym, sError_, errorPos_)) {
-        log(8, "XContentFilter::createSymbols, '$' - $", text, errorMessage());
+        log(tav::LOG_REJECTED, "XContentFilter::createSymbols, '$' - $", text, errorMessage());
         return false;
     }
     symbols_ = std::move(sym);
@@ -96,7 +96,7 @@ QString XContentFilter::toString(bool verbose) const {
 XContentScratch& XContentFilter::scratch() {
     if (!scratch_) {
         scratch_ = std::make_unique<XContentScratch>();
-        if (!prepare_scratch(*symbols_, *scratch_)) log(4, "XContentFilter::find, out of memory for the search");
+        if (!prepare_scratch(*symbols_, *scratch_)) log(tav::LOG_ERROR, "XContentFilter::find, out of memory for the search");
     }
     return *scratch_;
 }

@@ -84,7 +84,7 @@ int XContentSearch::match(const XPcre& code, const char* d, size_t len, size_t s
         if (!sc_.errorLogged) {
             PCRE2_UCHAR buf[256];
             pcre2_get_error_message(rc, buf, sizeof buf);
-            log(4, "XContentFilter::find, search stopped: $", QString::fromUtf8(reinterpret_cast<const char*>(buf)));
+            log(tav::LOG_ERROR, "XContentFilter::find, search stopped: $", QString::fromUtf8(reinterpret_cast<const char*>(buf)));
             sc_.errorLogged = true;
         }
         return rc;

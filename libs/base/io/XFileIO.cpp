@@ -96,10 +96,10 @@ QString moveAside(const QString& path) {
     QString bad = QStringLiteral("%1.%2.bad").arg(path, stamp);
     for (int n = 2; QFileInfo::exists(bad) || QFileInfo(bad).isSymLink(); ++n) bad = QStringLiteral("%1.%2-%3.bad").arg(path, stamp).arg(n);
     if (!QFile::rename(path, bad)) {
-        log(4, "moveAside, cannot rename <<<$>>>", path);
+        log(tav::LOG_ERROR, "moveAside, cannot rename <<<$>>>", path);
         return QString();
     }
-    log(4, "moveAside, <<<$>>> moved to <<<$>>>", path, bad);
+    log(tav::LOG_ERROR, "moveAside, <<<$>>> moved to <<<$>>>", path, bad);
     std::lock_guard<std::mutex> lock(movedMutex());
     if (moved().size() < 64) moved().push_back({path, bad});   // nobody reads more
     return bad;

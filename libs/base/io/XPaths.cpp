@@ -61,7 +61,7 @@ int openPath(const char* path, int flags) {
 QDir get_absolute_config_dir() {
     const QString base = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
     QDir d(base + QLatin1Char('/') + QLatin1String(kFolder));
-    if (!d.exists() && !QDir().mkpath(d.absolutePath())) log(4, "get_absolute_config_dir, cannot create <<<$>>>", d.absolutePath());
+    if (!d.exists() && !QDir().mkpath(d.absolutePath())) log(tav::LOG_ERROR, "get_absolute_config_dir, cannot create <<<$>>>", d.absolutePath());
     return d;
 }
 
@@ -72,7 +72,7 @@ QFileInfo get_absolute_config_file_path(const QString& name) {
 QDir get_create_cache_dir() {
     const QString base = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation);
     QDir d(base + QLatin1Char('/') + QLatin1String(kFolder));
-    if (!d.exists() && !QDir().mkpath(d.absolutePath())) log(4, "get_create_cache_dir, cannot create <<<$>>>", d.absolutePath());
+    if (!d.exists() && !QDir().mkpath(d.absolutePath())) log(tav::LOG_ERROR, "get_create_cache_dir, cannot create <<<$>>>", d.absolutePath());
     return d;
 }
 

@@ -32,13 +32,13 @@ void CommandLine::addOptionalKeys(const QString& keys) { optional_ << splitKeys(
 
 bool CommandLine::checkKeys() const {
     if (malformed_) {
-        log(4, "CommandLine::checkKeys, $", error_);
+        log(tav::LOG_ERROR, "CommandLine::checkKeys, $", error_);
         return false;
     }
     for (const QString& k : mustHave_) {
         if (values_.value(k).isEmpty()) {
             error_ = QStringLiteral("missing key --%1").arg(k);
-            log(4, "CommandLine::checkKeys, $", error_);
+            log(tav::LOG_ERROR, "CommandLine::checkKeys, $", error_);
             return false;
         }
     }
@@ -46,7 +46,7 @@ bool CommandLine::checkKeys() const {
         for (auto it = values_.constBegin(); it != values_.constEnd(); ++it) {
             if (!mustHave_.contains(it.key()) && !optional_.contains(it.key())) {
                 error_ = QStringLiteral("unknown key --%1").arg(it.key());
-                log(4, "CommandLine::checkKeys, $", error_);
+                log(tav::LOG_ERROR, "CommandLine::checkKeys, $", error_);
                 return false;
             }
         }

@@ -28,7 +28,7 @@ QList<Key> keysOf(const CommandEntry& e) {
         for (const QString& spec : list.split(QLatin1Char(','), Qt::SkipEmptyParts)) {
             Key k{spec.section(QLatin1Char('='), 0, 0).trimmed(), spec.section(QLatin1Char('='), 1).trimmed()};
             if (!plainWord(k.name)) {
-                log(4, "bashCompletionScript, key '$' of '$' left out", k.name, e.name);
+                log(tav::LOG_ERROR, "bashCompletionScript, key '$' of '$' left out", k.name, e.name);
                 continue;
             }
             out << k;

@@ -51,7 +51,7 @@ bool Kernel::loadNodes() {
     root_ = XNode::createRoot(QLatin1String(kRootType));
     engine_.reset();
     if (gGenerateAlways) {
-        log(32, "Kernel::loadNodes, generate config always");
+        log(tav::LOG_TRACE, "Kernel::loadNodes, generate config always");
         return true;
     }
     const QString path = nodeFilePath();
@@ -59,7 +59,7 @@ bool Kernel::loadNodes() {
     QString err;
     auto loaded = XNode::loadFromXml(path, &err);
     if (!loaded || loaded->type() != QLatin1String(kRootType)) {
-        log(4, "Kernel::loadNodes, <<<$>>> cannot be read ($), starting with defaults", path,
+        log(tav::LOG_ERROR, "Kernel::loadNodes, <<<$>>> cannot be read ($), starting with defaults", path,
             loaded ? QStringLiteral("unexpected root <%1>").arg(loaded->type()) : err);
         moveAside(path);
         return false;
@@ -71,7 +71,7 @@ bool Kernel::loadNodes() {
 bool Kernel::saveNodes() {
     if (resetRequested_) {
         const QString path = nodeFilePath();
-        log(32, "Kernel::saveNodes, configuration reset - <<<$>>> removed", path);
+        log(tav::LOG_TRACE, "Kernel::saveNodes, configuration reset - <<<$>>> removed", path);
         QFile::remove(path);
         return true;
     }

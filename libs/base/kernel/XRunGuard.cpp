@@ -30,7 +30,7 @@ bool XRunGuard::run_instance_of_program() {
         lock_->setStaleLockTime(0);
     }
     locked_ = lock_->tryLock(0);
-    if (!locked_) log(32, "XRunGuard::run_instance_of_program, <<<$>>> is held by another process", lockFilePath());
+    if (!locked_) log(tav::LOG_TRACE, "XRunGuard::run_instance_of_program, <<<$>>> is held by another process", lockFilePath());
     return locked_;
 }
 

@@ -145,7 +145,7 @@ QString fillTemplate(const QString& tmpl, const QString* args, int count) {
 }
 
 bool assert_report(bool ok, const char* file, int line, const QString& msg) {
-    if (!ok) log(4, "ASSERT $:$ $", file, line, msg);
+    if (!ok) log(tav::LOG_ERROR, "ASSERT $:$ $", file, line, msg);
     return ok;
 }
 

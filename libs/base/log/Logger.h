@@ -12,6 +12,15 @@
 
 namespace tav {
 
+// The level bit of a log line.
+enum LogLevel : unsigned {
+    LOG_ERROR = 4,        // errors and warnings
+    LOG_REJECTED = 8,     // input refused
+    LOG_NAVIGATION = 16,  // what the user opened and chose
+    LOG_TRACE = 32,       // the program's steps
+    LOG_VERBOSE = 64,     // every detail
+};
+
 class Logger {
 public:
     using Sink = std::function<void(unsigned level, const QString& line)>;
@@ -88,7 +97,7 @@ void log(unsigned level, const char* tmpl, const A&... args) {
 }
 // Default level: ordinary trace.
 template <typename... A>
-void trace(const char* tmpl, const A&... args) { log(32, tmpl, args...); }
+void trace(const char* tmpl, const A&... args) { log(tav::LOG_TRACE, tmpl, args...); }
 
 // Assertion report: logs "<file>:<line> <msg>" at level 4 and returns ok so the
 // caller can decide to go on or return.

@@ -86,7 +86,7 @@ XNode* XNode::addNode(XNode* child, bool copy) {
     if (!X_ASSERT(child)) return nullptr;
     if (copy) return addNode(child->deepCopy());
     if (child->parent_) {
-        log(4, "XNode::addNode, node <$> has a parent already", child->type_);
+        log(tav::LOG_ERROR, "XNode::addNode, node <$> has a parent already", child->type_);
         return nullptr;
     }
     return addNode(std::unique_ptr<XNode>(child));
@@ -233,7 +233,7 @@ QByteArray XNode::toXml() const {
 bool XNode::saveNodeToXml(const QString& path) const {
     QString err;
     if (!writeFileAtomic(path, toXml(), &err)) {
-        log(4, "XNode::saveNodeToXml <<<$>>> - $", path, err);
+        log(tav::LOG_ERROR, "XNode::saveNodeToXml <<<$>>> - $", path, err);
         return false;
     }
     return true;

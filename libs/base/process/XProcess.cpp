@@ -15,16 +15,16 @@ std::atomic<bool> XProcess::atomicFlagDebug{false};
 XProcess::XProcess(QObject* parent) : QProcess(parent) {
     connect(this, &QProcess::started, this, [this]() {
         pastPid_ = processId();
-        if (atomicFlagDebug) log(64, "XProcess, started $", pastPid_);
+        if (atomicFlagDebug) log(tav::LOG_VERBOSE, "XProcess, started $", pastPid_);
         started_.fire();
     });
     connect(this, &QProcess::errorOccurred, this, [this](QProcess::ProcessError e) {
-        if (atomicFlagDebug) log(64, "XProcess, error $: $", int(e), errorString());
+        if (atomicFlagDebug) log(tav::LOG_VERBOSE, "XProcess, error $: $", int(e), errorString());
         error_.fire();
     });
     connect(this, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
             [this](int code, QProcess::ExitStatus st) {
-                if (atomicFlagDebug) log(64, "XProcess, finished $, code $, crashed $", pastPid_, code, st == QProcess::CrashExit);
+                if (atomicFlagDebug) log(tav::LOG_VERBOSE, "XProcess, finished $, code $, crashed $", pastPid_, code, st == QProcess::CrashExit);
                 finished_.fire(st == QProcess::CrashExit);
             });
 }
@@ -80,7 +80,7 @@ void XProcess::addEnv(const QString& env) {
         part = part.trimmed();
         const int eq = part.indexOf(QLatin1Char('='));
         if (eq <= 0) {
-            log(4, "XProcess::addEnv, '$' is not NAME=value", part);
+            log(tav::LOG_ERROR, "XProcess::addEnv, '$' is not NAME=value", part);
             continue;
         }
         pe.insert(part.left(eq).trimmed(), part.mid(eq + 1));

@@ -61,7 +61,7 @@ bool isGuiThread() {
 // ---- AbstractThread -------------------------------------------------------------
 AbstractThread::AbstractThread() = default;
 AbstractThread::AbstractThread(AbstractThread&& o) noexcept : state_(o.state_) {
-    if (o.isActive()) log(4, "AbstractThread::move - source is active");
+    if (o.isActive()) log(tav::LOG_ERROR, "AbstractThread::move - source is active");
 }
 AbstractThread::~AbstractThread() {
     // Safety net: a thread object must not go while its body runs.

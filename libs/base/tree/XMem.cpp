@@ -14,7 +14,7 @@ bool XMem::loadMem(const QString& path) {
     const QFileInfo fi(path);
     if (!fi.exists()) {
         setError(QStringLiteral("missing"));
-        log(64, "XMem::loadMem <<<$>>> 404", path);
+        log(tav::LOG_VERBOSE, "XMem::loadMem <<<$>>> 404", path);
         return false;
     }
     // Only regular files, opened without blocking: a FIFO or device would block or never end.
@@ -22,7 +22,7 @@ bool XMem::loadMem(const QString& path) {
     QString err;
     if (!readUserFile(path, kMaxSize, data, &err)) {
         setError(err);
-        log(4, "XMem::loadMem <<<$>>> - $", path, errorText());
+        log(tav::LOG_ERROR, "XMem::loadMem <<<$>>> - $", path, errorText());
         return false;
     }
     bytes_ = std::move(data);
@@ -32,7 +32,7 @@ bool XMem::loadMem(const QString& path) {
 bool XMem::saveToFile(const QString& path, int /*flags*/) const {
     QString err;
     if (!writeFileAtomic(path, bytes_, &err)) {
-        log(4, "XMem::saveToFile <<<$>>> - $", path, err);
+        log(tav::LOG_ERROR, "XMem::saveToFile <<<$>>> - $", path, err);
         return false;
     }
     return true;

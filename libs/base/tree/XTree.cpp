@@ -87,11 +87,11 @@ const XVal* XTree::value(const QString& key) const {
 }
 
 void XTree::noteMissing(const QString& key, const char* wanted) {
-    log(64, "XTree::get<$>, key '$' missing, default used", wanted, key);
+    log(tav::LOG_VERBOSE, "XTree::get<$>, key '$' missing, default used", wanted, key);
 }
 
 void XTree::noteWrongType(const QString& key, const QString& has, const char* wanted) {
-    log(4, "XTree::get<$>, key '$' holds '$', default used", wanted, key, has);
+    log(tav::LOG_ERROR, "XTree::get<$>, key '$' holds '$', default used", wanted, key, has);
 }
 
 bool XTree::isFlag(const QString& key, bool def) const {
@@ -130,11 +130,11 @@ XTree* XTree::setTree(const QString& key, std::unique_ptr<XTree> tree, const QSt
 XTreeArray* XTree::getArray(const QString& key) const {
     const XVal* v = value(key);
     if (!v) {
-        log(64, "XTree::getArray, key '$' missing", key);
+        log(tav::LOG_VERBOSE, "XTree::getArray, key '$' missing", key);
         return nullptr;
     }
     if (XTreeArray* a = v->array()) return a;
-    log(4, "XTree::getArray, key '$' holds '$'", key, v->type());
+    log(tav::LOG_ERROR, "XTree::getArray, key '$' holds '$'", key, v->type());
     return nullptr;
 }
 
@@ -156,7 +156,7 @@ XTreeArray& XTree::setArray(const QString& key, XTreeArray&& array) {
 bool XTree::writeToStream(QDataStream& out, const XTypeSupporter& types) const {
     WriteDepth depth;
     if (depth.tooDeep()) {
-        log(4, "XTree::writeToStream, nesting deeper than $", XStreamIn::kMaxDepth);
+        log(tav::LOG_ERROR, "XTree::writeToStream, nesting deeper than $", XStreamIn::kMaxDepth);
         return false;
     }
     xstream::prepare(out);
@@ -166,11 +166,11 @@ bool XTree::writeToStream(QDataStream& out, const XTypeSupporter& types) const {
         xstream::writeString(out, v.type());
         const qint64 at = xstream::beginLength(out);
         if (!types.writeValue(out, v)) {
-            log(4, "XTree::writeToStream, key '$': type '$' unknown to '$'", key, v.type(), types.getName());
+            log(tav::LOG_ERROR, "XTree::writeToStream, key '$': type '$' unknown to '$'", key, v.type(), types.getName());
             return false;
         }
         if (!xstream::endLength(out, at)) {
-            log(4, "XTree::writeToStream, key '$': cannot write the value's length", key);
+            log(tav::LOG_ERROR, "XTree::writeToStream, key '$': cannot write the value's length", key);
             return false;
         }
     }
@@ -199,7 +199,7 @@ bool XTree::readFromStream(XStreamIn& in, const XTypeSupporter& types) {
         const bool handled = types.readValue(in, type, v);
         if (!in.ok()) return false;
         if (!handled) {
-            log(4, "XTree::readFromStream, key '$': type '$' unknown to '$', skipped", key, type, types.getName());
+            log(tav::LOG_ERROR, "XTree::readFromStream, key '$': type '$' unknown to '$', skipped", key, type, types.getName());
             if (!in.seek(end)) return false;
         } else if (in.pos() != end || v.isNull()) {
             in.fail(QStringLiteral("value of key '%1' (%2) does not fill its %3 bytes").arg(key, type).arg(length));
@@ -232,30 +232,30 @@ bool XTree::readFromDevice(QIODevice& device, const XTypeSupporter& types) {
     quint32 magic = 0, length = 0, crc = 0;
     quint16 version = 0, reserved = 0;
     if (!in.readU32(magic) || magic != kMagic) {
-        log(4, "XTree::readFromDevice, not a value tree (magic $)", QString::number(magic, 16));
+        log(tav::LOG_ERROR, "XTree::readFromDevice, not a value tree (magic $)", QString::number(magic, 16));
         return false;
     }
     if (!in.readU16(version) || !in.readU16(reserved) || !in.readU32(length) || !in.readU32(crc)) {
-        log(4, "XTree::readFromDevice, header: $", in.error());
+        log(tav::LOG_ERROR, "XTree::readFromDevice, header: $", in.error());
         return false;
     }
     // A newer writer may have changed the layout: refuse rather than misread.
     if (version == 0 || version > kFormatVersion || reserved != 0) {
-        log(4, "XTree::readFromDevice, format version $ (reserved $) is not readable, this reader knows $", version, reserved,
+        log(tav::LOG_ERROR, "XTree::readFromDevice, format version $ (reserved $) is not readable, this reader knows $", version, reserved,
             kFormatVersion);
         return false;
     }
     if (qint64(length) > in.remaining()) {
-        log(4, "XTree::readFromDevice, truncated: body of $ bytes, $ left", length, in.remaining());
+        log(tav::LOG_ERROR, "XTree::readFromDevice, truncated: body of $ bytes, $ left", length, in.remaining());
         return false;
     }
     QByteArray body(int(length), Qt::Uninitialized);
     if (s.readRawData(body.data(), body.size()) != body.size()) {
-        log(4, "XTree::readFromDevice, short read");
+        log(tav::LOG_ERROR, "XTree::readFromDevice, short read");
         return false;
     }
     if (xstream::crc32(body.constData(), body.size()) != crc) {
-        log(4, "XTree::readFromDevice, checksum mismatch: the data is damaged");
+        log(tav::LOG_ERROR, "XTree::readFromDevice, checksum mismatch: the data is damaged");
         return false;
     }
     QBuffer buf(&body);
@@ -264,11 +264,11 @@ bool XTree::readFromDevice(QIODevice& device, const XTypeSupporter& types) {
     XStreamIn bin(bs, body.size());
     XTree tmp;
     if (!tmp.readFromStream(bin, types) || !bin.ok()) {
-        log(4, "XTree::readFromDevice, $", bin.error());
+        log(tav::LOG_ERROR, "XTree::readFromDevice, $", bin.error());
         return false;
     }
     if (bin.remaining() != 0) {
-        log(4, "XTree::readFromDevice, $ bytes after the tree", bin.remaining());
+        log(tav::LOG_ERROR, "XTree::readFromDevice, $ bytes after the tree", bin.remaining());
         return false;
     }
     XTree::operator=(std::move(tmp));
@@ -291,7 +291,7 @@ XMem XTree::createMem(const XTypeSupporter& types) const {
 
 bool XTree::load(const XMem& mem, const XTypeSupporter& types, XTree& out) {
     if (!mem.isOK() || mem.size() == 0) {
-        log(4, "XTree::load, no memory image ($)", mem.isOK() ? QStringLiteral("empty") : mem.errorText());
+        log(tav::LOG_ERROR, "XTree::load, no memory image ($)", mem.isOK() ? QStringLiteral("empty") : mem.errorText());
         return false;
     }
     QBuffer buf;
@@ -300,7 +300,7 @@ bool XTree::load(const XMem& mem, const XTypeSupporter& types, XTree& out) {
     XTree tmp;
     if (!tmp.readFromDevice(buf, types)) return false;
     if (!buf.atEnd()) {
-        log(4, "XTree::load, $ bytes after the image", buf.bytesAvailable());
+        log(tav::LOG_ERROR, "XTree::load, $ bytes after the image", buf.bytesAvailable());
         return false;
     }
     out.XTree::operator=(std::move(tmp));
@@ -316,7 +316,7 @@ XTree XTree::load(const XMem& mem, const XTypeSupporter& types) {
 QByteArray XTree::to_compressed_bytes(const XTypeSupporter& types) const {
     const XMem mem = createMem(types);
     if (!mem.isOK()) {
-        log(4, "XTree::to_compressed_bytes, $", mem.errorText());
+        log(tav::LOG_ERROR, "XTree::to_compressed_bytes, $", mem.errorText());
         return QByteArray();
     }
     const QByteArray packed = qCompress(mem.bytes(), 6);
@@ -331,7 +331,7 @@ QByteArray XTree::to_compressed_bytes(const XTypeSupporter& types) const {
 
 bool XTree::load_from_compressed_bytes(const QByteArray& b, const XTypeSupporter& types) {
     if (b.size() < kCompressedHeaderSize + 4) {
-        log(4, "XTree::load_from_compressed_bytes, $ bytes are too short", b.size());
+        log(tav::LOG_ERROR, "XTree::load_from_compressed_bytes, $ bytes are too short", b.size());
         return false;
     }
     const auto* p = reinterpret_cast<const uchar*>(b.constData());
@@ -339,23 +339,23 @@ bool XTree::load_from_compressed_bytes(const QByteArray& b, const XTypeSupporter
     const quint16 version = qFromBigEndian<quint16>(p + 4);
     const quint16 reserved = qFromBigEndian<quint16>(p + 6);
     if (magic != kMagicCompressed || version == 0 || version > kFormatVersion || reserved != 0) {
-        log(4, "XTree::load_from_compressed_bytes, not a compressed value tree of version $", kFormatVersion);
+        log(tav::LOG_ERROR, "XTree::load_from_compressed_bytes, not a compressed value tree of version $", kFormatVersion);
         return false;
     }
     const qint64 packedSize = b.size() - kCompressedHeaderSize;
     if (xstream::crc32(b.constData() + kCompressedHeaderSize, packedSize) != qFromBigEndian<quint32>(p + 8)) {
-        log(4, "XTree::load_from_compressed_bytes, damaged (checksum)");
+        log(tav::LOG_ERROR, "XTree::load_from_compressed_bytes, damaged (checksum)");
         return false;
     }
     // qUncompress allocates the size it is told; check it before believing it.
     const qint64 unpackedSize = qFromBigEndian<quint32>(p + kCompressedHeaderSize);
     if (unpackedSize == 0 || unpackedSize > XMem::kMaxSize || unpackedSize > (packedSize - 4) * kMaxZlibRatio + 64) {
-        log(4, "XTree::load_from_compressed_bytes, claims $ unpacked bytes", unpackedSize);
+        log(tav::LOG_ERROR, "XTree::load_from_compressed_bytes, claims $ unpacked bytes", unpackedSize);
         return false;
     }
     const QByteArray raw = qUncompress(p + kCompressedHeaderSize, int(packedSize));
     if (raw.size() != unpackedSize) {
-        log(4, "XTree::load_from_compressed_bytes, does not unpack");
+        log(tav::LOG_ERROR, "XTree::load_from_compressed_bytes, does not unpack");
         return false;
     }
     XTree tmp;
@@ -367,12 +367,12 @@ bool XTree::load_from_compressed_bytes(const QByteArray& b, const XTypeSupporter
 bool XTree::save_as_compressed_file(const QFileInfo& file, const XTypeSupporter& types) const {
     const QByteArray out = to_compressed_bytes(types);
     if (out.isEmpty()) {
-        log(4, "XTree::save_as_compressed_file, <<<$>>> not written", file);
+        log(tav::LOG_ERROR, "XTree::save_as_compressed_file, <<<$>>> not written", file);
         return false;
     }
     QString err;
     if (!writeFileAtomic(file.absoluteFilePath(), out, &err)) {
-        log(4, "XTree::save_as_compressed_file, <<<$>>> - $", file, err);
+        log(tav::LOG_ERROR, "XTree::save_as_compressed_file, <<<$>>> - $", file, err);
         return false;
     }
     return true;
@@ -382,7 +382,7 @@ bool XTree::load_from_compressed_file(const QFileInfo& file, const XTypeSupporte
     XMem packed;
     if (!packed.loadMem(file.absoluteFilePath())) return false;
     if (!load_from_compressed_bytes(packed.bytes(), types)) {
-        log(4, "XTree::load_from_compressed_file, <<<$>>> does not load", file);
+        log(tav::LOG_ERROR, "XTree::load_from_compressed_file, <<<$>>> does not load", file);
         return false;
     }
     return true;
@@ -398,7 +398,7 @@ bool XTree::copy(const XTree& source, const XTypeSupporter& types) {
     if (&source == this) return true;
     XTree tmp;
     if (!load(source.createMem(types), types, tmp)) {
-        log(4, "XTree::copy, the tree cannot be copied with '$'", types.getName());
+        log(tav::LOG_ERROR, "XTree::copy, the tree cannot be copied with '$'", types.getName());
         return false;
     }
     XTree::operator=(std::move(tmp));
@@ -409,22 +409,22 @@ bool XTree::copy(const XTree& source, const XTypeSupporter& types) {
 
 void XTree::show(const XTypeSupporter& types, int indent, const QString& title, bool flagTypes, int maxDepth) const {
     const QString sp = createSpace(indent);
-    log(32, "$${", sp, title.isEmpty() ? QString() : title + QLatin1Char(' '));
+    log(tav::LOG_TRACE, "$${", sp, title.isEmpty() ? QString() : title + QLatin1Char(' '));
     const int next = maxDepth < 0 ? -1 : maxDepth - 1;
     for (const auto& [key, v] : entries_) {
         const QString label = flagTypes ? QStringLiteral("%1 <%2>").arg(key, v.type()) : key;
         if (XTree* t = v.tree()) {
-            if (maxDepth == 0) log(32, "$  $: {...}", sp, label);
+            if (maxDepth == 0) log(tav::LOG_TRACE, "$  $: {...}", sp, label);
             else t->show(types, indent + 2, label + QLatin1Char(':'), flagTypes, next);
         } else if (XTreeArray* a = v.array()) {
-            if (maxDepth == 0) log(32, "$  $: [$] {...}", sp, label, a->size());
+            if (maxDepth == 0) log(tav::LOG_TRACE, "$  $: [$] {...}", sp, label, a->size());
             else if (!types.showArray(*a, indent + 2, label + QLatin1Char(':'), flagTypes, next))
                 types.showElements(*a, indent + 2, label + QLatin1Char(':'), flagTypes, next);
         } else {
-            log(32, "$  $: $", sp, label, types.valueAsString(v));
+            log(tav::LOG_TRACE, "$  $: $", sp, label, types.valueAsString(v));
         }
     }
-    log(32, "$}", sp);
+    log(tav::LOG_TRACE, "$}", sp);
 }
 
 QString XTree::toString(const XTypeSupporter& types) const {

@@ -153,13 +153,13 @@ void XTypeSupporter::showElements(const XTreeArray& array, int indent, const QSt
     if (!title.isEmpty()) head << title;
     if (flagTypes) head << QStringLiteral("<%1>").arg(array.elementType());
     head << QStringLiteral("[%1] {").arg(array.size());
-    log(32, "$$", sp, head.join(QLatin1Char(' ')));
+    log(tav::LOG_TRACE, "$$", sp, head.join(QLatin1Char(' ')));
     for (int i = 0; i < array.size(); ++i) {
         const QString label = QStringLiteral("[%1]").arg(i);
-        if (maxDepth == 0) log(32, "$  $ {...}", sp, label);
+        if (maxDepth == 0) log(tav::LOG_TRACE, "$  $ {...}", sp, label);
         else array.at(i)->show(*this, indent + 2, label, flagTypes, maxDepth < 0 ? -1 : maxDepth - 1);
     }
-    log(32, "$}", sp);
+    log(tav::LOG_TRACE, "$}", sp);
 }
 
 } // namespace tav

@@ -40,10 +40,10 @@ bool XInstanceChannel::listen() {
     server_ = new QLocalServer(this);
     server_->setSocketOptions(QLocalServer::UserAccessOption);
     if (!server_->listen(path)) {
-        log(4, "XInstanceChannel::listen, <<<$>>>: $", path, server_->errorString());
+        log(tav::LOG_ERROR, "XInstanceChannel::listen, <<<$>>>: $", path, server_->errorString());
         return false;
     }
-    log(32, "XInstanceChannel::listen, <<<$>>>", path);
+    log(tav::LOG_TRACE, "XInstanceChannel::listen, <<<$>>>", path);
     connect(server_, &QLocalServer::newConnection, this, [this]() {
         while (QLocalSocket* s = server_->nextPendingConnection()) {
             connect(s, &QLocalSocket::disconnected, s, &QObject::deleteLater);
@@ -59,7 +59,7 @@ bool XInstanceChannel::listen() {
                 s->write("ok\n");
                 s->flush();
                 s->disconnectFromServer();
-                log(32, "XInstanceChannel, request '$'", QString::fromUtf8(line));
+                log(tav::LOG_TRACE, "XInstanceChannel, request '$'", QString::fromUtf8(line));
                 request_.fire(line);
             });
         }
@@ -71,7 +71,7 @@ bool XInstanceChannel::send(const QString& key, const QByteArray& request, int t
     QLocalSocket s;
     s.connectToServer(socketPath(key));
     if (!s.waitForConnected(timeoutMs)) {
-        log(16, "XInstanceChannel::send, nobody listens on <<<$>>>", socketPath(key));
+        log(tav::LOG_NAVIGATION, "XInstanceChannel::send, nobody listens on <<<$>>>", socketPath(key));
         return false;
     }
     s.write(request + '\n');

@@ -38,7 +38,7 @@ bool XQuitSignals::install(Quit quit) {
     uninstall();
     if (!QCoreApplication::instance()) return false;
     if (::pipe2(gPipe, O_CLOEXEC | O_NONBLOCK) != 0) {
-        log(4, "XQuitSignals::install, no pipe");
+        log(tav::LOG_ERROR, "XQuitSignals::install, no pipe");
         return false;
     }
     gQuit = std::move(quit);
@@ -47,7 +47,7 @@ bool XQuitSignals::install(Quit quit) {
     QObject::connect(gNotifier, &QSocketNotifier::activated, [](int) {
         unsigned char b = 0;
         if (::read(gPipe[0], &b, 1) != 1) return;
-        log(4, "XQuitSignals, signal $: quitting", int(b));
+        log(tav::LOG_ERROR, "XQuitSignals, signal $: quitting", int(b));
         if (gQuit) gQuit(int(b));
         else QCoreApplication::exit(0);
     });

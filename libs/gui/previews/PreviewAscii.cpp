@@ -38,7 +38,7 @@ void PreviewAscii::to_node() {
 
 void PreviewAscii::ini() {
     if (view_) {
-        log(4, "PreviewAscii::ini, already called");
+        log(tav::LOG_ERROR, "PreviewAscii::ini, already called");
         return;
     }
     view_ = new viewText::XTextView();
@@ -80,7 +80,7 @@ bool PreviewAscii::open_file(const QFileInfo& fi) {
     openedSize_ = fi.size();
     openedTime_ = fi.lastModified();
     set_holding_file(true);
-    if (is_debug()) log(32, "PreviewAscii::open_file <<<$>>>", fi);
+    if (is_debug()) log(tav::LOG_TRACE, "PreviewAscii::open_file <<<$>>>", fi);
     return true;
 }
 

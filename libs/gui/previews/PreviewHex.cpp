@@ -24,7 +24,7 @@ void PreviewHex::to_node() {
 
 void PreviewHex::ini() {
     if (view_) {
-        log(4, "PreviewHex::ini, already called");
+        log(tav::LOG_ERROR, "PreviewHex::ini, already called");
         return;
     }
     view_ = new XHexView();

@@ -23,7 +23,7 @@ PreviewImage::~PreviewImage() { ++*generation_; }
 
 void PreviewImage::ini() {
     if (view_) {
-        log(4, "PreviewImage::ini, already called");
+        log(tav::LOG_ERROR, "PreviewImage::ini, already called");
         return;
     }
     view_ = new XView2D();

@@ -54,7 +54,7 @@ PreviewXml::~PreviewXml() = default;
 
 void PreviewXml::ini() {
     if (tree_) {
-        log(4, "PreviewXml::ini, already called");
+        log(tav::LOG_ERROR, "PreviewXml::ini, already called");
         return;
     }
     tree_ = new QTreeWidget();
@@ -131,7 +131,7 @@ bool PreviewXml::load(QIODevice& dev) {
     if (truncated_) {
         auto* item = new QTreeWidgetItem(tree_);
         item->setText(0, fill("\u2026 $", xt("cut: the file is too large to show whole")));
-        log(32, "PreviewXml::load, <<<$>>> cut after $ elements", fileInfo_, format1000(items));
+        log(tav::LOG_TRACE, "PreviewXml::load, <<<$>>> cut after $ elements", fileInfo_, format1000(items));
     } else if (xml.hasError()) {
         error_ = fill("$ $:$ - $", xt("Line"), xml.lineNumber(), xml.columnNumber(), xml.errorString());
         auto* item = new QTreeWidgetItem(tree_);
@@ -156,7 +156,7 @@ bool PreviewXml::open_file(const QFileInfo& fi) {
     const bool ok = load(f);
     // The whole tree is in memory now; the file is not held.
     set_holding_file(false);
-    if (!ok) log(32, "PreviewXml::open_file, <<<$>>> $", fi, error_);
+    if (!ok) log(tav::LOG_TRACE, "PreviewXml::open_file, <<<$>>> $", fi, error_);
     return ok;
 }
 

@@ -56,7 +56,7 @@ bool XHexView::openFile(const QString& path) {
     src_ = viewText::TextSource::openFile(path, &err);
     if (!src_) {
         error_ = err;
-        log(4, "XHexView::openFile, <<<$>>> $", path, err);
+        log(tav::LOG_ERROR, "XHexView::openFile, <<<$>>> $", path, err);
     }
     updateScrollBar();
     viewport()->update();
@@ -80,7 +80,7 @@ void XHexView::setDefaultImage(const QString& svgPath) {
     delete svg_;
     svg_ = new QSvgRenderer(svgPath, this);
     if (!svg_->isValid()) {
-        log(4, "XHexView::setDefaultImage, <<<$>>> is no picture", svgPath);
+        log(tav::LOG_ERROR, "XHexView::setDefaultImage, <<<$>>> is no picture", svgPath);
         delete svg_;
         svg_ = nullptr;
     }
@@ -246,7 +246,7 @@ void XHexView::reloadIfShrunk() {
     if (!src_ || !src_->shrunk()) return;
     const QString path = src_->path();
     const int64_t top = topRow_, caret = caret_;
-    log(16, "XHexView::reloadIfShrunk, <<<$>>> became shorter, opened again", path);
+    log(tav::LOG_NAVIGATION, "XHexView::reloadIfShrunk, <<<$>>> became shorter, opened again", path);
     if (!openFile(path)) return;
     setCaretPos(caret);
     setTopRow(top);
@@ -413,7 +413,7 @@ void XHexView::keyPressEvent(QKeyEvent* e) {
             const qint64 off = t.startsWith(QLatin1String("0x"), Qt::CaseInsensitive) ? t.mid(2).toLongLong(&ok, 16)
                                                                                        : t.toLongLong(&ok, 10);
             if (!ok || off < 0) {
-                log(8, "XHexView::keyPressEvent, offset '$' not understood", t);
+                log(tav::LOG_REJECTED, "XHexView::keyPressEvent, offset '$' not understood", t);
                 return;
             }
             setCaretPos(off);

@@ -42,7 +42,7 @@ bool XDragOut::eventFilter(QObject* o, QEvent* e) {
         if ((me->pos() - press_).manhattanLength() < QApplication::startDragDistance()) break;
         armed_ = false;
         ++gStarted;
-        log(32, "XDragOut, drag <<<$>>>", file_);
+        log(tav::LOG_TRACE, "XDragOut, drag <<<$>>>", file_);
         // The drag's own loop runs here; nothing of the view is kept across it.
         XTools::drop_file(view_, file_);
         return true;

@@ -25,9 +25,9 @@ QUrl XSearchMachine::url_for(const QString& phrase) const {
 bool XSearchMachine::trigger_search_machine(const QString& phrase) const {
     if (separator || url.isEmpty()) return false;
     const QUrl u = url_for(phrase);
-    log(16, "XSearchMachine::trigger_search_machine, <$>", u.toString());
+    log(tav::LOG_NAVIGATION, "XSearchMachine::trigger_search_machine, <$>", u.toString());
     if (!u.isValid()) {
-        log(4, "XSearchMachine::trigger_search_machine, invalid url <$>", u.toString());
+        log(tav::LOG_ERROR, "XSearchMachine::trigger_search_machine, invalid url <$>", u.toString());
         return false;
     }
     return QDesktopServices::openUrl(u);
@@ -64,13 +64,13 @@ std::vector<XSearchMachine> XSearchMachines::parse(const QString& text) {
         }
         const int comma = line.indexOf(QLatin1Char(','));
         if (comma < 0) {
-            log(4, "XSearchMachines::parse, line $ has no ',' <$>", lineNo, line);
+            log(tav::LOG_ERROR, "XSearchMachines::parse, line $ has no ',' <$>", lineNo, line);
             continue;
         }
         m.title = line.left(comma).trimmed();
         m.url = line.mid(comma + 1).trimmed();
         if (m.title.isEmpty() || m.url.isEmpty()) {
-            log(4, "XSearchMachines::parse, line $ lacks title or url <$>", lineNo, line);
+            log(tav::LOG_ERROR, "XSearchMachines::parse, line $ lacks title or url <$>", lineNo, line);
             continue;
         }
         out.push_back(m);
@@ -87,7 +87,7 @@ std::vector<XSearchMachine> XSearchMachines::get_search_machines(bool cached) {
     QFile f(path);
     std::vector<XSearchMachine> list;
     if (f.open(QIODevice::ReadOnly)) list = parse(QString::fromUtf8(f.readAll()));
-    else log(4, "XSearchMachines::get_search_machines, <<<$>>> 404", path);
+    else log(tav::LOG_ERROR, "XSearchMachines::get_search_machines, <<<$>>> 404", path);
     QMutexLocker l(&gMutex);
     gCache = list;
     gCached = true;

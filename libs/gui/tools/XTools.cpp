@@ -106,7 +106,7 @@ bool XTools::lang_ini(bool reload) {
     {
         QString err;
         cat = XNode::loadFromXml(s.resourcePath, &err);
-        if (!cat) log(4, "XTools::lang_ini, catalogue <<<$>>> missing ($)", s.resourcePath, err);
+        if (!cat) log(tav::LOG_ERROR, "XTools::lang_ini, catalogue <<<$>>> missing ($)", s.resourcePath, err);
     }
     if (!cat) cat = XNode::createRoot(QStringLiteral("GUI"));
     const QFileInfo user = get_absolute_config_file_path(QStringLiteral("lang.xml"));
@@ -117,7 +117,7 @@ bool XTools::lang_ini(bool reload) {
             mergeUserCatalogue(cat.get(), mine.get());
         } else {
             if (mine) err = QStringLiteral("unexpected root <%1>").arg(mine->type());
-            log(4, "XTools::lang_ini, <<<$>>> cannot be read ($), using the built-in catalogue", user.absoluteFilePath(), err);
+            log(tav::LOG_ERROR, "XTools::lang_ini, <<<$>>> cannot be read ($), using the built-in catalogue", user.absoluteFilePath(), err);
             // The editor would save over it: keep the user's work aside.
             moveAside(user.absoluteFilePath());
         }
@@ -148,7 +148,7 @@ void installQtTranslations(const QString& lang) {
             break;   // qt_LANG includes qtbase_LANG and the other modules
         }
     }
-    if (!gQtTranslations) log(8, "XTools::set_lang, no Qt translations for '$' in $", lang, dir);
+    if (!gQtTranslations) log(tav::LOG_REJECTED, "XTools::set_lang, no Qt translations for '$' in $", lang, dir);
 }
 }
 

@@ -40,7 +40,7 @@ QString XTools::get_icon_path(const QString& name) {
 QIcon XTools::getIcon(const QString& name) {
     const QString path = get_icon_path(name);
     if (!QFile::exists(path)) {
-        log(4, "XTools::getIcon, <<<$>>> 404", path);
+        log(tav::LOG_ERROR, "XTools::getIcon, <<<$>>> 404", path);
         return QIcon();
     }
     QIcon svg(path);
@@ -126,7 +126,7 @@ void XTools::setBackgroundColor(QWidget* w, const QColor& c) {
 
 void XTools::show_input_error(QWidget* field, const QString& message) {
     if (!X_ASSERT_MSG(field, "field == NULL")) return;
-    log(8, "XTools::show_input_error, $", message);
+    log(tav::LOG_REJECTED, "XTools::show_input_error, $", message);
     // The reason stays on the field (its tooltip) until the next check, and shows now.
     field->setToolTip(message);
     field->setProperty("inputError", true);
@@ -169,10 +169,10 @@ void XTools::flash_combobox_editable(QComboBox* combo, int times) {
 bool XTools::drop_file(QWidget* source, const QFileInfo& fi) {
     if (!X_ASSERT_MSG(source, "widget == NULL")) return false;
     if (!fi.exists()) {
-        log(4, "XTools::drop_file, <<<$>>> 404", fi.absoluteFilePath());
+        log(tav::LOG_ERROR, "XTools::drop_file, <<<$>>> 404", fi.absoluteFilePath());
         return false;
     }
-    log(32, "XTools::drop_file, <<<$>>>", fi.absoluteFilePath());
+    log(tav::LOG_TRACE, "XTools::drop_file, <<<$>>>", fi.absoluteFilePath());
     auto* mime = new QMimeData;
     mime->setUrls({QUrl::fromLocalFile(fi.absoluteFilePath())});
     mime->setText(fi.absoluteFilePath());
@@ -186,18 +186,18 @@ bool XTools::drop_file(QWidget* source, const QFileInfo& fi) {
 // ---- desktop -------------------------------------------------------------------------------------
 bool XTools::open_file_with_default_program(const QFileInfo& fi) {
     if (!fi.exists()) {
-        log(4, "XTools::open_file_with_default_program, <<<$>>> 404", fi.absoluteFilePath());
+        log(tav::LOG_ERROR, "XTools::open_file_with_default_program, <<<$>>> 404", fi.absoluteFilePath());
         return false;
     }
     const bool ok = QDesktopServices::openUrl(QUrl::fromLocalFile(fi.absoluteFilePath()));
-    if (!ok) log(4, "XTools::open_file_with_default_program, <<<$>>> failed", fi.absoluteFilePath());
+    if (!ok) log(tav::LOG_ERROR, "XTools::open_file_with_default_program, <<<$>>> failed", fi.absoluteFilePath());
     return ok;
 }
 
 bool XTools::showFolderInFileManager(const QString& path) {
     const QFileInfo fi(path);
     if (!fi.exists()) {
-        log(4, "XTools::showFolderInFileManager, <<<$>>> 404", path);
+        log(tav::LOG_ERROR, "XTools::showFolderInFileManager, <<<$>>> 404", path);
         return false;
     }
     const QString service = QStringLiteral("org.freedesktop.FileManager1");
@@ -210,7 +210,7 @@ bool XTools::showFolderInFileManager(const QString& path) {
     }
     const QString folder = fi.isDir() ? fi.absoluteFilePath() : fi.absolutePath();
     const bool ok = QDesktopServices::openUrl(QUrl::fromLocalFile(folder));
-    if (!ok) log(4, "XTools::showFolderInFileManager, <<<$>>> failed", folder);
+    if (!ok) log(tav::LOG_ERROR, "XTools::showFolderInFileManager, <<<$>>> failed", folder);
     return ok;
 }
 

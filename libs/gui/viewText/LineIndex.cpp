@@ -95,7 +95,7 @@ void LineIndex::run(const std::shared_ptr<State>& st, const TextSourcePtr& src) 
     if (viaFile) {
         f.setFileName(src->path());
         if (!f.open(QIODevice::ReadOnly)) {
-            log(4, "LineIndex::run, <<<$>>> cannot be read ($), scanning the mapping", src->path(), f.errorString());
+            log(tav::LOG_ERROR, "LineIndex::run, <<<$>>> cannot be read ($), scanning the mapping", src->path(), f.errorString());
         }
     }
     const bool readFile = viaFile && f.isOpen();
@@ -159,7 +159,7 @@ void LineIndex::run(const std::shared_ptr<State>& st, const TextSourcePtr& src) 
         st->anchors.shrink_to_fit();
         st->indexed = size;
         st->done = true;
-        log(64, "LineIndex::run, lines:$, anchors:$, within $ sec", format1000(int64_t(line + 1)),
+        log(tav::LOG_VERBOSE, "LineIndex::run, lines:$, anchors:$, within $ sec", format1000(int64_t(line + 1)),
             format1000(uint64_t(st->anchors.size())), formatMicrosecond_as_Sec(getMicroseconds() - t0));
     }
 }

@@ -30,7 +30,7 @@ std::shared_ptr<TextSource> TextSource::openFile(const QString& path, QString* e
             s->size_ = size;
             return s;
         }
-        log(4, "TextSource::openFile, <<<$>>> cannot be mapped ($), reading $ bytes at most", s->path_,
+        log(tav::LOG_ERROR, "TextSource::openFile, <<<$>>> cannot be mapped ($), reading $ bytes at most", s->path_,
             s->file_.errorString(), readLimit);
     }
     // Not mappable, or a file that reports size 0 but has content (/proc): read it.

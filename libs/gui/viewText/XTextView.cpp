@@ -116,7 +116,7 @@ bool XTextView::openFile(const QString& path) {
     src_ = TextSource::openFile(path, &err);
     if (!src_) {
         error_ = err;
-        log(4, "XTextView::openFile, <<<$>>> $", path, err);
+        log(tav::LOG_ERROR, "XTextView::openFile, <<<$>>> $", path, err);
         updateScrollBars();
         viewport()->update();
         return false;
@@ -174,7 +174,7 @@ bool XTextView::reloadIfShrunk() {
     if (!src_ || !src_->shrunk()) return false;
     const QString path = src_->path();
     const int64_t top = top_.ls, caret = caret_;
-    log(16, "XTextView::reloadIfShrunk, <<<$>>> became shorter, opened again", path);
+    log(tav::LOG_NAVIGATION, "XTextView::reloadIfShrunk, <<<$>>> became shorter, opened again", path);
     if (!openFile(path)) return true;
     setCaretPos(std::min(caret, size()));
     scrollToByte(std::min(top, size()), false);

@@ -62,7 +62,7 @@ void XTextView::copy() const {
     if (!hasSelection()) return;
     constexpr int64_t kMaxCopy = 256LL * 1024 * 1024;
     if (selectionEnd() - selectionStart() > kMaxCopy)
-        log(4, "XTextView::copy, selection of $ cut to $", formatBytes(uint64_t(selectionEnd() - selectionStart())),
+        log(tav::LOG_ERROR, "XTextView::copy, selection of $ cut to $", formatBytes(uint64_t(selectionEnd() - selectionStart())),
             formatBytes(uint64_t(kMaxCopy)));
     QApplication::clipboard()->setText(selectedText(kMaxCopy));
 }

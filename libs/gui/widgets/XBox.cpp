@@ -19,7 +19,7 @@ bool scripted(const char* kind, const QString& title, int* answer, const QString
     gLastText = text;
     const int a = gAnswer.load();
     if (a < 0) return false;
-    log(32, "XBox::$, title:'$', scripted answer:$", kind, title, a);
+    log(tav::LOG_TRACE, "XBox::$, title:'$', scripted answer:$", kind, title, a);
     *answer = a;
     return true;
 }

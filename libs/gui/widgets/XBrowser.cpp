@@ -29,7 +29,7 @@ bool XBrowser::showPage(const QString& path) {
     const QUrl url = pageUrl(path);
     const QString file = url.scheme() == QLatin1String("qrc") ? QLatin1Char(':') + url.path() : url.toLocalFile();
     if (!QFile::exists(file)) {
-        log(4, "XBrowser::showPage, <<<$>>> 404", path);
+        log(tav::LOG_ERROR, "XBrowser::showPage, <<<$>>> 404", path);
         return false;
     }
     setSource(url);
@@ -41,7 +41,7 @@ bool XBrowser::setResourceHTML(const QString& path, bool replace) {
     const QString file = url.scheme() == QLatin1String("qrc") ? QLatin1Char(':') + url.path() : url.toLocalFile();
     QFile f(file);
     if (!f.open(QIODevice::ReadOnly)) {
-        log(4, "XBrowser::setResourceHTML, <<<$>>> 404", path);
+        log(tav::LOG_ERROR, "XBrowser::setResourceHTML, <<<$>>> 404", path);
         return false;
     }
     QString html = QString::fromUtf8(f.readAll());

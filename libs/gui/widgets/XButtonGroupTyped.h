@@ -36,7 +36,7 @@ public:
     bool select(T value) {
         QAbstractButton* b = group_->button(int(value));
         if (!b) {
-            log(8, "XButtonGroupTyped<TYPE>::select, bt with ID:$ does not exist", int(value));
+            log(tav::LOG_REJECTED, "XButtonGroupTyped<TYPE>::select, bt with ID:$ does not exist", int(value));
             return false;
         }
         b->setChecked(true);
@@ -47,7 +47,7 @@ public:
     T currentEnum() const {
         const int id = group_->checkedId();
         if (id == -1 && !group_->checkedButton()) {
-            log(32, "XButtonGroupTyped<$>::currentEnum, no current enum, return 0", typeName_);
+            log(tav::LOG_TRACE, "XButtonGroupTyped<$>::currentEnum, no current enum, return 0", typeName_);
             return T(0);
         }
         return T(id);

@@ -238,12 +238,12 @@ QModelIndex XTreeViewFiles::indexOfPath(const QString& path) const {
 bool XTreeViewFiles::selectFile(const QString& path, bool expand) {
     const QFileInfo fi(path);
     if (path.isEmpty() || !fi.exists()) {
-        log(16, "XTreeViewFiles::selectFile, <<<$>>> 404", path);
+        log(tav::LOG_NAVIGATION, "XTreeViewFiles::selectFile, <<<$>>> 404", path);
         return false;
     }
     const QModelIndex idx = indexOfPath(fi.absoluteFilePath());
     if (!idx.isValid()) {
-        log(16, "XTreeViewFiles::selectFile, <<<$>>> not in the tree", fi.absoluteFilePath());
+        log(tav::LOG_NAVIGATION, "XTreeViewFiles::selectFile, <<<$>>> not in the tree", fi.absoluteFilePath());
         return false;
     }
     // Selecting runs the owner's handlers, which may change the model (or run
@@ -270,7 +270,7 @@ bool XTreeViewFiles::setRoot(const QString& path) {
     } else {
         const QFileInfo fi(clean);
         if (!fi.isDir()) {
-            log(4, "XTreeViewFiles::setRoot, <<<$>>> is no folder", clean);
+            log(tav::LOG_ERROR, "XTreeViewFiles::setRoot, <<<$>>> is no folder", clean);
             return false;
         }
         const QModelIndex idx = indexOfPath(clean);

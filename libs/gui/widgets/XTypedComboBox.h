@@ -23,7 +23,7 @@ public:
         int i = currentIndex();
         if (i < 0) i = 0;
         if (size_t(i) >= values_.size()) {
-            log(4, "XTypedComboBox_inline::selected, index:$ - type problem", i);
+            log(tav::LOG_ERROR, "XTypedComboBox_inline::selected, index:$ - type problem", i);
             return T(0);
         }
         return values_[size_t(i)];

@@ -32,7 +32,7 @@ XBrowserWindow::XBrowserWindow(const QString& page, const QString& title, int mo
 }
 
 XBrowserWindow* XBrowserWindow::showHelp(const QString& page, const QString& title, int mode) {
-    log(32, "XBrowserWindow::showHelp, <<<$>>>, mode:$", page, mode);
+    log(tav::LOG_TRACE, "XBrowserWindow::showHelp, <<<$>>>, mode:$", page, mode);
     auto* w = new XBrowserWindow(page, title, mode);
     if (w->browser()->source().isEmpty()) {
         delete w;

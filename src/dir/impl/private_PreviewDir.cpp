@@ -49,7 +49,7 @@ QWidget* private_PreviewDir::widget() const { return splitter_.data(); }
 
 void private_PreviewDir::ini() {
     if (splitter_) {
-        log(32, "PreviewDir::Impl::ini - already initialized");
+        log(tav::LOG_TRACE, "PreviewDir::Impl::ini - already initialized");
         return;
     }
     splitter_ = new tav::XSplitter(Qt::Horizontal, nullptr);
@@ -149,7 +149,7 @@ void private_PreviewDir::selectInner(const QFileInfo& fi) {
 }
 
 void private_PreviewDir::setFilepath(const QString& path) {
-    log(32, "PreviewDir::Impl::setFilepath, '$'", path);
+    log(tav::LOG_TRACE, "PreviewDir::Impl::setFilepath, '$'", path);
     if (!splitter_) ini();
     path_ = path;
     const int gen = ++generation_;
@@ -226,11 +226,11 @@ void private_PreviewDir::onRowClicked(int row) {
 void private_PreviewDir::onActiveWinView(int view) {
     if (!splitter_) ini();
     if (view == PreviewDir::VIEW_TABLE) {
-        log(32, "private_PreviewDir::on_active_win_view, da table");
+        log(tav::LOG_TRACE, "private_PreviewDir::on_active_win_view, da table");
         loader_.clear();
         stack_->showPanel(table_);
     } else if (view == PreviewDir::VIEW_THUMB) {
-        log(32, "private_PreviewDir::on_active_win_view, da thumb");
+        log(tav::LOG_TRACE, "private_PreviewDir::on_active_win_view, da thumb");
         stack_->showPanel(thumbs_);
     } else {
         return;
@@ -243,7 +243,7 @@ void private_PreviewDir::stopThumbs() { loader_.clear(); }
 void private_PreviewDir::loadVisibleThumbs() {
     if (!thumbsShown()) return;
     const QList<PanThumb*> tiles = thumbs_->visibleTiles();
-    log(32, "scroll contents, ar:$", tiles.size());
+    log(tav::LOG_TRACE, "scroll contents, ar:$", tiles.size());
     for (PanThumb* t : tiles) {
         loader_.add(t);
         if (t->property("tfWired").toBool()) continue;

@@ -56,7 +56,7 @@ QVariant ListModelPrograms::data(const QModelIndex& index, int role) const {
 
 XApp ListModelPrograms::app_at(int row) const {
     if (!isValidRow(row)) {
-        log(32, "ListModelPrograms::app_at, row:$, range problems 0...$", row, int(apps_.size()));
+        log(tav::LOG_TRACE, "ListModelPrograms::app_at, row:$, range problems 0...$", row, int(apps_.size()));
         return XApp(XApp::Empty{});
     }
     return apps_[size_t(row)];
@@ -65,7 +65,7 @@ XApp ListModelPrograms::app_at(int row) const {
 void ListModelPrograms::set_app_at(int row, XApp app) {
     if (!isValidRow(row)) {
         // Callers pass a valid row; writing past the end is never an option.
-        log(32, "ListModelPrograms::set_app_at, row:$, range problems 0...$", row, int(apps_.size()));
+        log(tav::LOG_TRACE, "ListModelPrograms::set_app_at, row:$, range problems 0...$", row, int(apps_.size()));
         return;
     }
     beginResetModel();
@@ -74,10 +74,10 @@ void ListModelPrograms::set_app_at(int row, XApp app) {
 }
 
 void ListModelPrograms::newApp(int row) {
-    log(32, "ListModelPrograms::newApp, row:$", row);
-    if (isValidRow(row)) log(32, "ListModelPrograms::newApp, program:$", apps_[size_t(row)].get_name(false));
+    log(tav::LOG_TRACE, "ListModelPrograms::newApp, row:$", row);
+    if (isValidRow(row)) log(tav::LOG_TRACE, "ListModelPrograms::newApp, program:$", apps_[size_t(row)].get_name(false));
     else row = 0;
-    log(32, "ListModelPrograms::newApp, new app: '$'", mersenneTwister().randString(7));
+    log(tav::LOG_TRACE, "ListModelPrograms::newApp, new app: '$'", mersenneTwister().randString(7));
     XApp app;
     app.show(32);
     beginResetModel();
@@ -94,7 +94,7 @@ bool ListModelPrograms::nameTaken(const QString& name) const {
 void ListModelPrograms::copyApp(int row) {
     if (!isValidRow(row)) return;
     const XApp& source = apps_[size_t(row)];
-    log(32, "ListModelPrograms::copyApp, program:$", source.get_name(false));
+    log(tav::LOG_TRACE, "ListModelPrograms::copyApp, program:$", source.get_name(false));
     XApp copy(source);
     QString name = source.get_name(false);
     do {
@@ -108,16 +108,16 @@ void ListModelPrograms::copyApp(int row) {
 
 void ListModelPrograms::swap(int a, int b) {
     if (!isValidRow(a) || !isValidRow(b) || a == b) return;
-    log(32, "ListModelPrograms::swap");
+    log(tav::LOG_TRACE, "ListModelPrograms::swap");
     beginResetModel();
     std::swap(apps_[size_t(a)], apps_[size_t(b)]);
     endResetModel();
 }
 
 void ListModelPrograms::delete_row(int row) {
-    log(32, "ListModelPrograms::delete_row, row:$", row);
+    log(tav::LOG_TRACE, "ListModelPrograms::delete_row, row:$", row);
     if (!isValidRow(row)) {
-        log(32, "ListModelPrograms::delete_row, bounds ?");
+        log(tav::LOG_TRACE, "ListModelPrograms::delete_row, bounds ?");
         return;
     }
     beginResetModel();
@@ -126,7 +126,7 @@ void ListModelPrograms::delete_row(int row) {
 }
 
 void ListModelPrograms::delete_all() {
-    log(32, "ListModelPrograms::delete_all");
+    log(tav::LOG_TRACE, "ListModelPrograms::delete_all");
     beginResetModel();
     apps_.clear();
     endResetModel();

@@ -123,7 +123,7 @@ void PanelProgram::on_select_icon() {
 void PanelProgram::on_select_working_dir() {
     const QString dir = QFileDialog::getExistingDirectory(this, xt("Select a Directory"), QDir::currentPath(),
                                                           QFileDialog::ShowDirsOnly);
-    log(64, "dir name '$'", dir);
+    log(tav::LOG_VERBOSE, "dir name '$'", dir);
     if (!dir.isEmpty()) editWorkingDir_->setText(dir);
 }
 

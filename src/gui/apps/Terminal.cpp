@@ -36,7 +36,7 @@ Terminal::Emulator Terminal::find_emulator() {
             emu.style = styleOf(found);
             return emu;
         }
-        log(4, "Terminal::find_emulator, TERMINAL '$' not found", fromEnv.first());
+        log(tav::LOG_ERROR, "Terminal::find_emulator, TERMINAL '$' not found", fromEnv.first());
     }
     for (const char* name : {"x-terminal-emulator", "gnome-terminal", "konsole", "xfce4-terminal", "xterm"}) {
         const QString found = QStandardPaths::findExecutable(QString::fromLatin1(name));
@@ -76,12 +76,12 @@ QString Terminal::folder_of(const QFileInfo& fi) {
 
 void Terminal::open_here(const QFileInfo& fi) {
     const QString folder = folder_of(fi);
-    log(32, "Terminal::open_here '$'", folder);
+    log(tav::LOG_TRACE, "Terminal::open_here '$'", folder);
     open_terminal_windows(folder);
 }
 
 void Terminal::open_terminal_windows(const QString& folder) {
-    log(32, "open_terminal_windows,*, sPath '$'", folder);
+    log(tav::LOG_TRACE, "open_terminal_windows,*, sPath '$'", folder);
     auto* proc = new tav::XProcess();
 #ifdef Q_OS_WIN
     // The command interpreter needs a console window of its own.
@@ -94,7 +94,7 @@ void Terminal::open_terminal_windows(const QString& folder) {
 #else
     const Emulator emu = find_emulator();
     if (!emu.isValid()) {
-        log(4, "open_terminal_windows, no terminal emulator found (TERMINAL, x-terminal-emulator, gnome-terminal, konsole, xfce4-terminal, xterm)");
+        log(tav::LOG_ERROR, "open_terminal_windows, no terminal emulator found (TERMINAL, x-terminal-emulator, gnome-terminal, konsole, xfce4-terminal, xterm)");
         proc->deleteLater();
         return;
     }
@@ -103,26 +103,26 @@ void Terminal::open_terminal_windows(const QString& folder) {
     proc->setWorkingDirectory(folder);
 #endif
     proc->addStartedListener([proc]() {
-        if (proc->isRunning()) log(64, "open_terminal_windows, running PID:$", proc->processId());
+        if (proc->isRunning()) log(tav::LOG_VERBOSE, "open_terminal_windows, running PID:$", proc->processId());
     });
     proc->addErrorListener([proc]() {
-        log(32, "open_terminal_windows, da proc err:$", proc->toString());
+        log(tav::LOG_TRACE, "open_terminal_windows, da proc err:$", proc->toString());
         // A program that never started never finishes either.
         if (proc->error() == QProcess::FailedToStart) proc->deleteLater();
     });
     proc->addFinishedListener([proc](bool crashed) {
         if (crashed)
-            log(64, "open_terminal_windows, listenerExit, process [$] exit, flagCrashed:$", proc->processId_past(), crashed);
+            log(tav::LOG_VERBOSE, "open_terminal_windows, listenerExit, process [$] exit, flagCrashed:$", proc->processId_past(), crashed);
         else
-            log(64, "open_terminal_windows, listenerExit, process [$] exit", proc->processId_past());
+            log(tav::LOG_VERBOSE, "open_terminal_windows, listenerExit, process [$] exit", proc->processId_past());
         proc->deleteLater();
     });
     proc->start(QIODevice::ReadWrite);
     if (!proc->waitForStarted(30000))
-        log(4, "open_terminal_windows, processID cannot start_global:$", tav::getLastErrorMessage());
+        log(tav::LOG_ERROR, "open_terminal_windows, processID cannot start_global:$", tav::getLastErrorMessage());
     else
-        log(16, "open_terminal_windows, processID:$ started", proc->processId());
-    log(32, "~open_terminal_windows");
+        log(tav::LOG_NAVIGATION, "open_terminal_windows, processID:$ started", proc->processId());
+    log(tav::LOG_TRACE, "~open_terminal_windows");
 }
 
 } // namespace tavFinder

@@ -36,7 +36,7 @@ WinEditorApps::WinEditorApps() {
 }
 
 WinEditorApps::~WinEditorApps() {
-    log(32, "WinPrograms::~WinPrograms");
+    log(tav::LOG_TRACE, "WinPrograms::~WinPrograms");
     gOpen = false;
 }
 
@@ -129,7 +129,7 @@ void WinEditorApps::on_row_selected(int row) {
 }
 
 void WinEditorApps::on_move_up() {
-    log(32, "WinEditorApps::on_move_up");
+    log(tav::LOG_TRACE, "WinEditorApps::on_move_up");
     const int row = selectedRow();
     if (model_->rowCount() < 2 || row < 0) return;
     model_->swap(row, row - 1);
@@ -137,7 +137,7 @@ void WinEditorApps::on_move_up() {
 }
 
 void WinEditorApps::on_move_down() {
-    log(32, "WinEditorApps::on_move_down");
+    log(tav::LOG_TRACE, "WinEditorApps::on_move_down");
     const int row = selectedRow();
     if (model_->rowCount() < 2 || row < 0) return;
     model_->swap(row, row + 1);
@@ -145,8 +145,8 @@ void WinEditorApps::on_move_down() {
 }
 
 void WinEditorApps::on_new_app() {
-    log(32, "button NEW pressed");
-    log(32, "WinEditorApps::on_new_app");
+    log(tav::LOG_TRACE, "button NEW pressed");
+    log(tav::LOG_TRACE, "WinEditorApps::on_new_app");
     const int row = selectedRow();
     model_->newApp(row);
     selectRow(row < 0 ? 0 : row);
@@ -172,11 +172,11 @@ void WinEditorApps::on_delete_app() {
     const int next = row == count - 1 ? row - 1 : row;
     model_->delete_row(row);
     selectRow(next);
-    log(32, "WinEditorApps::setup, delete row:$", next);
+    log(tav::LOG_TRACE, "WinEditorApps::setup, delete row:$", next);
 }
 
 void WinEditorApps::on_reset() {
-    log(32, "WinEditorApps::setup, reset app list");
+    log(tav::LOG_TRACE, "WinEditorApps::setup, reset app list");
     if (!tav::XBox::ask_yes_no(this, xt("Reset Applications"), xt("Do you really want to reset Application List ?"))) return;
     model_->from_tree(copyAtOpen_);
     if (model_->rowCount() > 0) selectRow(0);
@@ -199,7 +199,7 @@ void WinEditorApps::on_apply() {
 
 void WinEditorApps::on_test_exec() {
     const XApp app = form_->to_app();
-    log(32, "WinEditorApps::on_test_exec");
+    log(tav::LOG_TRACE, "WinEditorApps::on_test_exec");
     app.show(32);
     // Stays on for the rest of the run: the test is meant to be watched in the log.
     tav::XProcess::atomicFlagDebug = true;
@@ -207,7 +207,7 @@ void WinEditorApps::on_test_exec() {
 }
 
 void WinEditorApps::on_ok() {
-    log(32, "WinEditorApps::on_ok");
+    log(tav::LOG_TRACE, "WinEditorApps::on_ok");
     XAppManager::tree() = model_->to_tree();
     XAppManager::tree().show(XAppManager::types(), 0, QString(), false, -1);
     XAppManager::save();
@@ -215,7 +215,7 @@ void WinEditorApps::on_ok() {
 }
 
 void WinEditorApps::on_Cancel() {
-    log(32, "WinEditorApps::on_Cancel");
+    log(tav::LOG_TRACE, "WinEditorApps::on_Cancel");
     // Also undoes every Apply, and the file gets the list of the opening again.
     XAppManager::tree() = copyAtOpen_.create_copy(XType_App::forEditor());
     XAppManager::save();

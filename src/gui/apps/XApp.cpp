@@ -37,7 +37,7 @@ XApp::XApp(const XApp& other) : tav::XTree() { copyFrom(other); }
 XApp::XApp(XApp&& other) noexcept : tav::XTree() { swap(other); }
 
 XApp::~XApp() {
-    if (tav::XTools::isDebug()) log(64, "XApp::~XApp");
+    if (tav::XTools::isDebug()) log(tav::LOG_VERBOSE, "XApp::~XApp");
 }
 
 XApp& XApp::operator=(const tav::XTree& source) {
@@ -51,7 +51,7 @@ XApp& XApp::operator=(const XApp& other) {
 }
 
 XApp& XApp::operator=(XApp&& other) noexcept {
-    if (tav::Kernel::isDebug()) log(64, "XApp::operator=, MOVE");
+    if (tav::Kernel::isDebug()) log(tav::LOG_VERBOSE, "XApp::operator=, MOVE");
     if (&other != this) swap(other);
     return *this;
 }
@@ -62,7 +62,7 @@ void XApp::copyFrom(const tav::XTree& source) {
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::ReadWrite);
     if (!mem.isOK() || !readFromDevice(buffer, XType_App::forCopy())) {
-        log(4, "XApp::copyFrom, the tree cannot be copied");
+        log(tav::LOG_ERROR, "XApp::copyFrom, the tree cannot be copied");
         clear();
     }
 }

@@ -37,7 +37,7 @@ bool XAppManager::load() {
     if (!fi.exists()) return false;
     if (tree().load_from_compressed_file(fi, types())) return true;
     // The editor saves over it later: keep the user's file.
-    log(4, "XAppManager::load <<<$>>> cannot be read, moved aside", fi);
+    log(tav::LOG_ERROR, "XAppManager::load <<<$>>> cannot be read, moved aside", fi);
     tav::moveAside(fi.absoluteFilePath());
     return false;
 }
@@ -91,7 +91,7 @@ std::vector<XApp*> XAppManager::get_apps() {
     if (!programs) return apps;
     for (const auto& e : programs->elements()) {
         if (auto* app = dynamic_cast<XApp*>(e.get())) apps.push_back(app);
-        else log(4, "XAppManager::get_apps, an element is not an application");
+        else log(tav::LOG_ERROR, "XAppManager::get_apps, an element is not an application");
     }
     return apps;
 }

@@ -29,8 +29,8 @@ void broadcastLater(const QString& text) {
 }
 
 void logStart(tav::XProcess* proc, bool started) {
-    if (started) log(16, "WinRunProgram::on_exec, processID:$ started", proc->processId());
-    else log(4, "WinRunProgram::on_exec, processID cannot start_global:$",
+    if (started) log(tav::LOG_NAVIGATION, "WinRunProgram::on_exec, processID:$ started", proc->processId());
+    else log(tav::LOG_ERROR, "WinRunProgram::on_exec, processID cannot start_global:$",
              XAppRunner::start_error_text(proc->program(), proc->error(), proc->errorString()));
 }
 
@@ -42,20 +42,20 @@ bool startTerminal(const XApp& app) {
     // Diagnostics only: the words of the command as written.
     QString cmd = app.get_path(true);
     if (app.has_arguments()) cmd += QLatin1Char(' ') + app.get_arguments(true);
-    log(32, "-");
+    log(tav::LOG_TRACE, "-");
     tav::XTokenizer(cmd, QStringLiteral(" \t\n"), false).show(32);
-    log(32, "-");
+    log(tav::LOG_TRACE, "-");
 
-    if (app.is_flag_keep_term_open()) log(32, "TERM OPEN");
+    if (app.is_flag_keep_term_open()) log(tav::LOG_TRACE, "TERM OPEN");
     const QString folder = app.get_working_dir(true);
     const QStringList command{QStringLiteral("bash"), QStringLiteral("-c"), XAppRunner::terminal_command_line(app)};
     proc->addEnv(app.get_environment(true));
     proc->addFinishedListener([proc](bool) {
-        log(32, "fertig !");
-        log(32, "arBytes<<$>>", QString::fromUtf8(proc->readAll()));
+        log(tav::LOG_TRACE, "fertig !");
+        log(tav::LOG_TRACE, "arBytes<<$>>", QString::fromUtf8(proc->readAll()));
     });
     if (!emu.isValid()) {
-        log(4, "WinRunProgram::on_exec, processID cannot start_global:$",
+        log(tav::LOG_ERROR, "WinRunProgram::on_exec, processID cannot start_global:$",
             QStringLiteral("no terminal emulator found (TERMINAL, x-terminal-emulator, gnome-terminal, konsole, xfce4-terminal, xterm)"));
         proc->deleteLater();
         return true;
@@ -73,7 +73,7 @@ bool startTerminal(const XApp& app) {
 }
 
 bool startDirect(const XApp& app) {
-    log(32, "WinRunProgram::on_exec, no terminal");
+    log(tav::LOG_TRACE, "WinRunProgram::on_exec, no terminal");
     auto* proc = new tav::XProcess();
     // Error output belongs to what the user wants to see.
     proc->setProcessChannelMode(QProcess::MergedChannels);
@@ -82,10 +82,10 @@ bool startDirect(const XApp& app) {
         if (showOutput) {
             QString text;
             if (crashed) {
-                log(4, "XAppRunner::start_program, process crashed");
+                log(tav::LOG_ERROR, "XAppRunner::start_program, process crashed");
                 text = QStringLiteral("Process crashed\nProcess crashed\nProcess crashed\nProcess crashed\n");
             } else {
-                log(32, "XAppRunner::start_program, process exit");
+                log(tav::LOG_TRACE, "XAppRunner::start_program, process exit");
                 text = QString::fromUtf8(proc->readAll());
                 if (text.isEmpty()) text = QStringLiteral("Process result is empty!");
             }
@@ -95,7 +95,7 @@ bool startDirect(const XApp& app) {
     });
     proc->setErrorListener([proc]() {
         const QString why = XAppRunner::start_error_text(proc->program(), proc->error(), proc->errorString());
-        log(4, "XAppRunner::start_program, process error: $", why);
+        log(tav::LOG_ERROR, "XAppRunner::start_program, process error: $", why);
         broadcastLater(QStringLiteral("Process Error\n") + why + QLatin1Char('\n'));
         // A program that never started never finishes either.
         if (proc->error() == QProcess::FailedToStart) proc->deleteLater();

@@ -42,7 +42,7 @@ bool WinFinderConfig::ext_from_string(const QString& text) {
     static const QRegularExpression delims(QStringLiteral("[, ]"));
     const QStringList parts = text.split(delims, Qt::SkipEmptyParts);
     if (parts.isEmpty()) {
-        log(4, "WinFinderConfig::ext_from_string, EMPTY");
+        log(tav::LOG_ERROR, "WinFinderConfig::ext_from_string, EMPTY");
         return false;
     }
     for (const QString& p : parts)
@@ -102,7 +102,7 @@ void WinFinderConfig::fromNode(tav::XNode* n) {
     countThreads = n->getUInt(QStringLiteral("countThreads"), countThreads);
     // 5: deliberately 2, not the hardware count.
     if (countThreads == 0 || countThreads > 64) {
-        log(4, "WinFinderConfig::fromNode, countThreads:$, allowed range 1...64, set to 2", countThreads);
+        log(tav::LOG_ERROR, "WinFinderConfig::fromNode, countThreads:$, allowed range 1...64, set to 2", countThreads);
         countThreads = 2;
     }
     // 6

@@ -397,7 +397,7 @@ void DiaTavFinderConfig::set_cfg_from_gui() {
     cfg_.scope = comboScope_->selected();
     cfg_.flagRegEx = true;
     // 10
-    log(32, "DiaWinFinderConfig::set_cfg_from_gui, cfg.li_pos:$", cfg_.li_pos);
+    log(tav::LOG_TRACE, "DiaWinFinderConfig::set_cfg_from_gui, cfg.li_pos:$", cfg_.li_pos);
 }
 
 } // namespace tavFinder

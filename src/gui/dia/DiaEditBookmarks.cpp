@@ -73,7 +73,7 @@ void DiaEditBookmarks::on_up() {
     ListModelBookmarks* m = model();
     if (!m || m->rowCount() < 2) return;
     const int row = selectedRow();
-    log(32, "DiaEditBookmarks::setup, up, row:$", row);
+    log(tav::LOG_TRACE, "DiaEditBookmarks::setup, up, row:$", row);
     if (row < 0) return;
     m->swap(row, row - 1);
     selectRow(row - 1);
@@ -100,11 +100,11 @@ void DiaEditBookmarks::on_edit_bookmark() {
     dia.set_bookmark(old);
     if (!dia.isExecOK(true)) return;
     const Bookmark bm = dia.get_bookmark();
-    log(32, "WinFinder::DiaEditBookmarks::on_edit_bookmark");
-    log(32, "bm:$", Bookmarks::to_string(bm));
+    log(tav::LOG_TRACE, "WinFinder::DiaEditBookmarks::on_edit_bookmark");
+    log(tav::LOG_TRACE, "bm:$", Bookmarks::to_string(bm));
     // A blank title keeps the old one.
     if (bm.title.trimmed().isEmpty()) return;
-    log(32, "DiaEditBookmarks::on_edit_bookmark, got bm <$>", Bookmarks::to_string(bm));
+    log(tav::LOG_TRACE, "DiaEditBookmarks::on_edit_bookmark, got bm <$>", Bookmarks::to_string(bm));
     m->set_bmark_at(row, bm);
     selectRow(row);
 }
@@ -118,21 +118,21 @@ void DiaEditBookmarks::on_delete() {
     const int count = m->rowCount();
     if (row < 0 || row >= count) return;
     const int next = row == count - 1 ? count - 2 : row;
-    log(32, "DiaEditBookmarks::delete_row, row:$", row);
+    log(tav::LOG_TRACE, "DiaEditBookmarks::delete_row, row:$", row);
     m->delete_row(row);
     selectRow(next);
-    log(32, "DiaEditBookmarks::setup, delete row:$", next);
+    log(tav::LOG_TRACE, "DiaEditBookmarks::setup, delete row:$", next);
 }
 
 void DiaEditBookmarks::on_delete_all() {
     if (!tav::XBox::ask_yes_no(this, xt("Delete Bookmarks"), xt("Do you really want to delete\nall Bookmarks ?"))) return;
-    log(32, "delete all bookmarks");
-    log(32, "DiaEditBookmarks::delete_all");
+    log(tav::LOG_TRACE, "delete all bookmarks");
+    log(tav::LOG_TRACE, "DiaEditBookmarks::delete_all");
     if (ListModelBookmarks* m = model()) m->delete_all();
 }
 
 void DiaEditBookmarks::on_accept() {
-    log(32, "DiaEditBookmarks::on_accept");
+    log(tav::LOG_TRACE, "DiaEditBookmarks::on_accept");
     ListModelBookmarks* m = model();
     if (!X_ASSERT_MSG(m, "model == NULL")) return;
     Bookmarks::to_tree(Bookmarks::get_tree(), m->bookmarks());

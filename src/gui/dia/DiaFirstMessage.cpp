@@ -70,9 +70,9 @@ DiaFirstMessage::DiaFirstMessage(QWidget* parent) : tav::XDialog(parent), group_
     // names the buttons as they read.
     group_.addListener([this, radios](DaLang lang) {
         switch (lang) {
-        case English: log(32, "english"); break;
-        case German: log(32, "deutsch"); break;
-        case Russian: log(32, "russisch"); break;
+        case English: log(tav::LOG_TRACE, "english"); break;
+        case German: log(tav::LOG_TRACE, "deutsch"); break;
+        case Russian: log(tav::LOG_TRACE, "russisch"); break;
         }
         browser_->setResourceHTML(page_of(lang), true);
         const QString l = lang_short_name(lang);

@@ -41,7 +41,7 @@ void DiaHistory::edit_combo_history(QWidget* parent, tav::XComboBox* combo) {
 }
 
 void DiaHistory::setup(const QStringList& list) {
-    log(32, "DiaHistory::setup");
+    log(tav::LOG_TRACE, "DiaHistory::setup");
     if (listView_) return;
     auto* layout = new QVBoxLayout(this);
     auto* panel = new tav::XPanel(this, tav::XPanel::VERTICAL);
@@ -91,7 +91,7 @@ void DiaHistory::on_up() {
     ListModelHistory* m = model();
     if (!m || m->rowCount() < 2) return;
     const int row = selectedRow();
-    log(32, "DiaEditBookmarks::setup, up, row:$", row);
+    log(tav::LOG_TRACE, "DiaEditBookmarks::setup, up, row:$", row);
     if (row < 0) return;
     m->swap(row, row - 1);
     selectRow(row - 1);
@@ -128,16 +128,16 @@ void DiaHistory::on_delete() {
     const int count = m->rowCount();
     if (row < 0 || row >= count) return;
     const int next = row == count - 1 ? count - 2 : row;
-    log(32, "ListModelBookmarks::delete_row, row:$", row);
+    log(tav::LOG_TRACE, "ListModelBookmarks::delete_row, row:$", row);
     m->delete_row(row);
     selectRow(next);
-    log(32, "DiaEditBookmarks::setup, delete row:$", next);
+    log(tav::LOG_TRACE, "DiaEditBookmarks::setup, delete row:$", next);
 }
 
 void DiaHistory::on_delete_all() {
     if (!tav::XBox::ask_yes_no(this, xt("Delete History"), xt("Do you really want to delete\nall History Elements ?"))) return;
-    log(32, "delete all bookmarks");
-    log(32, "ListModelBookmarks::delete_all");
+    log(tav::LOG_TRACE, "delete all bookmarks");
+    log(tav::LOG_TRACE, "ListModelBookmarks::delete_all");
     if (ListModelHistory* m = model()) m->delete_all();
 }
 

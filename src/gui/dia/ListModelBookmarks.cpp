@@ -38,7 +38,7 @@ QVariant ListModelBookmarks::data(const QModelIndex& index, int role) const {
 
 Bookmark ListModelBookmarks::bmark_at(int row) const {
     if (!isValidRow(row)) {
-        log(32, "ListModelBookmarks::bmark_at, row:$, range problems 0...$", row, list_.size());
+        log(tav::LOG_TRACE, "ListModelBookmarks::bmark_at, row:$, range problems 0...$", row, list_.size());
         return Bookmark();
     }
     return list_.at(row);
@@ -46,7 +46,7 @@ Bookmark ListModelBookmarks::bmark_at(int row) const {
 
 void ListModelBookmarks::set_bmark_at(int row, const Bookmark& bm) {
     if (!isValidRow(row)) {
-        log(32, "ListModelBookmarks::set_bmark_at, row:$, range problems 0...$", row, list_.size());
+        log(tav::LOG_TRACE, "ListModelBookmarks::set_bmark_at, row:$, range problems 0...$", row, list_.size());
         return;
     }
     beginResetModel();
@@ -56,7 +56,7 @@ void ListModelBookmarks::set_bmark_at(int row, const Bookmark& bm) {
 
 void ListModelBookmarks::swap(int a, int b) {
     if (!isValidRow(a) || !isValidRow(b) || a == b) return;
-    log(32, "ListModelBookmarks::swap");
+    log(tav::LOG_TRACE, "ListModelBookmarks::swap");
     beginResetModel();
     list_.swapItemsAt(a, b);
     endResetModel();
@@ -64,7 +64,7 @@ void ListModelBookmarks::swap(int a, int b) {
 
 bool ListModelBookmarks::delete_row(int row) {
     if (!isValidRow(row)) {
-        log(32, "DiaEditBookmarks::delete_row, bounds ?");
+        log(tav::LOG_TRACE, "DiaEditBookmarks::delete_row, bounds ?");
         return false;
     }
     beginResetModel();

@@ -29,7 +29,7 @@ QVariant ListModelHistory::data(const QModelIndex& index, int role) const {
 
 QString ListModelHistory::hist_at(int row) const {
     if (!isValidRow(row)) {
-        log(32, "ListModelHistory::hist_at, row:$, range problems 0...$", row, list_.size());
+        log(tav::LOG_TRACE, "ListModelHistory::hist_at, row:$, range problems 0...$", row, list_.size());
         return QString();
     }
     return list_.at(row);
@@ -37,7 +37,7 @@ QString ListModelHistory::hist_at(int row) const {
 
 void ListModelHistory::set_hist_at(int row, const QString& text) {
     if (!isValidRow(row)) {
-        log(32, "ListModelHistory::set_hist_at, row:$, range problems 0...$", row, list_.size());
+        log(tav::LOG_TRACE, "ListModelHistory::set_hist_at, row:$, range problems 0...$", row, list_.size());
         return;
     }
     beginResetModel();
@@ -47,7 +47,7 @@ void ListModelHistory::set_hist_at(int row, const QString& text) {
 
 void ListModelHistory::swap(int a, int b) {
     if (!isValidRow(a) || !isValidRow(b) || a == b) return;
-    log(32, "ListModelBookmarks::swap");
+    log(tav::LOG_TRACE, "ListModelBookmarks::swap");
     beginResetModel();
     list_.swapItemsAt(a, b);
     endResetModel();
@@ -55,7 +55,7 @@ void ListModelHistory::swap(int a, int b) {
 
 bool ListModelHistory::delete_row(int row) {
     if (!isValidRow(row)) {
-        log(32, "ListModelBookmarks::delete_row, bounds ?");
+        log(tav::LOG_TRACE, "ListModelBookmarks::delete_row, bounds ?");
         return false;
     }
     beginResetModel();

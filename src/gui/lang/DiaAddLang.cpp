@@ -42,7 +42,7 @@ bool DiaAddLang::isAllowedName(const QString& trimmed) {
 void DiaAddLang::on_ok() {
     if (!isAllowedName(text())) {
         // The rule is on the label above; the dialog just stays open.
-        log(8, "WinLang::on_ok, vorbidden char");
+        log(tav::LOG_REJECTED, "WinLang::on_ok, vorbidden char");
         return;
     }
     accept();

@@ -29,7 +29,7 @@ void PanelLang::set_lang_root(tav::XNode* catalogue, const QString& lang) {
     catalogue->remove_all_pointer();
 
     const std::vector<tav::XNode*> messages = catalogue->children_by_Type(QStringLiteral("Message"));
-    log(32, "PanelLang::set_lang_root, lang:'$', ar msg:$", lang, int(messages.size()));
+    log(tav::LOG_TRACE, "PanelLang::set_lang_root, lang:'$', ar msg:$", lang, int(messages.size()));
     for (tav::XNode* m : messages) {
         tav::XNode* en = m->query(QStringLiteral("en"));
         if (!en || en->getText().isEmpty()) continue;

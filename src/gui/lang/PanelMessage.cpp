@@ -44,7 +44,7 @@ bool PanelMessage::eventFilter(QObject* watched, QEvent* event) {
 void PanelMessage::set_message(tav::XNode* message, const QString& lang) {
     if (!X_ASSERT_MSG(message, "nMessage == NULL")) return;
     tav::XNode* en = message->query(QStringLiteral("en"));
-    if (!en) log(4, "PanelMessage::set_message, <en> tag missing !");
+    if (!en) log(tav::LOG_ERROR, "PanelMessage::set_message, <en> tag missing !");
     editEn_->setPlainText(en ? en->getText() : QString());
     tav::XNode* tr = message->query(lang);
     editLang_->setPlainText(tr ? tr->getText() : QString());
@@ -53,7 +53,7 @@ void PanelMessage::set_message(tav::XNode* message, const QString& lang) {
 }
 
 void PanelMessage::activate(bool flag) {
-    log(32, "PanelMessage::activate, flag:$", flag);
+    log(tav::LOG_TRACE, "PanelMessage::activate, flag:$", flag);
     active_ = flag;
     const int h = flag ? HEIGHT_ACTIVE : HEIGHT;
     for (tav::XPlainTextEdit* e : {editEn_, editLang_}) {

@@ -62,7 +62,7 @@ WinLang::WinLang(QWidget* parent) : WindowBase(parent) {
     comboLang_ = row->createComboBox(false);
     comboLang_->setMinimumWidth(70);
     connect(comboLang_, &QComboBox::currentTextChanged, this, [this](const QString& lang) {
-        log(32, "WinLang::WinLang - combo lang CHANGED, sLang:$", lang);
+        log(tav::LOG_TRACE, "WinLang::WinLang - combo lang CHANGED, sLang:$", lang);
         on_combo_lang_changed(lang);
     });
     // 3
@@ -70,13 +70,13 @@ WinLang::WinLang(QWidget* parent) : WindowBase(parent) {
 }
 
 WinLang::~WinLang() {
-    log(32, "WinLang::~WinLang");
+    log(tav::LOG_TRACE, "WinLang::~WinLang");
     gOpen = false;
 }
 
 void WinLang::set_lang_root(tav::XNode* catalogue) {
     langToEdit_ = editable_lang(tav::XTools::lang());
-    log(32, "WinLang::set_lang_root, XTools::lang:$, langCurr:$", tav::XTools::lang(), langToEdit_);
+    log(tav::LOG_TRACE, "WinLang::set_lang_root, XTools::lang:$, langCurr:$", tav::XTools::lang(), langToEdit_);
     if (!X_ASSERT_MSG(catalogue, "nLang == NULL")) return;
     nLangLive_ = catalogue;
 
@@ -86,7 +86,7 @@ void WinLang::set_lang_root(tav::XNode* catalogue) {
                      [](tav::XNode* a, tav::XNode* b) { return get_string(a) < get_string(b); });
     nLang_ = tav::XNode::createRoot(QStringLiteral("GUI"));
     for (tav::XNode* m : messages) nLang_->addNode(m, true);
-    log(32, "count nodes:$", int(messages.size()));
+    log(tav::LOG_TRACE, "count nodes:$", int(messages.size()));
     nLangCopy_ = nLang_->deepCopy();
 
     panel_->set_lang_root(nLang_.get(), langToEdit_);
@@ -95,32 +95,32 @@ void WinLang::set_lang_root(tav::XNode* catalogue) {
         comboLang_->clear();
         for (const QString& l : tav::XTools::get_ar_lang_from_node(catalogue))
             if (l != QLatin1String("en")) comboLang_->addItem(l);
-        log(32, "WinLang::~set_lang_root, XTools::lang:$", tav::XTools::lang());
+        log(tav::LOG_TRACE, "WinLang::~set_lang_root, XTools::lang:$", tav::XTools::lang());
         comboLang_->setCurrentIndex(comboLang_->findText(langToEdit_));
     }
 }
 
 void WinLang::on_combo_lang_changed(const QString& lang) {
-    log(32, "WinLang::on_combo_lang_changed, lang-prev:$, sLang:$", langToEdit_, lang);
+    log(tav::LOG_TRACE, "WinLang::on_combo_lang_changed, lang-prev:$, sLang:$", langToEdit_, lang);
     if (lang.isEmpty()) return;
     update_nodes(langToEdit_);
     set_current_lang_to_edit(lang);
 }
 
 void WinLang::set_current_lang_to_edit(const QString& lang) {
-    log(32, "WinLang::set_current_lang_to_edit, sLang:$", lang);
+    log(tav::LOG_TRACE, "WinLang::set_current_lang_to_edit, sLang:$", lang);
     panel_->set_lang_root(nLang_.get(), lang);
     langToEdit_ = lang;
 }
 
 QString WinLang::get_string(tav::XNode* message) {
     if (!message) {
-        log(4, "get_string, nMessage == nullptr");
+        log(tav::LOG_ERROR, "get_string, nMessage == nullptr");
         return QString();
     }
     tav::XNode* en = message->query(QStringLiteral("en"));
     if (!en) {
-        log(4, "get_string, nEN == nullptr");
+        log(tav::LOG_ERROR, "get_string, nEN == nullptr");
         return QString();
     }
     return en->getText();
@@ -128,16 +128,16 @@ QString WinLang::get_string(tav::XNode* message) {
 
 void WinLang::update_nodes(const QString& lang) {
     if (!nLang_) {
-        log(4, "WinLang::update_nodes, nLang == nullptr");
+        log(tav::LOG_ERROR, "WinLang::update_nodes, nLang == nullptr");
         return;
     }
-    log(32, "WinLang::update_nodes, lang:'$'", lang);
+    log(tav::LOG_TRACE, "WinLang::update_nodes, lang:'$'", lang);
     for (tav::XNode* m : nLang_->children_by_Type(QStringLiteral("Message"))) {
         auto* edit = static_cast<tav::XPlainTextEdit*>(m->pointer());
         if (!edit) continue;
         tav::XNode* n = m->query(lang);
         if (!n) {
-            log(4, "WinLang::update_nodes, n == null, create <$>", lang);
+            log(tav::LOG_ERROR, "WinLang::update_nodes, n == null, create <$>", lang);
             n = m->createChild(lang);
         }
         n->setText(edit->toPlainText());
@@ -150,13 +150,13 @@ void WinLang::on_add_lang() {
         DiaAddLang dia(this);
         if (dia.exec() == QDialog::Accepted) sLang = dia.text();
     }
-    log(32, "WinLang::on_add_lang, sLang:'$'", sLang);
+    log(tav::LOG_TRACE, "WinLang::on_add_lang, sLang:'$'", sLang);
     if (sLang.isEmpty() || !nLang_) return;
     if (tav::XTools::get_ar_lang_from_node(nLang_.get()).contains(sLang)) {
         tav::XBox::warn(this, xt("Already exists"), tav::fill(xt("'$' already exists!"), sLang));
         return;
     }
-    log(32, "WinLang::on_add_lang - ok accept '$'", sLang);
+    log(tav::LOG_TRACE, "WinLang::on_add_lang - ok accept '$'", sLang);
     update_nodes(langToEdit_);   // keep what was typed for the language shown so far
     for (tav::XNode* m : nLang_->children_by_Type(QStringLiteral("Message"))) m->createChild(sLang);
     {
@@ -183,7 +183,7 @@ void WinLang::on_remove_lang(const QString& lang) {
             ++count;
         }
     }
-    log(32, "WinLang::on_remove_lang, '$' removed from $ messages", lang, count);
+    log(tav::LOG_TRACE, "WinLang::on_remove_lang, '$' removed from $ messages", lang, count);
     {
         QSignalBlocker block(comboLang_);
         comboLang_->removeItem(comboLang_->findText(lang));
@@ -200,14 +200,14 @@ QString WinLang::saveFile() const {
 }
 
 void WinLang::on_apply() {
-    log(32, "WinLang::on_apply");
+    log(tav::LOG_TRACE, "WinLang::on_apply");
     if (!X_ASSERT_MSG(nLang_.get(), "nLang == NULL")) return;
     update_nodes(langToEdit_);
     const QString path = saveFile();
-    log(32, "WinLang::on_ok - save '$'", path);
+    log(tav::LOG_TRACE, "WinLang::on_ok - save '$'", path);
     std::unique_ptr<tav::XNode> copy = nLang_->deepCopy();
     copy->remove_all_pointer();
-    if (!copy->saveNodeToXml(path)) log(4, "WinLang::on_apply, <<<$>>> could not be written", path);
+    if (!copy->saveNodeToXml(path)) log(tav::LOG_ERROR, "WinLang::on_apply, <<<$>>> could not be written", path);
     tav::XTools::set_catalogue_content(copy.get());
     copy.reset();
     tav::XTools::set_lang(tav::XTools::lang());
@@ -217,11 +217,11 @@ void WinLang::on_ok() {
     on_apply();
     close();
     tav::XTools::set_lang(langAtOpen_);
-    log(32, "WinLang::on_ok, XTools::lang:$", tav::XTools::lang());
+    log(tav::LOG_TRACE, "WinLang::on_ok, XTools::lang:$", tav::XTools::lang());
 }
 
 void WinLang::on_cancel() {
-    log(32, "WinLang::on_cancel");
+    log(tav::LOG_TRACE, "WinLang::on_cancel");
     close();
 }
 

@@ -13,7 +13,7 @@ void PanPreviewHex::ini() {
 }
 
 void PanPreviewHex::on_zoom(bool in) {
-    tav::log(32, "PanPreviewHex::on_zoom, flagZoom:$", in);
+    tav::log(tav::LOG_TRACE, "PanPreviewHex::on_zoom, flagZoom:$", in);
     const int size = preview_.font_size();
     preview_.set_font_size(in ? std::min(kFontMax, size + 1) : std::max(kFontMin, size - 1));
 }

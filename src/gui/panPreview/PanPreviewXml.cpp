@@ -8,7 +8,7 @@ namespace tavFinder {
 void PanPreviewXml::ini() { embed(preview_); }
 
 void PanPreviewXml::on_zoom(bool in) {
-    tav::log(32, "PanPreviewXml::on_zoom, flagZoom:$", in);
+    tav::log(tav::LOG_TRACE, "PanPreviewXml::on_zoom, flagZoom:$", in);
     const QFont f = preview_.get_font();
     preview_.set_font(tav::XTools::get_font_resized(f, f.pointSize() + (in ? 1 : -1)));
 }

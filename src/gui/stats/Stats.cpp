@@ -77,8 +77,8 @@ void Stats::ini() {
 bool Stats::can_handle_file(const QFileInfo& fi) { return tav::Preview::can_handle_file(fi); }
 
 bool Stats::open_file(const QFileInfo& fi) {
-    log(32, "Stats::open_file, <<<$>>>", fi);
-    log(32, "private_Stats::open_file, fi:$", fi);
+    log(tav::LOG_TRACE, "Stats::open_file, <<<$>>>", fi);
+    log(tav::LOG_TRACE, "private_Stats::open_file, fi:$", fi);
     if (!d->panel) ini();
     // A run for the previous file must not show its page over this one.
     if (d->run) {
@@ -113,13 +113,13 @@ void Stats::on_go() {
     bool ok = false;
     const unsigned countShow = showText.toUInt(&ok, 10);
     if (!ok) {
-        log(32, "private_Stats::ini, <<<$>>> is not a valid number", showText);
+        log(tav::LOG_TRACE, "private_Stats::ini, <<<$>>> is not a valid number", showText);
         return;
     }
     d->buttonGo->setText(xt("Cancel..."));
     auto run = std::make_shared<Run>();
     d->run = run;
-    log(32, "private_Stats::on_go, countShow:$, len:$, excludeDelims:$", countShow, wordLen, true);
+    log(tav::LOG_TRACE, "private_Stats::on_go, countShow:$, len:$, excludeDelims:$", countShow, wordLen, true);
     const QFileInfo fi = d->fi;
     const QString bg = d->background(), fg = d->text();
     std::weak_ptr<int> alive = d->alive;

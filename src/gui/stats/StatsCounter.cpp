@@ -201,7 +201,7 @@ QString StatsCounter::statistics(const std::atomic<bool>& running, const QFileIn
     o.filterDelimiter = true;
     const StatsResult r = count(running, fi, o);
     if (!r.opened) {
-        tav::log(4, "Stats::statistics, <<<$>>> 404", fi);
+        tav::log(tav::LOG_ERROR, "Stats::statistics, <<<$>>> 404", fi);
         return page + QStringLiteral("<p>") + tav::fill(tav::xt("Problems with '$'"), fi.absoluteFilePath().toHtmlEscaped()) +
                QStringLiteral("</p>") + page_end();
     }

@@ -90,7 +90,7 @@ XRamLayer* PanPreviewAsc::layer(int id) { return view_ ? view_->layers().layer_b
 
 void PanPreviewAsc::ini() {
     if (view_) {
-        log(4, "PanPreviewAsc::ini() already called!");
+        log(tav::LOG_ERROR, "PanPreviewAsc::ini() already called!");
         return;
     }
     // 1
@@ -147,7 +147,7 @@ void PanPreviewAsc::ini() {
     view_->eventMouseOver().add([this](const tav::viewText::MouseOverMark& m) { on_mouse_over(m); });
     view_->layers().eventLayerAdded().add([this](int id) {
         if (id == kLayerBase) layerActive_ = view_->layers().layer_by_ID(kLayerBase);
-        log(32, "PanPreviewAsc:::ini, layer $ added", id);
+        log(tav::LOG_TRACE, "PanPreviewAsc:::ini, layer $ added", id);
     });
     view_->eventActiveMark().add([this](const tav::viewText::XActiveMark&) { adapt_slider_navi_pos(); });
 
@@ -167,7 +167,7 @@ void PanPreviewAsc::ini() {
     preview_.add_extra_context_menu_web_search(xt("Web Search"));
     preview_.add_extra_context_menu([this](tav::XMenu& menu, const QString& selection) {
         const bool usable = !selection.isEmpty() && selection.length() <= kCopyMaxChars;
-        if (!usable) log(32, "PanPreviewAsc::ini - no selection");
+        if (!usable) log(tav::LOG_TRACE, "PanPreviewAsc::ini - no selection");
         menu.addSeparator();
         QPointer<PanPreviewAsc> self(this);
         for (unsigned n = 0; n < 2; ++n) {
@@ -198,7 +198,7 @@ void PanPreviewAsc::copy_to_search_field(unsigned n, const QString& text) {
 }
 
 void PanPreviewAsc::set_panel_from_outside(tav::XPanel* outside) {
-    log(32, "PanPreviewAsc::set_panel_from_outside");
+    log(tav::LOG_TRACE, "PanPreviewAsc::set_panel_from_outside");
     if (!X_ASSERT_MSG(outside, "outside == NULL") || !view_) return;
     auto* button = outside->add(new QToolButton(outside));
     button->setObjectName(QStringLiteral("searchLayer"));
@@ -208,7 +208,7 @@ void PanPreviewAsc::set_panel_from_outside(tav::XPanel* outside) {
     button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     button->setAutoRaise(true);
     connect(button, &QToolButton::clicked, this, [this]() {
-        log(32, "PanPreviewAsc::set_panel_from_outside, AHA");
+        log(tav::LOG_TRACE, "PanPreviewAsc::set_panel_from_outside, AHA");
         sub_menu_filter();
     });
     infoLine_ = outside->add(new QLineEdit(outside));
@@ -254,7 +254,7 @@ void PanPreviewAsc::build_menu_filter(tav::XMenu& menu) {
 }
 
 void PanPreviewAsc::sub_menu_filter() {
-    log(32, "PanPreviewAsc::sub_menu_filter");
+    log(tav::LOG_TRACE, "PanPreviewAsc::sub_menu_filter");
     tav::XMenu menu(this, true);
     build_menu_filter(menu);
     menu.execAt();
@@ -286,7 +286,7 @@ void PanPreviewAsc::on_mouse_over(const tav::viewText::MouseOverMark& m) {
 
 PanelSearch* PanPreviewAsc::get_panel_search(unsigned panelNo) {
     if (panelNo < panels_.size()) return panels_[panelNo];
-    log(4, "PanPreviewAsc::get_panel_search, panel_no >= ar.size(), return first panel!");
+    log(tav::LOG_ERROR, "PanPreviewAsc::get_panel_search, panel_no >= ar.size(), return first panel!");
     return panels_[0];
 }
 
@@ -302,11 +302,11 @@ void PanPreviewAsc::scrollToActive() {
 
 void PanPreviewAsc::on_search(PanelSearch* panel) {
     if (!X_ASSERT_MSG(panel, "panSearch == NULL") || !view_) return;
-    log(32, "PanPreviewAsc::on_search, $", panel->objectName());
-    log(32, "PanPreviewAsc::on_search, regEx:$", panel->isRegEx());
+    log(tav::LOG_TRACE, "PanPreviewAsc::on_search, $", panel->objectName());
+    log(tav::LOG_TRACE, "PanPreviewAsc::on_search, regEx:$", panel->isRegEx());
     const QString text = panel->comboSearch()->currentText().trimmed();
     if (text.isEmpty()) {
-        log(32, "PanPreviewAsc::on_search, search for text but text ist empty");
+        log(tav::LOG_TRACE, "PanPreviewAsc::on_search, search for text but text ist empty");
         return;
     }
     tav::find::XContentFilter filter;
@@ -314,8 +314,8 @@ void PanPreviewAsc::on_search(PanelSearch* panel) {
     filter.setWholeWords(panel->isWholeWords());
     filter.setMatchCase(panel->isMatchCase());
     if (!filter.createSymbols(text, panel->isRegEx())) {
-        log(8, "PanPreviewAsc::on_search, problems with expression '$'", text);
-        log(8, "PanPreviewAsc::on_search, $", filter.errorMessage());
+        log(tav::LOG_REJECTED, "PanPreviewAsc::on_search, problems with expression '$'", text);
+        log(tav::LOG_REJECTED, "PanPreviewAsc::on_search, $", filter.errorMessage());
         show_expression_error(panel->comboSearch(), expression_error_text(filter), QString());   // flashes 600 ms
         return;
     }
@@ -343,7 +343,7 @@ void PanPreviewAsc::update_search_results(const XRamLayer& hits, const tav::find
     XRamLayer* l = view_->layers().add_layer(id, 1);
     if (!X_ASSERT_MSG(l, "pLayerActive == NULL")) return;
     if (!hits) {
-        log(32, "PanelResults::on_jump_to_result, NIX");
+        log(tav::LOG_TRACE, "PanelResults::on_jump_to_result, NIX");
         panelNavi_->setEnabled(false);
         return;
     }
@@ -363,10 +363,10 @@ void PanPreviewAsc::update_search_results(const XRamLayer& hits, const tav::find
     view_->setFocus();
     p->set_content_filter(filter);
     p->set_hits(unsigned(l->size()));
-    log(32, "PanPreviewAsc::update_search_results");
+    log(tav::LOG_TRACE, "PanPreviewAsc::update_search_results");
     slider_->setMaximum(l->size() - 1);
     slider_->setValue(l->size() - 1, true);
-    if (!layerActive_) log(4, "PanPreviewAsc::update_search_results, ramLayerSearch == nullptr");
+    if (!layerActive_) log(tav::LOG_ERROR, "PanPreviewAsc::update_search_results, ramLayerSearch == nullptr");
     QPointer<PanPreviewAsc> self(this);
     tav::run_in_gui_thread([self]() {
         if (self) self->scrollToActive();
@@ -404,14 +404,14 @@ void PanPreviewAsc::activate_layer_by_color(unsigned panelNo) {
 }
 
 void PanPreviewAsc::on_layer_changed(int id) {
-    log(32, "PanPreviewAsc::on_layer_changed, id:$", id);
+    log(tav::LOG_TRACE, "PanPreviewAsc::on_layer_changed, id:$", id);
     const int n = id - kLayerBase;
     if (n < 0 || n > 2 || !view_) {
-        log(4, "PanPreviewAsc::on_layer_changed, panel_no:$ !!!", n);
+        log(tav::LOG_ERROR, "PanPreviewAsc::on_layer_changed, panel_no:$ !!!", n);
         return;
     }
     layerActive_ = layer(id);
-    log(32, "PanPreviewAsc::on_layer_changed, panel_no:$", n);
+    log(tav::LOG_TRACE, "PanPreviewAsc::on_layer_changed, panel_no:$", n);
     if (!layerActive_) return;
     style_slider(get_panel_search(unsigned(n))->color());
     slider_->setMaximum(layerActive_->size());
@@ -422,7 +422,7 @@ void PanPreviewAsc::on_layer_changed(int id) {
 
 void PanPreviewAsc::on_slider_value(int v) {
     if (!layerActive_) {
-        log(4, "PanPreviewAsc::on_slider_find_res_val_changed, ramLayerSearch == nullptr");
+        log(tav::LOG_ERROR, "PanPreviewAsc::on_slider_find_res_val_changed, ramLayerSearch == nullptr");
         return;
     }
     const int index = slider_->maximum() - v;
@@ -434,7 +434,7 @@ void PanPreviewAsc::on_slider_value(int v) {
 
 void PanPreviewAsc::on_mark_increment(bool up) {
     if (!layerActive_) {
-        log(4, "PanPreviewAsc::on_mark_increment");
+        log(tav::LOG_ERROR, "PanPreviewAsc::on_mark_increment");
         return;
     }
     layerActive_->move_active_mark_index(up);
@@ -445,7 +445,7 @@ void PanPreviewAsc::on_mark_increment(bool up) {
 
 void PanPreviewAsc::on_mark_to_top(bool top) {
     if (!layerActive_) {
-        log(4, "PanPreviewAsc::on_mark_to_top");
+        log(tav::LOG_ERROR, "PanPreviewAsc::on_mark_to_top");
         return;
     }
     layerActive_->clear_active_mark();
@@ -458,7 +458,7 @@ void PanPreviewAsc::on_mark_to_top(bool top) {
 
 void PanPreviewAsc::adapt_slider_navi_pos() {
     if (!layerActive_) {
-        log(4, "PanPreviewAsc::adapt_slider_navi_pos");
+        log(tav::LOG_ERROR, "PanPreviewAsc::adapt_slider_navi_pos");
         return;
     }
     const int i = layerActive_->active_mark_index();
@@ -492,17 +492,17 @@ void PanPreviewAsc::on_direct_mark_search(const QString& selection) {
     tav::find::XContentFilter filter;
     filter.setScope(tav::find::XContentFilter::SCOPE_PARAGRAPH);
     if (!filter.createSymbols(pattern, false)) {
-        log(32, "PanPreviewAsc::on_direct_mark_search, problems");
+        log(tav::LOG_TRACE, "PanPreviewAsc::on_direct_mark_search, problems");
         return;
     }
     const XRamLayer hits = searchFile(filter);
-    if (!hits) log(32, "PanPreviewAsc::on_direct_mark_search - NIX");
+    if (!hits) log(tav::LOG_TRACE, "PanPreviewAsc::on_direct_mark_search - NIX");
     clear_panel_layer(2);
     show_layer(kLayerDirect, hits, get_panel_search(2)->color());
 }
 
 void PanPreviewAsc::on_zoom(bool in) {
-    log(32, "PanPreviewAsc::on_zoom, flagZoom:$", in);
+    log(tav::LOG_TRACE, "PanPreviewAsc::on_zoom, flagZoom:$", in);
     const QFont f = preview_.get_font();
     preview_.set_font(tav::XTools::get_font_resized(f, f.pointSize() + (in ? 1 : -1)));
 }

@@ -102,8 +102,8 @@ void PanelSearch::clear_search() {
 void PanelSearch::set_content_filter(const tav::find::XContentFilter& filter) {
     if (!combo_) return;
     combo_->setEditText(filter.text());
-    if (!comboScope_->setSelected(filter.scope())) log(32, "XTypedComboBox<$>::select, value '$' not found", "unsigned", filter.scope());
-    log(32, "PanelSearch::set_content_filter, filter '$'", filter.toString(false));
+    if (!comboScope_->setSelected(filter.scope())) log(tav::LOG_TRACE, "XTypedComboBox<$>::select, value '$' not found", "unsigned", filter.scope());
+    log(tav::LOG_TRACE, "PanelSearch::set_content_filter, filter '$'", filter.toString(false));
     buttonRegEx_->setChecked(filter.isRegEx());
     buttonWholeWords_->setChecked(filter.isWholeWords());
     buttonMatchCase_->setChecked(filter.isMatchCase());
