@@ -9,7 +9,7 @@
 #include "gui/widgets/XComboBox.h"
 #include "src/dir/AbstractPreviewDir.h"
 #include "src/dir/XContainerPreviews.h"
-#include "src/gui/WinFinder.h"
+#include "src/dir/FinderHost.h"
 #include "src/gui/config/ConfigTavFinder.h"
 
 #include <algorithm>
@@ -43,8 +43,7 @@ void ContextPreviews::ini(QWidget* sourceWidget, XContainerPreviews* c) {
     copyListenerId_ = c->copyToSearch().addListener([this](const QString& text) {
         log(tav::LOG_TRACE, "ContextPreviews::ini, context menu, SEL CHANGED :'$'", text);
         if (!sourceWidget_) return;
-        auto* win = qobject_cast<WinFinder*>(sourceWidget_->window());
-        if (win && win->comboContent()) win->comboContent()->setEditText(text);
+        if (FinderHost* host = FinderHost::of(sourceWidget_)) host->putInSearchField(text);
     });
 }
 
@@ -77,7 +76,8 @@ void ContextPreviews::select_file(const QFileInfo& fi) {
     // 1, 2: a selection never drags (that takes a mouse gesture, see XDragOut).
     candidates_.clear();
     fiCurrent_ = fi;
-    if (container_) WinFinder::show_status_for(container_, fi);
+    if (container_)
+        if (FinderHost* host = FinderHost::of(container_)) host->showStatusFor(fi);
     log(tav::LOG_TRACE, "ContextPreviews::select_file '$'", fi);
     if (!container_) return;
 

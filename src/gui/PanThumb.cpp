@@ -6,7 +6,7 @@
 #include "gui/previews/XThumb.h"
 #include "gui/thumbs/XElidedLabel.h"
 #include "gui/tools/XTools.h"
-#include "src/gui/WinFinder.h"
+#include "src/dir/FinderHost.h"
 
 #include <QPointer>
 
@@ -25,7 +25,7 @@ PanThumb::PanThumb(QWidget* parent) : tav::XPanelStackedGlas(parent, QStringLite
     setMaximumSize(int(kDefaultSize), int(kDefaultSize));
 }
 
-void PanThumb::setup(WinFinder* win, const QFileInfo& fi, unsigned size) {
+void PanThumb::setup(FinderHost* win, const QFileInfo& fi, unsigned size) {
     // 1
     fi_ = fi;
     size_ = size;
@@ -54,15 +54,15 @@ void PanThumb::setup(WinFinder* win, const QFileInfo& fi, unsigned size) {
         if (real.isValid()) name_->setText(tav::fill("$x$\n$", real.width(), real.height(), fi_.fileName()));
     });
     // 4
-    QPointer<WinFinder> w(win);
+    QPointer<QWidget> w(win ? win->hostWidget() : nullptr);
     const bool withWindow = win != nullptr;
-    eventContextMenu().add([this, w, withWindow]() {
+    eventContextMenu().add([this, w, win, withWindow]() {
         if (!withWindow) {
             log(tav::LOG_TRACE, "NO WINFINDER");
             return;
         }
         log(tav::LOG_TRACE, "PanelThumbs::set_dirs_and_files - context, ......");
-        if (w) w->on_contextMenu_rightSide(fi_, nullptr);
+        if (w) win->fileContextMenu(fi_);
     });
 }
 

@@ -13,7 +13,7 @@ class XThumb;
 
 namespace tavFinder {
 
-class WinFinder;
+class FinderHost;
 
 class PanThumb : public tav::XPanelStackedGlas {
     Q_OBJECT
@@ -24,7 +24,7 @@ public:
 
     // Sets the tile up for an entry in a square of 'size'; with a main window the
     // context gesture opens its menu for the entry.
-    void setup(WinFinder* win, const QFileInfo& fi, unsigned size);
+    void setup(FinderHost* win, const QFileInfo& fi, unsigned size);
 
     tav::XThumb* thumb() const { return thumb_; }
     tav::XElidedLabel* nameLabel() const { return name_; }

@@ -6,7 +6,7 @@
 #include "gui/thumbs/XFlowLayout.h"
 #include "gui/thumbs/XVScrollPanel.h"
 #include "src/gui/PanThumb.h"
-#include "src/gui/WinFinder.h"
+#include "src/dir/FinderHost.h"
 
 #include <QPointer>
 
@@ -20,7 +20,7 @@ PanelThumbs::PanelThumbs(QWidget* parent) : tav::XPanel(parent, VERTICAL, QStrin
     flow_ = new tav::XFlowLayout(scroll_->panel());
 }
 
-void PanelThumbs::set_dirs_and_files(WinFinder* win, const std::vector<QFileInfo>& entries, unsigned size) {
+void PanelThumbs::set_dirs_and_files(FinderHost* win, const std::vector<QFileInfo>& entries, unsigned size) {
     for (PanThumb* t : tiles_) {
         flow_->removeWidget(t);
         delete t;
@@ -39,7 +39,7 @@ void PanelThumbs::set_dirs_and_files(WinFinder* win, const std::vector<QFileInfo
     scroll_->panel()->adjustSize();
 }
 
-void PanelThumbs::set_directory(WinFinder* win, const QString& dir, unsigned size, bool hidden) {
+void PanelThumbs::set_directory(FinderHost* win, const QString& dir, unsigned size, bool hidden) {
     set_dirs_and_files(win, tav::XDirInfo::get_flat_directory_info(dir, hidden), size);
 }
 

@@ -18,16 +18,16 @@ class XVScrollPanel;
 namespace tavFinder {
 
 class PanThumb;
-class WinFinder;
+class FinderHost;
 
 class PanelThumbs : public tav::XPanel {
     Q_OBJECT
 public:
     explicit PanelThumbs(QWidget* parent = nullptr);
 
-    void set_dirs_and_files(WinFinder* win, const std::vector<QFileInfo>& entries, unsigned size);
+    void set_dirs_and_files(FinderHost* win, const std::vector<QFileInfo>& entries, unsigned size);
     // The folder's entries (hidden ones with 'hidden'), folders first, by name.
-    void set_directory(WinFinder* win, const QString& dir, unsigned size, bool hidden = false);
+    void set_directory(FinderHost* win, const QString& dir, unsigned size, bool hidden = false);
     // After 100 ms: tells the listeners that thumbnails have appeared.
     void trigger_thumbs_appear_event();
     // Builds the grid again at another size.
@@ -44,7 +44,7 @@ private:
     tav::XFlowLayout* flow_;
     QList<PanThumb*> tiles_;
     std::vector<QFileInfo> entries_;
-    WinFinder* win_ = nullptr;
+    FinderHost* win_ = nullptr;
     unsigned size_ = 128;
     tav::XEventListener<std::function<void()>> evAppear_;
 };

@@ -7,6 +7,7 @@
 #include "base/find/XFilter.h"
 #include "gui/tools/XTimer.h"
 #include "src/gui/History.h"
+#include "src/dir/FinderHost.h"
 #include "src/gui/WindowBase.h"
 
 #include <QColor>
@@ -52,7 +53,7 @@ class TavFind;
 class XContainerPreviews;
 struct FileResult;
 
-class WinFinder : public WindowBase {
+class WinFinder : public WindowBase, public FinderHost {
     Q_OBJECT
 public:
     class NavigationBar;
@@ -144,6 +145,11 @@ public:
     void set_status_text(const QString& text);
     // Status text for the main window that holds 'inside' (nothing when none does).
     static void show_status_for(QWidget* inside, const QFileInfo& fi);
+    // What the folder previews ask of their window.
+    QWidget* hostWidget() override { return this; }
+    void putInSearchField(const QString& text) override;
+    void showStatusFor(const QFileInfo& fi) override { show_status_for(this, fi); }
+    void fileContextMenu(const QFileInfo& fi) override { on_contextMenu_rightSide(fi, nullptr); }
     static QString status_text_of(const QFileInfo& fi);
 
     // ---- filter panel (WinFinder_setup_panel_find.cpp) -------------------------------------------

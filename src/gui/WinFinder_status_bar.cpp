@@ -3,6 +3,7 @@
 #include "base/thread/XThread.h"
 #include "base/util/Format.h"
 #include "src/gui/WinFinder.h"
+#include "gui/widgets/XComboBox.h"
 #include "src/gui/config/ConfigTavFinder.h"
 
 #include <QLabel>
@@ -32,6 +33,10 @@ void WinFinder::set_status_text(const QString& text) {
 QString WinFinder::status_text_of(const QFileInfo& fi) {
     if (fi.isDir()) return tav::fill("[$]", fi.absoluteFilePath());
     return tav::fill("$  ( $ )", fi.absoluteFilePath(), tav::formatBytes(uint64_t(fi.size())));
+}
+
+void WinFinder::putInSearchField(const QString& text) {
+    if (comboContent_) comboContent_->setEditText(text);
 }
 
 void WinFinder::show_status_for(QWidget* inside, const QFileInfo& fi) {

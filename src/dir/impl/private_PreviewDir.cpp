@@ -18,7 +18,7 @@
 #include "src/dir/PreviewDir.h"
 #include "src/gui/PanThumb.h"
 #include "src/gui/PanelThumbs.h"
-#include "src/gui/WinFinder.h"
+#include "src/dir/FinderHost.h"
 #include "src/gui/config/ConfigTavFinder.h"
 
 #include <algorithm>
@@ -120,9 +120,7 @@ bool private_PreviewDir::thumbsShown() const { return stack_ && thumbs_ && stack
 
 int private_PreviewDir::activeView() const { return thumbsShown() ? PreviewDir::VIEW_THUMB : PreviewDir::VIEW_TABLE; }
 
-WinFinder* private_PreviewDir::mainWindow() const {
-    return splitter_ ? qobject_cast<WinFinder*>(splitter_->window()) : nullptr;
-}
+FinderHost* private_PreviewDir::mainWindow() const { return splitter_ ? FinderHost::of(splitter_) : nullptr; }
 
 QDir::SortFlags private_PreviewDir::sortFlags() const {
     int flags = sortKind_ | QDir::DirsFirst | QDir::IgnoreCase;

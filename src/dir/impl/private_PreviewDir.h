@@ -27,7 +27,7 @@ class LimitedPreviewContainer;
 class PanelThumbs;
 class PanThumb;
 class PreviewDir;
-class WinFinder;
+class FinderHost;
 
 class private_PreviewDir {
 public:
@@ -61,7 +61,7 @@ public:
 private:
     void fillTable();
     void selectInner(const QFileInfo& fi);
-    WinFinder* mainWindow() const;
+    FinderHost* mainWindow() const;
     bool thumbsShown() const;
     QDir::SortFlags sortFlags() const;
     QList<QFileInfo> listEntries(const QString& path) const;
