@@ -36,7 +36,7 @@ void FindThread::runCustom() {
             // A size known from the scan spares two stats: here and when the file is opened.
             const bool sizeFromScan = size >= 0;
             // A fed file of unknown size is stat-ed through its descriptor once open.
-            const bool statWhenOpen = !sizeFromScan && pTavFind->workersStat;
+            const bool statWhenOpen = !sizeFromScan && pTavFind->workersStat();
             if (!sizeFromScan && !statWhenOpen) {
                 if (!file->isFile()) {
                     tav::log(tav::LOG_TRACE, "FindThread::runCustom, IS NOT A FILE <<<$>>>", *file);
@@ -58,7 +58,7 @@ void FindThread::runCustom() {
             }
             if (statWhenOpen) {
                 tav::XFindStats::add(stats.countFiles, 1);
-                pTavFind->bytesToRead += uint64_t(reader_.getMemorySize());
+                pTavFind->addBytesToRead(uint64_t(reader_.getMemorySize()));
             }
             // Searching first lets a big file's lines be counted while its windows pass by;
             // the watch gives progress inside the file and stops it at a cancel.

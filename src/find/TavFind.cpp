@@ -7,6 +7,8 @@
 #include "src/find/ThreadControllerFind.h"
 
 
+#include <chrono>
+
 namespace tavFinder {
 
 namespace {
@@ -58,7 +60,7 @@ void TavFind::prepareFiles(std::vector<QFileInfo*>& files, std::vector<int64_t>&
         // Sizes that do not belong one to one to the files are not used.
         if (arSizes.size() != arTextFiles.size()) arSizes.clear();
         feedOpen = false;
-        workersStat = false;
+        workersStat_ = false;
         countFiles_ = arTextFiles.size();
     }
     tav::log(tav::LOG_TRACE, "TavFind2::prepareFiles, arTextFiles:$", quint64(arTextFiles.size()));
@@ -71,7 +73,7 @@ void TavFind::beginFeed() {
     arTextFiles.clear();
     arSizes.clear();
     feedOpen = true;
-    workersStat = true;
+    workersStat_ = true;
     countFiles_ = 0;
     bytesToRead = 0;
 }
@@ -187,6 +189,18 @@ QFileInfo* TavFind::nextFile(int64_t* size) {
     }
     if (size) *size = -1;
     return nullptr;
+}
+
+size_t TavFind::workerCount() const { return pController->arThreads.size(); }
+
+void TavFind::beginRun(uint32_t workers) {
+    indexNext = 0;
+    countActive = workers;
+}
+
+void TavFind::waitWorkersEnded() {
+    std::unique_lock<std::mutex> l(mutexActive);
+    while (countActive.load() != 0) condActive.wait_for(l, std::chrono::milliseconds(10));
 }
 
 void TavFind::workerEnded() {

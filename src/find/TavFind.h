@@ -103,9 +103,24 @@ public:
     tav::XFindStats workerStats() const;
 
     int addListener(Listener l) { return listeners.add(std::move(l)); }
+    // Number of workers the last search ran with.
+    size_t workerCount() const;
+
+    // ---- for the search's own workers and their controller ----------------------------
+    // Fed files of unknown size are stat-ed by the workers once open.
+    bool workersStat() const { return workersStat_; }
+    void addBytesToRead(uint64_t bytes) { bytesToRead += bytes; }
+    // The controller starts 'workers' workers; each calls workerEnded() when it is done.
+    void beginRun(uint32_t workers);
+    // Blocks the controller until every worker has ended.
+    void waitWorkersEnded();
+    void workerEnded();
+    // Called by the controller when all workers have ended (posts to the GUI thread).
+    void notifyDone();
+
+private:
     tav::XEventListener<Listener> listeners;
     std::mutex mutexListeners;
-
     std::unique_ptr<ThreadControllerFind> pController;
     std::mutex mutexIndex;
     std::atomic<uint32_t> indexNext{0};
@@ -113,18 +128,13 @@ public:
     // The controller looks at countActive every 10 ms; the last worker wakes it at once.
     std::mutex mutexActive;
     std::condition_variable condActive;
-    void workerEnded();
     std::vector<QFileInfo*> arTextFiles;
     std::vector<int64_t> arSizes;           // empty, or one per file (-1: unknown)
     std::atomic<uint64_t> bytesToRead{0};   // 64 bits: folders hold far more than 4 GiB
     std::condition_variable condFeed;       // with mutexIndex: files fed, feed ended or stop
     bool feedOpen = false;                  // with mutexIndex
-    bool workersStat = false;               // fed files: unknown sizes are the workers' to find
+    bool workersStat_ = false;              // fed files: unknown sizes are the workers' to find
 
-    // Called by the controller when all workers have ended (posts to the GUI thread).
-    void notifyDone();
-
-private:
     void startNow();
     void queueStart();
     bool startQueued_ = false;

@@ -39,13 +39,9 @@ void ThreadControllerFind::runCustom() {
     tav::log(tav::LOG_TRACE, "ThreadControllerFind::runCustom");
     tav::log(tav::LOG_TRACE, "ThreadControllerFind::runCustom, arThreads.size():$", quint64(arThreads.size()));
     if (!X_ASSERT_MSG(pTavFind, "tavFind == NULL")) return;
-    pTavFind->indexNext = 0;
-    pTavFind->countActive = uint32_t(arThreads.size());
+    pTavFind->beginRun(uint32_t(arThreads.size()));
     for (FindThread& t : arThreads) tav::XThreadPool::start_global(&t, false);
-    {
-        std::unique_lock<std::mutex> l(pTavFind->mutexActive);
-        while (pTavFind->countActive.load() != 0) pTavFind->condActive.wait_for(l, std::chrono::milliseconds(10));
-    }
+    pTavFind->waitWorkersEnded();
     tav::log(tav::LOG_TRACE, "ThreadControllerFind::~runCustom, file hits:$", quint64(arResults.size()));
     pTavFind->notifyDone();
 }

@@ -123,7 +123,7 @@ private slots:
         tf.maxThreads = 8;
         std::vector<QFileInfo*> again = pointersTo(infos);
         QCOMPARE(runSearch(tf, again, &calls), expected);
-        QCOMPARE(tf.pController->arThreads.size(), size_t(8));
+        QCOMPARE(tf.workerCount(), size_t(8));
         QCOMPARE(tf.workerStats().countFiles.load(), uint64_t(43));
         std::vector<QFileInfo*> three(again.begin(), again.begin() + 3);
         QCOMPARE(runSearch(tf, three, &calls), (QStringList{"1 f01.txt", "2 f02.txt"}));
