@@ -47,9 +47,10 @@ PanelResults::PanelResults(QWidget* parent)
     // The viewport's own resize comes after the table laid out its scroll bars.
     tableResult_->viewport()->installEventFilter(this);
     tableResult_->setToolTip(tav::xt("Up / Down: previous / next file\nN / Shift+N, F3 / Shift+F3: next / previous hit"));
-    // Only a drag by the user counts; the stretched path column and hiding resize sections too.
+    // Only a drag on the header counts; the stretched path column and hiding resize sections too.
+    tableResult_->horizontalHeader()->viewport()->installEventFilter(this);
     connect(tableResult_->horizontalHeader(), &QHeaderView::sectionResized, this, [this](int column, int, int) {
-        if (!fitting_ && column != FileResultModel::COL_PATH && (QApplication::mouseButtons() & Qt::LeftButton)) userSized_ = true;
+        if (!fitting_ && headerPressed_ && column != FileResultModel::COL_PATH) userSized_ = true;
     });
     model_ = new FileResultModel(this);
     container_ = new XContainerPreviews(stack_);
@@ -123,12 +124,12 @@ void PanelResults::fitColumns() {
     // Too narrow for all: the date, then the size give way (elided), never the hits.
     int deficit = minName + wSize + wDate + wHits - avail;
     if (deficit > 0) {
-        const int d = std::min(deficit, wDate - std::min(wDate, fm.horizontalAdvance(QStringLiteral("0000/00/00")) + pad));
+        const int d = std::min(deficit, wDate - std::min(wDate, fm.horizontalAdvance(QStringLiteral("00/00")) + pad));
         wDate -= d;
         deficit -= d;
     }
     if (deficit > 0) {
-        const int d = std::min(deficit, wSize - std::min(wSize, fm.horizontalAdvance(QStringLiteral("000")) + pad));
+        const int d = std::min(deficit, wSize - std::min(wSize, fm.horizontalAdvance(QStringLiteral("00")) + pad));
         wSize -= d;
         deficit -= d;
     }
@@ -158,6 +159,10 @@ bool PanelResults::step_hit(bool down) {
 }
 
 bool PanelResults::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == tableResult_->horizontalHeader()->viewport()) {
+        if (event->type() == QEvent::MouseButtonPress) headerPressed_ = true;
+        else if (event->type() == QEvent::MouseButtonRelease) headerPressed_ = false;
+    }
     if (watched == tableResult_->viewport() && event->type() == QEvent::Resize) fitColumns();
     // N steps through the hits here too; the table would take it as a jump to a name.
     if (watched == tableResult_ && event->type() == QEvent::KeyPress) {

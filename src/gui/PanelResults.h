@@ -92,7 +92,8 @@ private:
     bool fitting_ = false;
     int sortColumn_ = -1;   // the column the user sorted by; -1 until the first click
     bool sortAscending_ = true;
-    bool userSized_ = false;   // the user dragged a column: keep their widths until the next results
+    bool userSized_ = false;
+    bool headerPressed_ = false;   // a button is down on the header (the user may be dragging a column)   // the user dragged a column: keep their widths until the next results
     tav::XEventListener<FileListener> eventContextFile_;
     tav::XEventListener<ResultListener> eventContextResult_;
     tav::XEventListener<FileListener> eventOpenFile_;
