@@ -79,12 +79,12 @@ bool FindApplication::lang_initialiser(tav::KernelGUI& kernel) {
 }
 
 int FindApplication::tavFind(tav::KernelGUI& kernel) {
-    // 1
+    // Normal logging, and the program lives on in the tray when its last window closes.
     tav::Logger::setLogLevelSimple(3);
     QGuiApplication::setQuitOnLastWindowClosed(false);
     // Lets the desktop match the windows to the menu entry and its icon.
     QGuiApplication::setDesktopFileName(QStringLiteral(TF_APP_ID));
-    // 2: the command line first, so a second start can hand its folder on.
+    // The command line first, so a second start can hand its folder on.
     tav::CommandLine& cl = kernel.commandLine();
     if (!cl.checkKeys()) {
         log(tav::LOG_ERROR, "Keys !");
@@ -112,24 +112,24 @@ int FindApplication::tavFind(tav::KernelGUI& kernel) {
     tav::XInstanceChannel channel(QStringLiteral("tavFind"));
     channel.eventRequest().add([](const QByteArray& request) { on_instance_request(request); });
     channel.listen();
-    // 3
+    // The configuration read at start.
     tav::XNode* nApp = kernel.getCreateNodeApplication();
     tav::XNode* root = nApp ? nApp->root() : nullptr;
-    // 4: also after a damaged configuration (its language is gone with it); the
+    // The first-run page: also after a damaged configuration (its language is gone with it); the
     // notice in the window then says what happened.
     if (damagedConfiguration()) log(tav::LOG_NAVIGATION, "FindApplication::tavFind, configuration damaged");
     first_run_message(root);
-    // 5
+    // The settings record.
     cfg().fromNode(nApp->getCreateNode(QStringLiteral("Config")));
-    // 6 (the command line was read before the run guard)
+    // The folder to open (the command line was read before the run guard).
     log(tav::LOG_TRACE, "FindApplication::tavFind <<<$>>>", sFile);
-    // 7
+    // Without one, the configured start folder.
     if (sFile.isEmpty() && cfg().flagUseStartFolder) sFile = cfg().sStartFolder;
-    // 8
+    // Started programs are told there is no console to write to.
     tav::setEnv(QStringLiteral("NOCONSOLE"), QStringLiteral("X"));
-    // 9
+    // The main window's node.
     tav::XNode* nWin = nApp->getCreateNode(QStringLiteral("GUI"))->getCreateNode(QStringLiteral("Window"));
-    // 10
+    // Bookmarks and the custom applications (defaults when there is no store yet).
     Bookmarks::load(Bookmarks::get_tree());
     XAppManager::init_file();
     if (!XAppManager::load()) {
@@ -137,16 +137,16 @@ int FindApplication::tavFind(tav::KernelGUI& kernel) {
         XAppManager::set_defaults();
         log(tav::LOG_TRACE, "FindApplication::tavFind, XAppManager::load() == false, after defaults");
     }
-    // 11: output of started programs goes to the active main window
+    // Output of started programs goes to the active main window.
     WinFinder::register_process_output_consumer();
-    // 12: the tray's watchdog ends the program when no window is left
+    // The first window (the tray's watchdog ends the program when no window is left).
     auto* win = new WinFinder(true);
     win->init(&kernel, nWin);
     win->setupTray();
     win->setUp(sFile);
     // Most of the screen: the tree, the results table and the preview all need room.
     tav::XTools::centerOnScreenPart(win, 0.8, 800, 500);
-    // 13
+    // The modifier keys that cycle the previews.
     kernel.replaceModifierListener(0, []() {
         if (!tav::XTools::is_modifier(cfg().HotkeyCyclePreviews)) return;
         QWidget* focus = QApplication::focusWidget();
@@ -171,7 +171,7 @@ int FindApplication::tavFind(tav::KernelGUI& kernel) {
             if (auto* wf = qobject_cast<WinFinder*>(w)) wf->save_state();
         kernel.save();
     }, Qt::DirectConnection);
-    // 14
+    // Shown, with a notice when damaged files were moved aside.
     win->show();
     win->show_notice(WinFinder::damaged_files_notice());
     const int code = kernel.exec();

@@ -50,17 +50,17 @@ QString DiaSelectFile::getSelectedFile(tav::XNode* node, std::function<void(DiaS
 }
 
 void DiaSelectFile::setup(tav::XNode* node) {
-    // 1
+    // The node keeps the last folder.
     setNodeWin(node);
     const QString start = node ? node->getString(QStringLiteral("path"), QString()) : QString();
-    // 2
+    // Set up once.
     if (fileDialog_) {
         log(tav::LOG_ERROR, "XFileDialogMultiPreview::setup, already setup!");
         return;
     }
     node_ = node;
     setSelected(QString());
-    // 3
+    // The file dialog inside with a preview beside it.
     setMinimumSize(800, 500);
     fileDialog_ = new XFileDialogHelper(this);
     // Qt's own widget, so that it can live inside this dialog.
@@ -76,10 +76,10 @@ void DiaSelectFile::setup(tav::XNode* node) {
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(2, 2, 2, 2);
     layout->addWidget(splitter_);
-    // 4, 5
+    // The current folder and the end of the dialog.
     fileDialog_->eventCurrentPath().add([this](const QString& path) { on_current_path(path); });
     fileDialog_->eventFinished().add([this](int result) { on_finished(result); });
-    // 6
+    // The saved geometry.
     setGeometry(50, 50, 950, 600);
     if (node) {
         splitter_->nodeToState(node, QStringLiteral("splitter"));

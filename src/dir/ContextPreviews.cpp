@@ -73,7 +73,7 @@ bool ContextPreviews::openIn(tav::Preview* p) {
 }
 
 void ContextPreviews::select_file(const QFileInfo& fi) {
-    // 1, 2: a selection never drags (that takes a mouse gesture, see XDragOut).
+    // A selection shows the entry; it never drags (that takes a mouse gesture, see XDragOut).
     candidates_.clear();
     fiCurrent_ = fi;
     if (container_)
@@ -82,14 +82,14 @@ void ContextPreviews::select_file(const QFileInfo& fi) {
     if (!container_) return;
 
     tav::Preview* chosen = nullptr;
-    // 3
+    // A folder gets the folder preview.
     if (fi.isDir()) {
         chosen = container_->previewDirectory();
         if (!chosen) return;
     }
-    // 4
+    // The preview shown before lets go of its file.
     if (gCurrent) gCurrent->close_preview();
-    // 5
+    // A file: the previews that can show it, the best first.
     if (!fi.isDir()) {
         const QString ext = tav::getFileExtension(fi.fileName(), true);
         chosen = container_->previewByExtension(ext);
@@ -101,7 +101,7 @@ void ContextPreviews::select_file(const QFileInfo& fi) {
                 if (tav::Preview* t = container_->textPreview()) chosen = t;
             }
         }
-        // 6
+        // Pictures and source texts have their own favourites.
         const bool image = !ext.isEmpty() && tav::XMimeType::fromFile(fi).isQtImage();
         const bool sourceText = sourceTextExtensions_.count(ext) > 0;
         for (tav::Preview* p : container_->distinctPreviews()) {
@@ -115,21 +115,21 @@ void ContextPreviews::select_file(const QFileInfo& fi) {
             log(tav::LOG_ERROR, "ContextPreviews@$::select_file, no preview for <<<$>>>", getName(), fi);
             return;
         }
-        // 7, 8
+        // The chosen preview comes first among the candidates (Ctrl+Shift cycles through them).
         log(tav::LOG_TRACE, "ContextPreviews::select_file, preview '$'", chosen->name());
         auto it = std::find(candidates_.begin(), candidates_.end(), chosen);
         if (it != candidates_.end()) index_ = int(it - candidates_.begin());
     }
-    // 9
+    // Font and text settings of the window.
     prepare(chosen);
-    // 10
+    // Shift held: the text of a file shown as bytes or XML.
     if (tav::XTools::is_modifier_shift() && (chosen->is_hex() || chosen->is_xml())) {
         if (tav::Preview* t = container_->textPreview()) {
             chosen = t;
             prepare(chosen);
         }
     }
-    // 11: the result is not looked at; the preview shows what it could.
+    // The result is not looked at; the preview shows what it could.
     openIn(chosen);
     gCurrent = chosen;
     container_->showPreview(chosen);

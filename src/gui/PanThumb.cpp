@@ -26,7 +26,7 @@ PanThumb::PanThumb(QWidget* parent) : tav::XPanelStackedGlas(parent, QStringLite
 }
 
 void PanThumb::setup(FinderHost* win, const QFileInfo& fi, unsigned size) {
-    // 1
+    // The file and its name under the picture.
     fi_ = fi;
     size_ = size;
     if (!name_) {
@@ -42,18 +42,18 @@ void PanThumb::setup(FinderHost* win, const QFileInfo& fi, unsigned size) {
     tav::run_in_gui_thread([label, fileName]() {
         if (label) label->setText(fileName);
     });
-    // 2
+    // The picture, loaded in the background.
     thumb_->set_file(fi.absoluteFilePath(), int(size));
     setMinimumWidth(int(size));
     setMaximumSize(int(size), int(size) + 60);
-    // 3
+    // A loaded picture shows its real size above the name.
     thumb_->eventReady().add([this]() {
         thumb_->update();
         if (thumb_->image().isNull()) return;
         const QSize real = thumb_->get_real_size();
         if (real.isValid()) name_->setText(tav::fill("$x$\n$", real.width(), real.height(), fi_.fileName()));
     });
-    // 4
+    // The file menu comes from the window holding the tile.
     QPointer<QWidget> w(win ? win->hostWidget() : nullptr);
     const bool withWindow = win != nullptr;
     eventContextMenu().add([this, w, win, withWindow]() {

@@ -89,12 +89,12 @@ void WinFinder::setUp(const QString& selectPath) {
         return;
     }
     sSelectFile_ = selectPath;
-    // 1
+    // The window's node holds its layout and choices.
     tav::XNode* nWin = nodeWin();
     X_ASSERT_MSG(nWin, "nWin == NULL");
     tav::XNode* nTree = nWin ? nWin->getCreateNode(QStringLiteral("XTreeView")) : nullptr;
 
-    // 2: navigation bar above a splitter with the tree and the stack
+    // Navigation bar above a splitter with the tree and the stack.
     content_ = new tav::XPanel(this, tav::XPanel::VERTICAL, QStringLiteral("content"));
     content_->setTight();
     setCentralWidget(content_);
@@ -120,16 +120,16 @@ void WinFinder::setUp(const QString& selectPath) {
     contexts_ = {contextMain_.get(), findResults_->context()};
     stacked_->showPanel(container_preview_);
 
-    // 3
+    // A preview asks for a window of its own.
     container_preview_->eventOpenStandAlone().add([this](const QFileInfo& fi) { open_stand_alone_preview(fi); });
 
-    // 4
+    // Previews know the text extensions; the splitter gets its saved sizes.
     container_preview_->setTextFileExtensions(cfg().extSet());
     if (nWin) splitter_->nodeToState(nWin, QStringLiteral("splitter"));
     treeView_->showHeaderDetails(nTree && nTree->isBool(QStringLiteral("header"), false));
     if (nTree) treeView_->restoreStates(nTree);
 
-    // 5
+    // The tree: selection, reloads, double clicks, menus and hover tooltips.
     treeView_->eventSelectFile().add([this](const QFileInfo& fi) { on_treeView_selectFile(fi); });
     treeView_->eventDirReload().add([this](const QString& path) {
         log(tav::LOG_TRACE, "WinFinder::setUp - dir reload, '$'", path);
@@ -146,7 +146,7 @@ void WinFinder::setUp(const QString& selectPath) {
         treeView_->setHoverToolTip(tree_tooltip(fi));
     });
 
-    // 6
+    // The filter switch of the navigation bar filters the tree's top folders.
     propUseFilter_.addListener([this](bool on) {
         cfg().flagUseFilter = on;
         if (on) treeView_->setFolderFilter(cfg().filter);
@@ -157,7 +157,7 @@ void WinFinder::setUp(const QString& selectPath) {
     if (cfg().flagUseFilter) treeView_->setFolderFilter(cfg().filter);
     treeView_->setDirsOnly(cfg().flagTreeDirOnly);
 
-    // 7
+    // The folder table on the right: its menus, activation, hidden files and view kind.
     AbstractPreviewDir* previewDir = container_preview_->previewDirectory();
     if (X_ASSERT_MSG(previewDir, "previewDir == NULL")) {
         previewDir->eventContextMenu().add([this, previewDir](const QFileInfo& fi) { on_contextMenu_rightSide(fi, previewDir); });
@@ -175,7 +175,7 @@ void WinFinder::setUp(const QString& selectPath) {
         });
     }
 
-    // 8
+    // Previews appearing in either container are announced once, by the window.
     container_preview_->eventPreviewAppears().add([this](tav::Preview* p) { eventPreviewAppears_.fire(p); });
     findResults_->container()->eventPreviewAppears().add([this](tav::Preview* p) { eventPreviewAppears_.fire(p); });
     eventPreviewAppears_.add([this](tav::Preview* p) {
@@ -184,24 +184,24 @@ void WinFinder::setUp(const QString& selectPath) {
         apply_preview_settings(p);
     });
 
-    // 9
+    // The tree's saved header and sort; the configuration decides the detail columns.
     if (nTree) treeView_->restoreStates(nTree);
     treeView_->showHeaderDetails(cfg().flagTreeDateSize);
 
-    // 10
+    // Filter panel, keys and the rest of the window's furniture.
     setup_panel_find();
     setup_hotkeys();
     log(tav::LOG_TRACE, "WinFinder::setUp, selectFile:<<<$>>>", selectPath);
 
-    // 11
+    // A new root colours the tree; the first appearance finishes the layout.
     treeView_->eventRootChanged().add([this](const QString& path) { on_root_changed(path); });
     eventAppearFirstTime().add([this](int64_t mc) { setup_window_appear_first_time(mc); });
     eventClose().add([this]() { on_close_save_state(); });
 
-    // 12
+    // The previews' saved settings.
     if (nWin) container_preview_->from_node(nWin->getCreateNode(QStringLiteral("Previews")));
 
-    // 13
+    // The results panel's menus and double clicks.
     findResults_->eventContextMenuFile().add([this](const QFileInfo& fi) { on_contextMenu_rightSide(fi, nullptr); });
     findResults_->eventContextMenuFileResult().add([this](const FileResult& fr) { on_contextMenu_fileResult(fr); });
     findResults_->eventOpenFile().add([this](const QFileInfo& fi) {
@@ -210,10 +210,10 @@ void WinFinder::setUp(const QString& selectPath) {
     });
     findResults_->eventOpenFileResult().add([this](const FileResult& fr) { on_open_fileResult(fr); });
 
-    // 14
+    // The filter bits show and hide the rows of the filter panel.
     filterFlags_.addListener([this](uint32_t bits) { apply_filter_flags(bits); });
 
-    // 16 (before 15, so that a root given now gets its colour at once)
+    // The tree's colours at the root (set before a root is applied, so it gets them at once).
     if (tav::KernelGUI::isTavStyleDark()) {
         colorTreeAtRoot_ = QColor(QStringLiteral("#1d2125"));
         colorTreeBelowRoot_ = QColor(QStringLiteral("#212245"));
@@ -225,14 +225,14 @@ void WinFinder::setUp(const QString& selectPath) {
     treeView_->setStyleSheet(tav::replace_variables(QStringLiteral(".QTreeView { background: $(BG); }"),
                                                     QStringLiteral("BG"), colorTreeAtRoot_.name()));
 
-    // 15
+    // A configured root folder.
     if (cfg().flagUseRootFolder && cfg().sRootFolder.length() > 1) {
         const QString abs = QFileInfo(cfg().sRootFolder).absoluteFilePath();
         treeView_->setRoot(abs);
         cfg().sRootFolder = abs;
     }
 
-    // 17
+    // Ctrl / Shift previews of the hovered entry, and the history buttons' state.
     setUp_shift_control();
     on_hist_state_change();
 }

@@ -20,22 +20,21 @@ using tav::log;
 using tav::xt;
 
 void WinFinder::on_config() {
-    // 1
     // The dialog shows the theme chosen (the one of the next start when a change waits for it).
     const bool darkBefore = tav::KernelGUI::tavStyleAtNextStart();
     cfg().flagDarkTheme = darkBefore;
     DiaTavFinderConfig dia(this);
     dia.set_gui_from_cfg(cfg());
     dia.setGeometry(50, 50, 600, 400);
-    // 2
+    // Cancel changes nothing.
     if (!dia.isExecOK(false)) {
         log(tav::LOG_TRACE, "dia cancel");
         return;
     }
-    // 3
+    // The dialog's record becomes the program's.
     cfg() = dia.config();
     log(tav::LOG_TRACE, "$", cfg().toString());
-    // 4: the button of the navigation bar follows the filter switch
+    // The tree follows the filter switch, the folders-only switch and the text extensions.
     propUseFilter_.set(cfg().flagUseFilter);
     if (treeView_) {
         if (cfg().flagUseFilter) treeView_->setFolderFilter(cfg().filter);
@@ -44,7 +43,7 @@ void WinFinder::on_config() {
         treeView_->invalidateModel();
     }
     if (container_preview_) container_preview_->setTextFileExtensions(cfg().extSet());
-    // 5
+    // The theme.
     log(tav::LOG_TRACE, cfg().flagDarkTheme ? "WinFinder_config::on_config - DARK THEME" : "WinFinder_config::on_config - STANDARD THEME");
     if (cfg().flagDarkTheme != darkBefore) {
         // Windows, icons and pictures are made for one theme: switching them halfway leaves
@@ -57,13 +56,13 @@ void WinFinder::on_config() {
         tav::XTools::empty_out_cache_dir();
         tav::XTools::get_create_cache_dir();
     }
-    // 6
+    // The font scale.
     tav::TalvoEngine::setFontScale(kernel_ ? kernel_->getNodeRoot() : nullptr, dia.fontScale());
-    // 7
+    // Some choices need a restart: offer it.
     if (tav::XBox::ask_yes_no(this, xt("Restart"),
                               xt("Some options will work only after restart!\nDo you want to restart Talvo Finder ?")))
         FindApplication::restart_later();
-    // 8
+    // Everything shown is read again; every window follows the status bar switch.
     on_refresh();
     for (tav::AbstractWindow* w : tav::XTools::getAbstractWindows(false, true))
         if (auto* win = dynamic_cast<WinFinder*>(w)) win->statusBar()->setVisible(cfg().flagStatusBar);

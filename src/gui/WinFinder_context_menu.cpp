@@ -46,7 +46,7 @@ void WinFinder::on_contextMenu_rightSide(const QFileInfo& fi, AbstractPreviewDir
 void WinFinder::fill_contextMenu(tav::XMenu& menu, const QFileInfo& fi, AbstractPreviewDir* previewDir, bool fromTree,
                                  std::function<void()> view) {
     const bool isFile = fi.isFile();
-    // 1
+    // Viewing a file.
     if (isFile) {
         if (!view) view = [this, fi]() { open_stand_alone_preview(fi); };
         menu.createAction(xt("View"), view, WindowBase::icon(QStringLiteral("show.svg")));
@@ -58,35 +58,35 @@ void WinFinder::fill_contextMenu(tav::XMenu& menu, const QFileInfo& fi, Abstract
             }
         }
     }
-    // 2
+    // Selecting the entry in the tree (not from the tree itself).
     if (!fromTree)
         menu.createAction(xt("Tree"), [this, fi]() { treeView_->selectFile(fi.absoluteFilePath(), true); },
                           WindowBase::icon(QStringLiteral("root.svg")));
-    // 3
+    // Opening a file with a program.
     if (isFile) {
         menu.addSeparator();
         create_open_with_app(menu, fi);
         menu.createAction(xt("Open With Default Program"), [fi]() { tav::XTools::open_file_with_default_program(fi); });
     }
-    // 4
+    // Rename and delete, when allowed.
     add_modify_entries(menu, fi);
-    // 5
+    // Other windows and programs at the entry.
     menu.addSeparator();
     menu.createAction(xt("Window"), [this, fi]() { on_open_new_win_here(fi); }, WindowBase::icon(QStringLiteral("window.svg")));
     menu.createAction(xt("File Manager"), [fi]() { tav::XTools::showFolderInFileManager(fi.absoluteFilePath()); },
                       WindowBase::icon(QStringLiteral("fileManager1.svg")));
     menu.createAction(xt("Terminal"), [fi]() { Terminal::open_here(fi); });
-    // 6
+    // Clipboard.
     menu.addSeparator();
     context_menu_fi_path_to_clipboard(menu, fi);
     context_menu_fi_name_to_clipboard(menu, fi);
-    // 7
+    // Web search for the name.
     menu.addSeparator();
     context_menu_webSearchFile(menu, fi);
-    // 8
+    // Bookmark.
     menu.addSeparator();
     context_menu_bookmark(menu, fi);
-    // 9
+    // Properties of a file; the recursive count of a folder.
     if (isFile) {
         menu.addSeparator();
         menu.createAction(xt("Properties"), [this, fi]() { open_properties(fi); });

@@ -81,7 +81,7 @@ QString WinFinder::output_target(const QString& text) {
 }
 
 void WinFinder::show_process_output(const QString& text) {
-    // 1: the text goes to a file of its own, shown like any other file; it goes
+    // The text goes to a file of its own, shown like any other file; it goes
     // when this window closes or the program ends.
     QTemporaryFile tmp(QDir::temp().absoluteFilePath(QStringLiteral("tavFind-output-XXXXXXXXXXXXXXXX.txt")));
     tmp.setAutoRemove(false);
@@ -94,13 +94,13 @@ void WinFinder::show_process_output(const QString& text) {
     const QString tmpPath = tmp.fileName();
     outputFiles_ << tmpPath;
     outputFilesOfAll() << tmpPath;
-    // 2
+    // A program that names a file in its output: that file is shown.
     QString target = output_target(text);
     if (!target.isEmpty() && !QFileInfo::exists(target)) {
         log(tav::LOG_TRACE, "WinFinder::show_process_output, <<<$>>> 404", target);
         target.clear();
     }
-    // 3
+    // Shown in the tree, else the output file in the preview.
     if (!target.isEmpty()) {
         treeView_->selectFile(target, true);
         return;

@@ -44,7 +44,7 @@ bool WinEditorApps::isOpen() { return gOpen; }
 
 void WinEditorApps::setup(const tav::XTree& apps) {
     if (listView_) return;
-    // 1
+    // The editor works on a copy: OK takes it over, Cancel drops it.
     const tav::XTypeSupporter& types = XType_App::forEditor();
     copyAtOpen_ = apps.create_copy(types);
     setWindowTitle(xt("Edit Applications"));
@@ -57,14 +57,14 @@ void WinEditorApps::setup(const tav::XTree& apps) {
     setCentralWidget(central);
     tav::XPanel* top = central->createPanel(tav::XPanel::HORIZONTAL);
 
-    // 2
+    // The list of applications.
     listView_ = top->add(new QListView(top));
     model_ = new ListModelPrograms(apps, &types, listView_);
     listView_->setModel(model_);
     connect(listView_->selectionModel(), &QItemSelectionModel::currentChanged, this,
             [this](const QModelIndex& current) { on_row_selected(current.isValid() ? current.row() : -1); });
 
-    // 3
+    // The buttons beside the list: move, add, copy, delete.
     auto* frame = top->add(new QFrame(top));
     frame->setFrameStyle(QFrame::Panel | QFrame::Sunken);
     auto* frameLayout = new QVBoxLayout(frame);
@@ -84,7 +84,7 @@ void WinEditorApps::setup(const tav::XTree& apps) {
     tools->addSpacer();
     button("delete_all.svg", "Delete all Applications", "buttonDeleteAll", [this]() { on_delete_all(); });
 
-    // 4
+    // The form of the selected application.
     tav::XPanel* right = top->createPanel(tav::XPanel::VERTICAL);
     form_ = right->add(new PanelProgram(right));
     form_->from_app(model_->app_at(0));
@@ -102,7 +102,7 @@ void WinEditorApps::setup(const tav::XTree& apps) {
     checkEnabled_->setChecked(true);
     checkEnabled_->setMinimumHeight(50);
 
-    // 5
+    // OK and Cancel.
     tav::XPanel* rowOk = central->createPanel(tav::XPanel::HORIZONTAL);
     rowOk->createButton(xt("OK"), [this]() { on_ok(); }, QIcon(QStringLiteral(":/res/icons/apply-ok.svg")))
         ->setObjectName(QStringLiteral("buttonOK"));

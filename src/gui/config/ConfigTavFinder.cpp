@@ -74,15 +74,15 @@ void WinFinderConfig::filter_from_string(const QString& text) {
 
 void WinFinderConfig::fromNode(tav::XNode* n) {
     if (!X_ASSERT_MSG(n, "nConfig == NULL")) return;
-    // 1-2: text extensions; the set is not emptied first.
+    // Text extensions; the set is not emptied first.
     tav::XNode* nText = n->getCreateNode(QStringLiteral("TextFiles"));
     QString sExt = nText->getString(QStringLiteral("ext"));
     if (sExt.isEmpty()) sExt = tav::default_text_file_extensions_as_string();
     ext_from_string(sExt);
-    // 3
+    // The root folder of the tree.
     flagUseRootFolder = n->isBool(QStringLiteral("flagUseRootFolder"), false);
     sRootFolder = n->getBase64String(QStringLiteral("root"), QString());
-    // 4
+    // The tree's filter and content.
     flagUseFilter = n->isBool(QStringLiteral("flagUseFilter"), flagUseFilter);
     flagTreeDirOnly = n->isBool(QStringLiteral("flagTreeDirOnly"), false);
     flagTreeDateSize = n->isBool(QStringLiteral("flagTreeDateSize"), false);
@@ -100,21 +100,21 @@ void WinFinderConfig::fromNode(tav::XNode* n) {
     flagRegEx = n->isBool(QStringLiteral("flagRegEx"), flagRegEx);
     HotkeyCyclePreviews = n->getUInt(QStringLiteral("HotkeyCyclePreviews"), 0x06000000);
     countThreads = n->getUInt(QStringLiteral("countThreads"), countThreads);
-    // 5: deliberately 2, not the hardware count.
+    // Workers of the content search: deliberately 2 by default, not the hardware count.
     if (countThreads == 0 || countThreads > 64) {
         log(tav::LOG_ERROR, "WinFinderConfig::fromNode, countThreads:$, allowed range 1...64, set to 2", countThreads);
         countThreads = 2;
     }
-    // 6
+    // Font sizes.
     fontSizeHexView = n->getInt(QStringLiteral("fontSizeHexView"), 14);
     fontSize = n->getInt(QStringLiteral("fontSize"), fontSize);
-    // 7
+    // Folders filtered at the top of the tree (special folders when none are set).
     filter_from_string(n->getBase64String(QStringLiteral("filter"), QString()));
     if (filter.isEmpty()) filter = default_special_folders();
-    // 8
+    // The start folder.
     flagUseStartFolder = n->isBool(QStringLiteral("flagUseStartFolder"), false);
     sStartFolder = n->getBase64String(QStringLiteral("startFolder"), sStartFolder);
-    // 9
+    // Where the text view shows its status line.
     li_pos = n->hasAttribute(QStringLiteral("li_pos")) ? n->getInt(QStringLiteral("li_pos"), 1) : 1;
 }
 

@@ -355,13 +355,13 @@ void DiaTavFinderConfig::setup_text_view(QWidget* w) {
 }
 
 void DiaTavFinderConfig::set_cfg_from_gui() {
-    // 1
+    // General tab.
     cfg_.countThreads = comboThreads_->selected();
     cfg_.flagDarkTheme = checkDark_->isChecked();
-    // 2
+    // Font sizes, kept in the range the views can show.
     cfg_.fontSize = sanitizeFontSize(int(comboFont_->selected()));
     cfg_.fontSizeHexView = sanitizeFontSize(int(comboFontHex_->selected()));
-    // 3
+    // Text view tab.
     cfg_.flagRuler = checkRuler_->isChecked();
     cfg_.flagAutoWrap = checkAutoWrap_->isChecked();
     cfg_.flagStatusBar = checkStatusBar_->isChecked();
@@ -373,30 +373,29 @@ void DiaTavFinderConfig::set_cfg_from_gui() {
     cfg_.sStartFolder = editStart_->text().trimmed();
     cfg_.flagUseRootFolder = checkRoot_->isChecked();
     cfg_.sRootFolder = editRoot_->text().trimmed();
-    // 4: takes effect at the next start
+    // The language takes effect at the next start.
     tav::TalvoEngine::set_lang(engine(), comboLang_->currentText());
-    // 5: only adds - an extension deleted here stays until the configuration is reset
+    // Text extensions: only adds - an extension deleted here stays until the configuration is reset
     QString ext = textExt_->toPlainText();
     ext.replace(QLatin1Char('\n'), QLatin1Char(','));
     cfg_.ext_from_string(ext);
-    // 6
+    // Folders filtered at the top of the tree.
     cfg_.filter_from_string(textFilter_->toPlainText().replace(QLatin1Char('\n'), QLatin1Char(';')));
-    // 7
+    // Where the text view shows its status line.
     cfg_.li_pos = groupLiPos_.currentEnum();
-    // 8
+    // The modifier keys that cycle the previews.
     unsigned keys = 0;
     if (checkCtrl_->isChecked()) keys += kCtrl;
     if (checkShift_->isChecked()) keys += kShift;
     if (checkAlt_->isChecked()) keys += kAlt;
     cfg_.HotkeyCyclePreviews = keys;
-    // 9
+    // The favourite filter bits.
     unsigned bits = 0;
     for (auto& [bit, box] : filterBits_)
         if (box->isChecked()) bits |= bit;
     cfg_.filterBits = bits;
     cfg_.scope = comboScope_->selected();
     cfg_.flagRegEx = true;
-    // 10
     log(tav::LOG_TRACE, "DiaWinFinderConfig::set_cfg_from_gui, cfg.li_pos:$", cfg_.li_pos);
 }
 

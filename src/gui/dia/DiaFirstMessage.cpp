@@ -38,7 +38,7 @@ DiaFirstMessage::DiaFirstMessage(QWidget* parent) : tav::XDialog(parent), group_
     layout->setContentsMargins(0, 0, 0, 0);
     auto* content = new tav::XPanel(this, tav::XPanel::VERTICAL);
     layout->addWidget(content);
-    // 1
+    // The page.
     content->setTight();
     browser_ = content->createBrowser();
     browser_->setMinimumSize(960, 500);
@@ -46,7 +46,7 @@ DiaFirstMessage::DiaFirstMessage(QWidget* parent) : tav::XDialog(parent), group_
     browser_->setOpenLinks(false);
     browser_->setDocMargin(0);
     browser_->setResourceHTML(page_of(English), true);
-    // 2
+    // The language choice.
     tav::XPanel* row = content->createPanel(tav::XPanel::HORIZONTAL);
     row->setMargins(8, 6, 8, 6);
     std::vector<std::pair<QRadioButton*, const char*>> radios;
@@ -55,7 +55,7 @@ DiaFirstMessage::DiaFirstMessage(QWidget* parent) : tav::XDialog(parent), group_
         group_.addButton(radio, lang);
         radios.emplace_back(radio, text);
     }
-    // 3
+    // The buttons.
     row->addSpacer();
     okSave_ = row->createButton(xt("OK + save"), [this]() {
         result_ = OK_SAVE;
@@ -81,7 +81,7 @@ DiaFirstMessage::DiaFirstMessage(QWidget* parent) : tav::XDialog(parent), group_
         for (auto [radio, text] : radios) radio->setText(tav::XTools::translateTo(QString::fromLatin1(text), l));
         setWindowTitle(tav::XTools::translateTo(QStringLiteral("Hint"), l));
     });
-    // 4
+    // Title, and the current language chosen.
     setWindowTitle(xt("Hint"));
     const QString current = tav::XTools::lang();
     int selected = -1;

@@ -35,10 +35,10 @@ WinLang::WinLang(QWidget* parent) : WindowBase(parent) {
     gOpen = true;
     setXName(QStringLiteral("WinLang"));
     langAtOpen_ = tav::XTools::lang();
-    // 1
+    // Title and icon.
     setWindowTitle(xt("Talvo Finder - Language Editor"));
     setWindowIcon(QIcon(QIcon(QStringLiteral(":/tf/icons/find2.svg")).pixmap(64, 64)));
-    // 2
+    // The language table with its buttons.
     auto* content = new tav::XPanel(this, tav::XPanel::VERTICAL, QStringLiteral("WinLangContent"));
     setCentralWidget(content);
     scroll_ = content->add(new QScrollArea(content), 1);
@@ -65,7 +65,7 @@ WinLang::WinLang(QWidget* parent) : WindowBase(parent) {
         log(tav::LOG_TRACE, "WinLang::WinLang - combo lang CHANGED, sLang:$", lang);
         on_combo_lang_changed(lang);
     });
-    // 3
+    // The language edited at first: the interface's.
     langToEdit_ = editable_lang(tav::XTools::lang());
 }
 

@@ -93,7 +93,7 @@ void PanPreviewAsc::ini() {
         log(tav::LOG_ERROR, "PanPreviewAsc::ini() already called!");
         return;
     }
-    // 1
+    // The text view with its search panels below it.
     setSpacing(0);
     setMargins(0, 0, 0, 0);
     tav::XPanel* row = createPanel(tav::XPanel::HORIZONTAL);
@@ -103,7 +103,7 @@ void PanPreviewAsc::ini() {
     row->add(preview_.widget_preview(), 1);
     add(row, 1);
 
-    // 2
+    // The navigation buttons beside the text.
     panelNavi_ = row->createPanel(tav::XPanel::VERTICAL, QStringLiteral("navigation"));
     panelNavi_->setMargins(0, 0, 0, 0);
     panelNavi_->hide();
@@ -114,7 +114,7 @@ void PanPreviewAsc::ini() {
     panelNavi_->setEnabled(false);
     connect(slider_, &QSlider::valueChanged, this, [this](int v) { on_slider_value(v); });
 
-    // 3
+    // One button per step: first, previous, next, last hit.
     struct NaviButton {
         const char* icon;
         std::function<void()> f;
@@ -128,7 +128,7 @@ void PanPreviewAsc::ini() {
     for (const NaviButton& b : buttons)
         panelNavi_->createImageButton(WindowBase::icon(QString::fromLatin1(b.icon)), QString(), b.f, false, 16);
 
-    // 4
+    // The two search panels, each with its own layer colour.
     view_ = preview_.get_XTextView();
     for (unsigned n = 0; n < panels_.size(); ++n) {
         auto* p = add(new PanelSearch(this));
@@ -143,7 +143,7 @@ void PanPreviewAsc::ini() {
         p->colorLabel()->setToolTip(xt("Colorized search Layer\nMouse Click to make active\n[Ctrl] + Mouse Click to change color"));
     }
 
-    // 5
+    // The pointer's marks and new layers.
     view_->eventMouseOver().add([this](const tav::viewText::MouseOverMark& m) { on_mouse_over(m); });
     view_->layers().eventLayerAdded().add([this](int id) {
         if (id == kLayerBase) layerActive_ = view_->layers().layer_by_ID(kLayerBase);
@@ -151,10 +151,10 @@ void PanPreviewAsc::ini() {
     });
     view_->eventActiveMark().add([this](const tav::viewText::XActiveMark&) { adapt_slider_navi_pos(); });
 
-    // 6
+    // The window's text size.
     view_->setFont(tav::XTools::getMonoFont(cfg().fontSize));
 
-    // 7
+    // Layer changes and the preview's own gesture (pattern selection mode).
     preview_.eventLayerChanged().add([this](int id) { on_layer_changed(id); });
     preview_.eventPreview().add([this](tav::Preview*) { patternMode_.set(!patternMode_.value()); });
     patternMode_.addListener([this](const bool& on) {
@@ -163,7 +163,7 @@ void PanPreviewAsc::ini() {
         show_layer(kLayerDirect, XRamLayer(), get_panel_search(2)->color());
     });
 
-    // 8
+    // The text view's context menu: web search and copy to a search panel.
     preview_.add_extra_context_menu_web_search(xt("Web Search"));
     preview_.add_extra_context_menu([this](tav::XMenu& menu, const QString& selection) {
         const bool usable = !selection.isEmpty() && selection.length() <= kCopyMaxChars;
