@@ -23,6 +23,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
+#include <QTimer>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QToolButton>
@@ -162,10 +163,16 @@ void WinFinder::on_find() {
         set_status_text(filter.sError);
         return;
     }
-    // A scan still under way reads the filter and its folder: end it first.
+    // A scan still under way reads the filter and its folder: it is told to stop, and this
+    // search starts a moment later from the event loop once it has (never waiting here).
     if (thScanDir->isActive()) {
         thScanDir->dirInfo.flagStop = true;
-        thScanDir->waitDone(-1);
+        log(tav::LOG_TRACE, "WinFinder::on_find, waiting for the previous scan to stop");
+        QPointer<WinFinder> self(this);
+        QTimer::singleShot(10, this, [self]() {
+            if (self) self->on_find();
+        });
+        return;
     }
 
     filterCurrent = filter;

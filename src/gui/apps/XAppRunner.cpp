@@ -34,6 +34,15 @@ void logStart(tav::XProcess* proc, bool started) {
              XAppRunner::start_error_text(proc->program(), proc->error(), proc->errorString()));
 }
 
+// The start is reported when it happens; the GUI thread never waits for a program.
+void startReported(tav::XProcess* proc) {
+    QObject::connect(proc, &QProcess::started, proc, [proc]() { logStart(proc, true); });
+    QObject::connect(proc, &QProcess::errorOccurred, proc, [proc](QProcess::ProcessError e) {
+        if (e == QProcess::FailedToStart) logStart(proc, false);
+    });
+    proc->start(QIODevice::ReadWrite);
+}
+
 bool startTerminal(const XApp& app) {
     const Terminal::Emulator emu = Terminal::find_emulator();
     auto* proc = new tav::XProcess();
@@ -67,8 +76,7 @@ bool startTerminal(const XApp& app) {
     proc->addErrorListener([proc]() {
         if (proc->error() == QProcess::FailedToStart) proc->deleteLater();
     });
-    proc->start(QIODevice::ReadWrite);
-    logStart(proc, proc->waitForStarted(30000));
+    startReported(proc);
     return true;
 }
 
@@ -104,9 +112,7 @@ bool startDirect(const XApp& app) {
     proc->setArgsReplacingEnv(app.get_arguments(false));
     proc->addEnv(app.get_environment(true));
     proc->setProgram(app.get_path(true));
-    tav::xSleep(200);
-    proc->start(QIODevice::ReadWrite);
-    logStart(proc, proc->waitForStarted(30000));
+    startReported(proc);
     return true;
 }
 }
