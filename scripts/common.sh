@@ -8,6 +8,7 @@ TF_BUILD_TYPE="${TF_BUILD_TYPE:-RelWithDebInfo}"
 
 tf_packages() {
   local pkgs=(cmake make g++ pkg-config ccache qtbase5-dev libqt5svg5-dev libpcre2-dev
+              libarchive-dev libpoppler-cpp-dev
               xvfb xauth fonts-dejavu-core qttranslations5-l10n)
   # The fast matcher exists for x86-64 only; the build falls back to PCRE2 elsewhere.
   if [ "$(uname -m)" = "x86_64" ]; then pkgs+=(libhyperscan-dev); fi

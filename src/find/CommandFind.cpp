@@ -3,7 +3,7 @@
 //   find --dir DIR [--find TEXT] [--regex true] [--wholeWords true] [--matchCase true]
 //        [--scope File|Paragraph|Sentence]
 //        [--pattern P] [--npattern P] [--textFiles true] [--hidden true]
-//        [--minSize N] [--maxSize N] [--threads N] [--show files|count|hits]
+//        [--minSize N] [--maxSize N] [--threads N] [--show files|count|hits] [--documents true]
 // Exit code: 0 something found, 1 nothing found, 2 bad input.
 #include "src/find/CommandFind.h"
 
@@ -31,7 +31,7 @@ const char* kUsage =
     "usage: talvofinder find --dir DIR [--find TEXT] [--regex true] [--wholeWords true] [--matchCase true]\n"
     "         [--scope File|Paragraph|Sentence]\n"
     "         [--pattern P] [--npattern P] [--textFiles true] [--hidden true] [--minSize N] [--maxSize N]\n"
-    "         [--threads N] [--show files|count|hits]";
+    "         [--threads N] [--show files|count|hits] [--documents true]";
 
 int badInput(const QString& message) {
     tav::Logger::printToCerr(QStringLiteral("find: ") + message);
@@ -91,7 +91,8 @@ bool readSize(const tav::CommandLine& cl, const QString& key, bool& given, uint6
 tav::CommandKeys findCommandKeys() {
     return {QStringLiteral("dir=folder"),
             QStringLiteral("find,regex=true|false,wholeWords=true|false,matchCase=true|false,scope=File|Paragraph|Sentence,pattern,npattern,textFiles=true|false,"
-                           "hidden=true|false,minSize,maxSize,threads,show=files|count|hits,countLines=true|false"),
+                           "hidden=true|false,minSize,maxSize,threads,show=files|count|hits,countLines=true|false,"
+                           "documents=true|false"),
             true};
 }
 
@@ -104,10 +105,12 @@ int runFindCommand(tav::CommandLine& cl) {
     if (!cl.checkKeys()) return badInput(cl.lastError());
 
     QString error;
-    bool regEx = false, textFiles = false, hidden = false, countLines = true, wholeWords = false, matchCase = false;
+    bool regEx = false, textFiles = false, hidden = false, countLines = true, wholeWords = false, matchCase = false,
+         documents = false;
     if (!readBool(cl, QStringLiteral("regex"), regEx, error) || !readBool(cl, QStringLiteral("wholeWords"), wholeWords, error) ||
         !readBool(cl, QStringLiteral("matchCase"), matchCase, error) || !readBool(cl, QStringLiteral("textFiles"), textFiles, error) ||
-        !readBool(cl, QStringLiteral("hidden"), hidden, error) || !readBool(cl, QStringLiteral("countLines"), countLines, error))
+        !readBool(cl, QStringLiteral("hidden"), hidden, error) || !readBool(cl, QStringLiteral("countLines"), countLines, error) ||
+        !readBool(cl, QStringLiteral("documents"), documents, error))
         return badInput(error);
     bool hasMin = false, hasMax = false;
     uint64_t minSize = 0, maxSize = 0;
@@ -184,6 +187,7 @@ int runFindCommand(tav::CommandLine& cl) {
     search.maxThreads = threads;
     search.scope = scope;
     search.flagCountLines = countLines;
+    search.flagDocuments = documents;
     search.setContentFilter(filter.contentFilter);
     // The workers search each folder's files while the walk goes on; the walk
     // stats no file (unless a size bound needs it), a worker does so through
@@ -211,8 +215,7 @@ int runFindCommand(tav::CommandLine& cl) {
     std::vector<Row> rows;
     rows.reserve(results.size());
     for (const FileResult& r : results) {
-        const QFileInfo& fi = r.fileInfo;
-        rows.push_back({size_t(r.layer.size()), QFile::encodeName(fi.isAbsolute() ? fi.filePath() : fi.absoluteFilePath()), &r});
+        rows.push_back({size_t(r.layer.size()), QFile::encodeName(r.displayPath()), &r});
     }
     std::sort(rows.begin(), rows.end(), [](const Row& a, const Row& b) {
         if (a.hits != b.hits) return a.hits > b.hits;
@@ -255,6 +258,10 @@ int runFindCommand(tav::CommandLine& cl) {
     }
     write(out);
     reportUnreadable(scan);
+    if (const uint64_t incomplete = search.countIncomplete.load()) {
+        const QByteArray err = tav::fill("find: $ files could not be searched completely", tav::format1000(incomplete)).toUtf8() + '\n';
+        std::fwrite(err.constData(), 1, size_t(err.size()), stderr);
+    }
     // Everything is printed: the system frees the scan's and the search's memory
     // faster than their destructors would.
     std::fflush(nullptr);

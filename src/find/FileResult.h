@@ -9,19 +9,28 @@ namespace tavFinder {
 
 struct FileResult {
     tav::find::XRamLayer layer;   // size() = number of hits
-    QFileInfo fileInfo;
+    QFileInfo fileInfo;           // the file, or the archive that holds the member
+    QString member;               // inside an archive: "dir/a.log" or nested "x.zip!/a.log"
 
     FileResult() = default;
-    FileResult(tav::find::XRamLayer l, QFileInfo fi) : layer(std::move(l)), fileInfo(std::move(fi)) {}
+    FileResult(tav::find::XRamLayer l, QFileInfo fi, QString m = QString())
+        : layer(std::move(l)), fileInfo(std::move(fi)), member(std::move(m)) {}
     FileResult(const FileResult&) = default;
     FileResult& operator=(const FileResult&) = default;
     // noexcept, so that growing result vectors move the marks instead of copying them
     // (QFileInfo has no move constructor; copying it only counts a reference).
-    FileResult(FileResult&& o) noexcept : layer(std::move(o.layer)), fileInfo(o.fileInfo) {}
+    FileResult(FileResult&& o) noexcept : layer(std::move(o.layer)), fileInfo(o.fileInfo), member(std::move(o.member)) {}
     FileResult& operator=(FileResult&& o) noexcept {
         layer = std::move(o.layer);
         fileInfo = o.fileInfo;
+        member = std::move(o.member);
         return *this;
+    }
+    bool isMember() const { return !member.isEmpty(); }
+    // The path results show: "ARCHIVE!/MEMBER" for a member.
+    QString displayPath() const {
+        const QString p = fileInfo.isAbsolute() ? fileInfo.filePath() : fileInfo.absoluteFilePath();
+        return member.isEmpty() ? p : p + QStringLiteral("!/") + member;
     }
     // The hit count, or "not-valid" without hits.
     QString toString() const { return layer.toString(); }

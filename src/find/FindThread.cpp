@@ -65,6 +65,7 @@ void FindThread::runCustom() {
             tav::find::XContentFilter::WindowWatch watch;
             watch.keepGoing = [this]() { return pController->isFlag(tav::AbstractThread::RUNNING); };
             watch.bytesDone = &bytesInFile;
+            if (pTavFind->flagDocuments && searchExtracted(path, *file, watch)) continue;
             tav::find::XRamLayer layer = contentFilter.find(0, reader_, &watch);
             contentFilter.seekHome();
             if (watch.stopped) tav::log(tav::LOG_TRACE, "FindThread::runCustom, cancelled inside <<<$>>>", path);
@@ -85,6 +86,35 @@ void FindThread::runCustom() {
         } while (pController->isFlag(tav::AbstractThread::RUNNING));
     }
     pTavFind->workerEnded();
+}
+
+bool FindThread::searchExtracted(const QString& path, const QFileInfo& file, tav::find::XContentFilter::WindowWatch& watch) {
+    if (tav::extract::sniff(reader_.head(), reader_.headSize(), path) == tav::extract::Family::None) return false;
+    if (!extractor_) extractor_ = std::make_unique<tav::extract::XExtractor>();
+    extractor_->setLimits(pTavFind->extractLimits);
+    extractor_->setKeepGoing(watch.keepGoing);
+    uint64_t lines = 0;
+    const bool countLines = pTavFind->flagCountLines;
+    extractor_->extractFile(path, reader_.head(), reader_.headSize(), [&](tav::extract::Part& part) {
+        contentFilter.seekHome();
+        tav::find::XRamLayer layer = contentFilter.find(0, part.text);
+        if (countLines && !part.text.isEmpty())
+            lines += uint64_t(part.text.count('\n')) + (part.text.endsWith('\n') ? 0 : 1);
+        if (layer) {
+            tav::XFindStats::add(stats.countMatch, 1);
+            tav::XFindStats::add(stats.countHits, layer.size());
+            pController->addResult(FileResult(std::move(layer), file, part.member));
+        }
+        return true;
+    });
+    contentFilter.seekHome();
+    if (!extractor_->isComplete()) pTavFind->countIncomplete.fetch_add(1, std::memory_order_relaxed);
+    if (extractor_->wasCancelled()) tav::log(32, "FindThread::searchExtracted, cancelled inside <<<$>>>", path);
+    // Progress counts the container's own bytes, as the total does.
+    tav::XFindStats::add(stats.countBytes, reader_.getMemorySize());
+    tav::XFindStats::add(stats.countLines, lines);
+    reader_.close();
+    return true;
 }
 
 } // namespace tavFinder

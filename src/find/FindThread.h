@@ -2,10 +2,14 @@
 // A worker of the content search: takes files one by one from the search
 // object, reads each with its own line reader and searches it with its own
 // copy of the content filter.
+#include "base/extract/XExtract.h"
 #include "base/find/XContentFilter.h"
 #include "base/find/XFindStats.h"
 #include "base/io/XLineReaderDA.h"
 #include "base/thread/XThread.h"
+
+#include <QFileInfo>
+#include <memory>
 
 #include <atomic>
 #include <cstdint>
@@ -33,6 +37,11 @@ public:
     void runCustom() override;
 
 private:
+    // A recognised document or container: its texts are searched instead of its
+    // bytes. False when the open file is none (it is searched as it is).
+    bool searchExtracted(const QString& path, const QFileInfo& file, tav::find::XContentFilter::WindowWatch& watch);
+
+    std::unique_ptr<tav::extract::XExtractor> extractor_;
     tav::XLineReaderDA reader_;   // its buffer is reused from file to file
 };
 

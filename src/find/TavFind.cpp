@@ -153,6 +153,7 @@ void TavFind::queueStart() {
 }
 
 void TavFind::startNow() {
+    countIncomplete = 0;
     pController->ini(this);
     tav::XThreadPool::start_global(pController.get(), false);
     tav::log(tav::LOG_TRACE, "TavFind2::~start_search");

@@ -4,6 +4,7 @@
 // for every file with at least one hit. Also searches single files at once
 // (the text preview). The listeners run on the GUI thread when a search ends.
 #include "base/core/XEventListener.h"
+#include "base/extract/XExtract.h"
 #include "base/find/XContentFilter.h"
 #include "base/find/XFindStats.h"
 #include "src/find/FileResult.h"
@@ -45,6 +46,12 @@ public:
     tav::XFindStats stats;       // left untouched by the search
     // Lines are counted for every file searched; off only to measure what that costs.
     bool flagCountLines = true;
+    // Documents, archives and compressed files are searched through their text
+    // (off: every file as its own bytes).
+    bool flagDocuments = false;
+    tav::extract::Limits extractLimits;
+    // Files whose text could not be read completely (corrupt, encrypted, cut, too deep).
+    std::atomic<uint64_t> countIncomplete{0};
     // Called by a worker after each file it took (tests hold a worker here to
     // stop a search at a known point); set before the search starts.
     std::function<void()> onFileDone;

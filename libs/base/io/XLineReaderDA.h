@@ -53,6 +53,9 @@ public:
     size_t windowSize() const { return window_; }
     size_t maxWindowSize() const { return maxWindow_; }
     bool isWhole() const { return whole_; }
+    // The file's first bytes, right after openFile (before any window is handed out).
+    const char* head() const { return bufOffset_ == 0 ? buf_.get() : nullptr; }
+    size_t headSize() const { return bufOffset_ == 0 ? len_ : 0; }
     // A read failed after the file was opened (the windows ended early); errno's value.
     int readError() const { return readError_; }
     // Bytes of holes a sparse file's windows skipped (they hold only zeros).
