@@ -48,14 +48,19 @@ void write(const QByteArray& bytes) {
 
 // One line per folder the walk could not open, on standard error: the listing
 // and the totals are complete for everything else.
-void reportUnreadable(const tav::XDirInfo& scan) {
+void reportUnreadable(const tav::XDirInfo& scan, const TavFind* search = nullptr) {
     const uint32_t n = scan.countUnreadableDirs.load();
-    if (n == 0) return;
+    const uint64_t nf = search ? search->countUnreadableFiles() : 0;
+    if (n == 0 && nf == 0) return;
     QByteArray err;
     const QStringList listed = scan.unreadableDirs();
     for (const QString& p : listed) err += "find: cannot read " + QFile::encodeName(p) + '\n';
     if (n > uint32_t(listed.size()))
         err += tav::fill("find: ... and $ more folders that cannot be read", n - uint32_t(listed.size())).toUtf8() + '\n';
+    const QStringList files = search ? search->unreadableFiles() : QStringList();
+    for (const QString& p : files) err += "find: cannot read " + QFile::encodeName(p) + '\n';
+    if (nf > uint64_t(files.size()))
+        err += tav::fill("find: ... and $ more files that cannot be read", nf - uint64_t(files.size())).toUtf8() + '\n';
     std::fwrite(err.constData(), 1, size_t(err.size()), stderr);
     std::fflush(stderr);
 }
@@ -257,7 +262,7 @@ int runFindCommand(tav::CommandLine& cl) {
         out += tav::fill("lines:$, bytes:$", w.countLines.load(), w.countBytes.load()).toUtf8() + '\n';
     }
     write(out);
-    reportUnreadable(scan);
+    reportUnreadable(scan, &search);
     if (const uint64_t incomplete = search.countIncomplete.load()) {
         const QByteArray err = tav::fill("find: $ files could not be searched completely", tav::format1000(incomplete)).toUtf8() + '\n';
         std::fwrite(err.constData(), 1, size_t(err.size()), stderr);

@@ -54,6 +54,10 @@ void FindThread::runCustom() {
                                              : reader_.openFile(path, 0x10000, true);
             if (!opened) {
                 tav::log(statWhenOpen ? tav::LOG_TRACE : tav::LOG_ERROR, "FindThread::runCustom, problems with <<<$>>>", path);
+                // A regular file that is there and cannot be opened is named in the summary
+                // (a folder, a pipe or a vanished file fed unchecked is no file to read).
+                const QFileInfo now(path);
+                if (now.exists() && now.isFile()) pTavFind->noteUnreadable(path);
                 continue;
             }
             if (statWhenOpen) {
@@ -69,9 +73,11 @@ void FindThread::runCustom() {
             tav::find::XRamLayer layer = contentFilter.find(0, reader_, &watch);
             contentFilter.seekHome();
             if (watch.stopped) tav::log(tav::LOG_TRACE, "FindThread::runCustom, cancelled inside <<<$>>>", path);
-            if (reader_.readError())   // the hits before the error still count
+            if (reader_.readError()) {   // the hits before the error still count
                 tav::log(tav::LOG_ERROR, "FindThread::runCustom, read error in <<<$>>> ($)", path,
                          QString::fromLocal8Bit(std::strerror(reader_.readError())));
+                pTavFind->noteUnreadable(path);
+            }
             // The file's bytes move from "in this file" to the totals (only what was read when cancelled).
             const uint64_t read = watch.stopped ? bytesInFile.load() : uint64_t(reader_.getMemorySize());
             bytesInFile = 0;

@@ -154,6 +154,11 @@ void TavFind::queueStart() {
 
 void TavFind::startNow() {
     countIncomplete = 0;
+    countUnreadable_ = 0;
+    {
+        std::lock_guard<std::mutex> l(mutexUnreadable_);
+        unreadable_.clear();
+    }
     pController->ini(this);
     tav::XThreadPool::start_global(pController.get(), false);
     tav::log(tav::LOG_TRACE, "TavFind2::~start_search");
@@ -190,6 +195,17 @@ QFileInfo* TavFind::nextFile(int64_t* size) {
     }
     if (size) *size = -1;
     return nullptr;
+}
+
+QStringList TavFind::unreadableFiles() const {
+    std::lock_guard<std::mutex> l(mutexUnreadable_);
+    return unreadable_;
+}
+
+void TavFind::noteUnreadable(const QString& path) {
+    countUnreadable_.fetch_add(1);
+    std::lock_guard<std::mutex> l(mutexUnreadable_);
+    if (unreadable_.size() < kUnreadableListed) unreadable_ << path;
 }
 
 size_t TavFind::workerCount() const { return pController->arThreads.size(); }

@@ -10,6 +10,7 @@
 #include "src/find/FileResult.h"
 
 #include <QFileInfo>
+#include <QStringList>
 #include <QString>
 #include <atomic>
 #include <condition_variable>
@@ -108,6 +109,12 @@ public:
     uint64_t countHits() const;          // sum of the results' hits
     // Totals of the workers of the last search.
     tav::XFindStats workerStats() const;
+    // Files of the last search that could not be read (opened or read to the end):
+    // all counted, the first kUnreadableListed named.
+    static constexpr int kUnreadableListed = 100;
+    uint64_t countUnreadableFiles() const { return countUnreadable_.load(); }
+    QStringList unreadableFiles() const;
+    void noteUnreadable(const QString& path);
 
     int addListener(Listener l) { return listeners.add(std::move(l)); }
     // Number of workers the last search ran with.
@@ -145,6 +152,9 @@ private:
     void startNow();
     void queueStart();
     bool startQueued_ = false;
+    std::atomic<uint64_t> countUnreadable_{0};
+    mutable std::mutex mutexUnreadable_;
+    QStringList unreadable_;
     void wakeWaitingWorkers();
     std::shared_ptr<int> alive_;
     std::atomic<size_t> countFiles_{0};

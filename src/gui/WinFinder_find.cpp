@@ -302,17 +302,31 @@ void WinFinder::on_find_done() {
     // A cancelled search says so, and how much of the folder it searched.
     const QString searched = tav::fill(xt("Cancelled: $ of $ files searched"), tav::format1000(pTavFind->workerStats().countFiles.load()),
                                        tav::format1000(quint64(pTavFind->countTextFiles())));
+    // What could not be read is said, and named in the tooltip.
+    const uint64_t badDirs = thScanDir ? thScanDir->dirInfo.countUnreadableDirs.load() : 0;
+    const uint64_t badFiles = pTavFind->countUnreadableFiles();
+    QString unreadable;
+    QStringList named;
+    if (badDirs + badFiles > 0) {
+        unreadable = QStringLiteral("  —  ") + tav::fill(xt("$ folders and $ files could not be read"), tav::format1000(badDirs),
+                                                             tav::format1000(badFiles));
+        if (thScanDir) named << thScanDir->dirInfo.unreadableDirs();
+        named << pTavFind->unreadableFiles();
+        if (named.size() > 50) named = named.mid(0, 50) << QStringLiteral("…");
+    }
+    labelDone_->setToolTip(named.join(QLatin1Char('\n')));
     if (pTavFind->hasResults()) {
         buttonResultsDone_->setEnabled(true);
-        const QString summary =
+        const QString totals =
             cancelled ? tav::fill(xt("$ => $, files-match:$, match-total:$ - $ sec"), searched, tav::formatBytes(pTavFind->getBytesRead()),
                                   tav::format1000(quint64(pTavFind->countResults())), tav::format1000(pTavFind->countHits()), seconds)
                       : tav::fill(xt("files-total:$ => $, files-match:$, match-total:$ - $ sec"),
                                   tav::format1000(quint64(pTavFind->countTextFiles())), tav::formatBytes(pTavFind->getBytesToRead()),
                                   tav::format1000(quint64(pTavFind->countResults())), tav::format1000(pTavFind->countHits()), seconds);
         QPointer<QLabel> label(labelDone_);
-        tav::qt::run_in_Gui_Thread([label, summary]() {
-            if (label) label->setText(summary);
+        const QString text = totals + unreadable;
+        tav::qt::run_in_Gui_Thread([label, text]() {
+            if (label) label->setText(text);
         });
         findResults_->setFileResults(pTavFind->getResults());
         show_results_panel(nullptr);
@@ -324,7 +338,7 @@ void WinFinder::on_find_done() {
         log(tav::LOG_TRACE, "WinFinder_find::on_find_done - nothing found");
         stateFind = FIND_DONE;
         panelFind_->setCurrentIndex(PAGE_DONE);
-        labelDone_->setText(cancelled ? tav::fill(xt("$, nothing found"), searched) : xt("Nothing found"));
+        labelDone_->setText((cancelled ? tav::fill(xt("$, nothing found"), searched) : xt("Nothing found")) + unreadable);
         buttonResultsDone_->setEnabled(false);
     }
 }

@@ -109,6 +109,11 @@ private slots:
             // The unreadable file is reported; the empty one is counted but never opened.
             QCOMPARE(logs.linesAtLevel(4).filter(QStringLiteral("FindThread::runCustom, problems with")).size(), 1);
             QVERIFY(logs.contains(QStringLiteral("problems with <<<") + d.abs(QStringLiteral("locked.txt"))));
+            // ... and counted and named for the summary; the folder is no unreadable file.
+            QCOMPARE(tf.countUnreadableFiles(), uint64_t(1));
+            QCOMPARE(tf.unreadableFiles(), QStringList{d.abs(QStringLiteral("locked.txt"))});
+        } else {
+            QWARN("permission bits do not hold here: the unreadable file is not tested");
         }
         const tav::XFindStats st = tf.workerStats();
         QCOMPARE(st.countFiles.load(), uint64_t(43));   // every regular file, empty ones included
