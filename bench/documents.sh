@@ -7,7 +7,8 @@
 #   TF_BENCH_RUNS=5 ...      timed runs per command (default 10)
 #   TF_BENCH_BIG_MB=2048 ... size of the big archive for the memory line (0: skip)
 #   TF_BENCH_OUT=/tmp/x ...  where the build, corpora and results go (default bench/out)
-#   TF_BENCH_WORD=... ...    the word to find (default EXIT_SUCCESS)
+#   TF_BENCH_WORD=... ...    the word to find in archives (default EXIT_SUCCESS)
+#   TF_BENCH_PDF_WORD=...    the word to find in PDFs (default size_t)
 set -euo pipefail
 
 HERE="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
@@ -16,6 +17,7 @@ OUT="${TF_BENCH_OUT:-$HERE/out}"
 RUNS="${TF_BENCH_RUNS:-10}"
 BIG_MB="${TF_BENCH_BIG_MB:-2048}"
 WORD="${TF_BENCH_WORD:-EXIT_SUCCESS}"
+PDF_WORD="${TF_BENCH_PDF_WORD:-size_t}"
 BUILD="$OUT/build-release"
 DOCS="$OUT/docs"
 RES="$OUT/results"
@@ -90,9 +92,11 @@ echo "Found: ours $("$TF" find --dir "$DOCS/arc" --find "$WORD" --documents true
 compare "archives vs ugrep -z" 1.0 \
   "$TF find --dir $DOCS/arc --find $WORD --documents true --show count" \
   "ugrep -z -i -r -c $WORD $DOCS/arc"
+echo "Found: ours $("$TF" find --dir "$DOCS/pdf" --find "$PDF_WORD" --documents true --show count 2>/dev/null | head -1 | sed 's/.*match-total:\([0-9,]*\).*/\1/') hits," \
+     "pdfgrep $(pdfgrep -i -r -c "$PDF_WORD" "$DOCS/pdf" | awk -F: '{s+=$NF} END {print s}') hits (PDFs, word '$PDF_WORD')"
 compare "pdfs vs pdfgrep -c" 0.8 \
-  "$TF find --dir $DOCS/pdf --find $WORD --documents true --show count" \
-  "pdfgrep -i -r -c $WORD $DOCS/pdf"
+  "$TF find --dir $DOCS/pdf --find $PDF_WORD --documents true --show count" \
+  "pdfgrep -i -r -c $PDF_WORD $DOCS/pdf"
 
 # ---- memory --------------------------------------------------------------------------------------
 if [ "$BIG_MB" -gt 0 ]; then
