@@ -105,7 +105,8 @@ class TestDetails : public QObject {
         p->buttonRegEx()->setChecked(regEx);
         p->comboSearch()->setEditText(what);
         QTest::mouseClick(p->buttonFind(), Qt::LeftButton);
-        Q_UNUSED(pan);
+        // The file is searched in the background; the hits come through the event loop.
+        QTRY_COMPARE(pan->searchesRunning(), 0);
     }
 
 private slots:
@@ -166,6 +167,15 @@ void TestDetails::searchPanelsMarkAndNavigate() {
     QTest::mouseClick(p0->colorLabel(), Qt::LeftButton);
     QCOMPARE(pan->slider()->maximum(), 1);
     QVERIFY(pan->slider()->isEnabled());
+
+    // Two searches in a row, the first still running: only the newer one's hits show.
+    p0->comboSearch()->setEditText(QStringLiteral("alpha"));
+    QTest::mouseClick(p0->buttonFind(), Qt::LeftButton);
+    p0->comboSearch()->setEditText(QStringLiteral("gamma"));
+    QTest::mouseClick(p0->buttonFind(), Qt::LeftButton);
+    QTRY_COMPARE(pan->searchesRunning(), 0);
+    QCOMPARE(positions(l0), (std::vector<int64_t>{17}));
+    QCOMPARE(p0->labelHits()->text(), QStringLiteral("1"));
 
     // A changed colour recolours the layer and makes it the active one.
     p0->colorLabel()->setColor(QColor(Qt::magenta), true);
@@ -232,6 +242,7 @@ void TestDetails::searchPanelsMarkAndNavigate() {
     p0->comboSearch()->setFocus();
     QTRY_VERIFY(p0->comboSearch()->hasFocus());
     pan->search_focused();
+    QTRY_COMPARE(pan->searchesRunning(), 0);
     QCOMPARE(positions(l0), (std::vector<int64_t>{6}));
 
     QCOMPARE(pan->get_panel_search(3), p0);
@@ -342,7 +353,7 @@ void TestDetails::copyActionsFollowTheSelectionLength() {
             v->buildContextMenu(m);
             actionByText(m, n == 0 ? copy1 : copy2)->trigger();
             QVERIFY(p->isVisible());   // a hidden panel is shown
-            QVERIFY2(p->labelHits()->text() == QStringLiteral("1"), qPrintable(p->comboSearch()->currentText()));
+            QTRY_VERIFY2(p->labelHits()->text() == QStringLiteral("1"), qPrintable(p->comboSearch()->currentText()));
         }
     }
 }

@@ -320,11 +320,29 @@ void PanPreviewAsc::on_search(PanelSearch* panel) {
         return;
     }
     panel->comboSearch()->add_to_history(text);
-    const XRamLayer hits = searchFile(filter);
-    view_->layers().clear(kLayerBase + int(panel->panelNo()));
-    update_search_results(hits, filter, panel->panelNo());
-    panel->set_hits(unsigned(hits.size()));
-    view_->re_paint();
+    // The file is searched on a pool thread: a big file must not hold the window; the
+    // hits arrive through the event loop, for the newest search of the panel and the same file.
+    const unsigned no = panel->panelNo();
+    const int gen = ++searchGen_[no];
+    const QFileInfo fi = preview_.file_info();
+    ++running_;
+    QPointer<PanPreviewAsc> self(this);
+    tav::XThreadPool::start_global([self, fi, filter, no, gen]() {
+        XRamLayer hits = TavFind().find(fi, filter).layer;
+        tav::run_in_gui_thread(
+            [self, fi, hits = std::move(hits), filter, no, gen]() {
+                if (!self) return;
+                --self->running_;
+                if (gen != self->searchGen_[no] || self->preview_.file_info().absoluteFilePath() != fi.absoluteFilePath()) return;
+                PanelSearch* p = self->get_panel_search(no);
+                if (!self->view_ || !p) return;
+                self->view_->layers().clear(kLayerBase + int(no));
+                self->update_search_results(hits, filter, no);
+                p->set_hits(unsigned(hits.size()));
+                self->view_->re_paint();
+            },
+            0);
+    });
 }
 
 void PanPreviewAsc::search_focused() {

@@ -99,6 +99,8 @@ public:
     tav::find::XRamLayer* activeSearchLayer() const { return layerActive_; }
     // The slider style with the handle in this colour.
     static QString sliderStyle(const QColor& handle);
+    // Searches of the panels still running in the background.
+    int searchesRunning() const { return running_; }
 
 private:
     void apply_bits(uint32_t bits);
@@ -124,6 +126,8 @@ private:
     tav::XPropBool patternMode_{false};
     std::unique_ptr<TavFind> find_;
     int bitsListener_ = -1;
+    std::array<int, 3> searchGen_{};   // per panel: only the newest search shows its hits
+    int running_ = 0;
 };
 
 } // namespace tavFinder
