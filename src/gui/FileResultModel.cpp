@@ -126,8 +126,15 @@ QVariant FileResultModel::data(const QModelIndex& index, int role) const {
     const FileResult& r = arFileResults[row];
     if (role == Qt::DisplayRole) {
         if (index.column() == COL_HITS) return tav::format1000(int64_t(r.layer.size()));
+        // A member of an archive: its own name, and the archive as the start of its path.
+        if (r.isMember() && (index.column() == COL_NAME || index.column() == COL_PATH)) {
+            const QString shown = r.displayPath();
+            const int cut = shown.lastIndexOf(QLatin1Char('/'));
+            return index.column() == COL_NAME ? shown.mid(cut + 1) : shown.left(cut);
+        }
         return columnText(r.fileInfo, index.column());
     }
+    if (role == Qt::ToolTipRole && r.isMember()) return r.displayPath();
     return commonRole(index, role, r.fileInfo);
 }
 

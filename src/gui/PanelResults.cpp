@@ -1,5 +1,6 @@
 #include "src/gui/PanelResults.h"
 
+#include "base/extract/XExtract.h"
 #include "base/log/Logger.h"
 #include "base/thread/XThread.h"
 #include "base/util/Format.h"
@@ -24,6 +25,7 @@
 #include <QApplication>
 #include <QColor>
 #include <QEvent>
+#include <QFile>
 #include <QKeyEvent>
 #include <QHeaderView>
 #include <QStyle>
@@ -146,6 +148,13 @@ void PanelResults::fitColumns() {
     fitting_ = false;
 }
 
+bool PanelResults::extractable(const QFileInfo& fi) {
+    QFile f(fi.absoluteFilePath());
+    if (!f.open(QIODevice::ReadOnly)) return false;
+    const QByteArray head = f.read(qint64(tav::extract::kSniffBytes));
+    return tav::extract::sniff(head.constData(), size_t(head.size()), fi.fileName()) != tav::extract::Family::None;
+}
+
 bool PanelResults::step_hit(bool down) {
     if (!flagContent || !isVisible() || model_->rowCount() == 0) return false;
     tav::Preview* hex = container_->hexPreview();
@@ -248,7 +257,9 @@ void PanelResults::on_jump_to_result(int row) {
     const FileResult fr = model_->fileResultFromRow(row);
     const QFileInfo& fi = fr.fileInfo;
     WinFinder::show_status_for(this, fi);
-    if (fr.layer.isBinary()) {
+    // Hits in the extracted text of a document or member are shown in that text, not in the container's bytes.
+    const bool viaText = documents_ && (fr.isMember() || extractable(fi));
+    if (fr.layer.isBinary() && !viaText) {
         log(tav::LOG_TRACE, "PanelResults::on_jump_to_result, BIN FILE !");
         if (tav::Preview* hex = container_->hexPreview()) {
             hex->open_file(fi);
@@ -287,8 +298,19 @@ void PanelResults::on_jump_to_result(int row) {
     ascii->set_ruler(cfg().flagRuler);
     ascii->set_auto_wrap(cfg().flagAutoWrap);
     ascii->set_line_info_pos(tav::LINE_INFO_POS(cfg().li_pos));
-    ascii->open_file(fi);
+    // A member or a document was searched as its extracted text: that text is shown, so
+    // the marks fall on the words they were found in (and a PDF hit names its page).
+    tav::extract::Part part;
+    bool extracted = false;
+    if (viaText) {
+        tav::extract::XExtractor ex;
+        extracted = ex.partOf(fi.absoluteFilePath(), fr.member, part);
+        if (!extracted) log(tav::LOG_ERROR, "PanelResults::on_jump_to_result, no text of <<<$>>>", fr.displayPath());
+    }
+    if (extracted) ascii->set_mem_file(tav::XMemFile{fr.displayPath(), part.text});
+    else ascii->open_file(fi);
     tav::viewText::XTextView* view = ascii->get_XTextView();
+    if (view) view->setPageStarts(extracted ? part.pageStarts : std::vector<int64_t>());
     if (!X_ASSERT_MSG(view, "textView == NULL")) return;
     tav::find::XRamLayerGroup& group = view->layers();
     if (!group.contains_layer(LAYER_RESULT)) group.add_layer(LAYER_RESULT, 1);

@@ -51,6 +51,8 @@ public:
     void on_jump_to_result(int row);
     void on_jump_to_result_simple(int row);
     void onTableHeaderSelected(int column);
+    // Results of a search through documents and archives: their hits lie in extracted text.
+    void setDocumentsMode(bool on) { documents_ = on; }
     // Next / previous hit of the shown result, in the text or the hex preview; false
     // when no result with hits is shown.
     bool step_hit(bool down);
@@ -76,6 +78,8 @@ private:
     void on_context_menu(int row);
     void on_preview_activated(tav::Preview* p);
     void setHeader();
+    // A format the extraction layer reads (by the file's first bytes).
+    static bool extractable(const QFileInfo& fi);
     // Sizes, dates and hits to their contents, the name elided, the path stretched:
     // the hits column stays in view however narrow the table is.
     void fitColumns();
@@ -90,6 +94,7 @@ private:
     tav::XSplitter* splitter_;
     FileResultModel* model_;
     bool fitting_ = false;
+    bool documents_ = false;
     int sortColumn_ = -1;   // the column the user sorted by; -1 until the first click
     bool sortAscending_ = true;
     bool userSized_ = false;

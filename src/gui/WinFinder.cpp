@@ -289,6 +289,7 @@ void WinFinder::save_state() {
     nWin->setUInt(QStringLiteral("filterFlags"), filterFlags_.flags());
     if (buttonWholeWords_) nWin->setBool(QStringLiteral("flagWholeWords"), buttonWholeWords_->isChecked());
     if (buttonMatchCase_) nWin->setBool(QStringLiteral("flagMatchCase"), buttonMatchCase_->isChecked());
+    if (buttonDocuments_) nWin->setBool(QStringLiteral("flagDocuments"), buttonDocuments_->isChecked());
     saveSearchHistory();
 }
 

@@ -266,6 +266,7 @@ public:
     QToolButton* buttonRegEx() const { return buttonRegEx_; }
     QToolButton* buttonWholeWords() const { return buttonWholeWords_; }
     QToolButton* buttonMatchCase() const { return buttonMatchCase_; }
+    QToolButton* buttonDocuments() const { return buttonDocuments_; }
     tav::XPropBool& propRegEx() { return propRegEx_; }
     tav::XTypedComboBox<uint32_t>* comboTimeArea() const { return comboTimeArea_; }
     tav::XTypedComboBox<uint32_t>* comboSizeArea() const { return comboSizeArea_; }
@@ -345,6 +346,7 @@ private:
     QToolButton* buttonRegEx_ = nullptr;
     QToolButton* buttonWholeWords_ = nullptr;
     QToolButton* buttonMatchCase_ = nullptr;
+    QToolButton* buttonDocuments_ = nullptr;   // documents and archives are searched through their text
     tav::XPropBool propRegEx_;
 
     // search (the scan thread goes after the search, whose workers read its file list)

@@ -108,6 +108,12 @@ void WinFinder::fill_contextMenu_FileResults(tav::XMenu& menu, const FileResult&
     const QFileInfo fi = fileResult.fileInfo;
     const tav::find::XRamLayer layer = fileResult.layer;
     fill_contextMenu(menu, fi, nullptr, false, [this, fi, layer, filter]() { open_stand_alone_preview(fi, layer, filter); });
+    if (!fileResult.isMember()) return;
+    // A member lives inside its archive: what would act on it as a file of its own is off;
+    // the file manager and the copied path take the archive.
+    const QStringList off{xt("View"), xt("View with ..."), xt("Rename"), xt("Delete"), xt("Terminal"), xt("Open with ..."), xt("Properties")};
+    for (QAction* a : menu.actions())
+        if (off.contains(a->text())) a->setEnabled(false);
 }
 
 void WinFinder::add_deep_info(tav::XMenu& menu, const QFileInfo& fi, AbstractPreviewDir* previewDir, bool fromTree) {

@@ -233,6 +233,7 @@ void WinFinder::on_find_dir_scanned() {
         pTavFind->scope = comboScope_->selected();
         pTavFind->maxThreads = cfg().countThreads;
         pTavFind->setContentFilter(filterCurrent.contentFilter);
+        pTavFind->flagDocuments = buttonDocuments_ && buttonDocuments_->isChecked();
         log(tav::LOG_TRACE, "WinFinder::on_find_dir_scanned, thScanDir.dirInfo.ar_filtered_files:$", quint64(dirInfo.ar_filtered_files.size()));
         // The workers read the files through pointers into the scan's list: keep
         // every list handed over alive until the search that may read it is over.
@@ -328,6 +329,7 @@ void WinFinder::on_find_done() {
         tav::qt::run_in_Gui_Thread([label, text]() {
             if (label) label->setText(text);
         });
+        findResults_->setDocumentsMode(pTavFind->flagDocuments);
         findResults_->setFileResults(pTavFind->getResults());
         show_results_panel(nullptr);
         stateFind = FIND_DONE;

@@ -84,6 +84,11 @@ void WinFinder::setup_panel_find() {
                                                   xt("Match case: upper and lower case letters differ"), nullptr, true);
     buttonMatchCase_->setObjectName(QStringLiteral("buttonMatchCase"));
     buttonMatchCase_->setChecked(nWin && nWin->isBool(QStringLiteral("flagMatchCase"), false));
+    buttonDocuments_ = content->createImageButton(WindowBase::icon(QStringLiteral("layer.svg")),
+                                                  xt("Documents and archives: search inside PDFs, office files, e-books, archives and compressed files"),
+                                                  nullptr, true);
+    buttonDocuments_->setObjectName(QStringLiteral("buttonDocuments"));
+    buttonDocuments_->setChecked(nWin && nWin->isBool(QStringLiteral("flagDocuments"), false));
     content->createLabel(QString())->setMinimumWidth(200);
     tav::XPanel* scope = content->createPanel(tav::XPanel::HORIZONTAL);
     scope->setMinimumWidth(180);
@@ -302,7 +307,14 @@ tav::find::XFilter WinFinder::filter_from_GUI() {
             }
         }
     }
-    if (bits & FILTER_TEXT_FILES) ff.textFileExtensions = cfg().extSet();
+    if (bits & FILTER_TEXT_FILES) {
+        ff.textFileExtensions = cfg().extSet();
+        // With documents and archives on, their containers count as text to search.
+        if (buttonDocuments_ && buttonDocuments_->isChecked())
+            for (const char* e : {"pdf", "zip", "jar", "tar", "gz", "tgz", "bz2", "tbz2", "xz", "txz", "lzma", "zst", "7z", "cpio", "rar",
+                                  "docx", "xlsx", "pptx", "odt", "ods", "odp", "epub"})
+                ff.textFileExtensions.insert(QString::fromLatin1(e));
+    }
     return filter;
 }
 

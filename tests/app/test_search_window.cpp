@@ -36,6 +36,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QPointer>
+#include <QProcess>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QToolButton>
@@ -82,6 +83,7 @@ private slots:
     void fileOnlySearch();
     void refusedAndCancelledSearches();
     void queryLanguageAndSwitchesInThePanel();
+    void documentsAndArchives();
 };
 
 void TestSearchWindow::initTestCase() {
@@ -649,6 +651,67 @@ void TestSearchWindow::refusedAndCancelledSearches() {
 }
 
 QTEST_MAIN(TestSearchWindow)
+void TestSearchWindow::documentsAndArchives() {
+    // A compressed log and a member of a compressed tar, made with the system's tools.
+    tree.file("arch/src/inner/a.txt", "needle here needle\n");
+    tree.file("arch/notes.log", "alpha needle beta\n");
+    QProcess tar;
+    tar.setWorkingDirectory(abs("arch/src"));
+    tar.start(QStringLiteral("tar"), {QStringLiteral("czf"), abs("arch/pack.tar.gz"), QStringLiteral("inner")});
+    QVERIFY(tar.waitForFinished(20000) && tar.exitCode() == 0);
+    QProcess gz;
+    gz.start(QStringLiteral("gzip"), {abs("arch/notes.log")});
+    QVERIFY(gz.waitForFinished(20000) && gz.exitCode() == 0);
+    QDir(abs("arch/src")).removeRecursively();
+
+    QPointer<WinFinder> w = open(abs("arch"));
+    QTRY_COMPARE(w->treeView()->selectedFile().absoluteFilePath(), abs("arch"));
+    setBits(w, WinFinder::FILTER_CONTENT);
+    w->comboContent()->setEditText(QStringLiteral("needle"));
+    // Off: the compressed bytes hold no "needle".
+    w->buttonDocuments()->setChecked(false);
+    QTest::keyClick(w->comboContent(), Qt::Key_Return);
+    QTRY_COMPARE(w->findPage(), int(WinFinder::PAGE_DONE));
+    QCOMPARE(w->labelDone()->text(), QStringLiteral("Nothing found"));
+    w->on_escape_key();
+    // On: a row for the member (its name, the archive in its path) and one for the log.
+    w->buttonDocuments()->setChecked(true);
+    QTest::keyClick(w->comboContent(), Qt::Key_Return);
+    QTRY_COMPARE(w->findPage(), int(WinFinder::PAGE_DONE));
+    tavFinder::PanelResults* panel = w->panelResults();
+    tavFinder::FileResultModel* m = panel->model();
+    QTRY_COMPARE(m->rowCount(), 2);
+    QCOMPARE(m->data(m->index(0, 0)).toString(), QStringLiteral("a.txt"));
+    QCOMPARE(m->data(m->index(0, 3)).toString(), QStringLiteral("2"));
+    QCOMPARE(m->data(m->index(0, 4)).toString(), abs("arch/pack.tar.gz") + QStringLiteral("!/inner"));
+    QCOMPARE(m->data(m->index(1, 0)).toString(), QStringLiteral("notes.log.gz"));
+    // The member's text is shown with its hits marked where they were found.
+    QVERIFY(panel->tableResult()->selectRow(0, true));
+    auto* text = dynamic_cast<tav::PreviewAscii*>(panel->container()->previewByExtension(QStringLiteral("txt")));
+    QVERIFY(text && text->get_XTextView());
+    QTRY_COMPARE(text->get_XTextView()->visibleRowTexts().value(0), QStringLiteral("needle here needle"));
+    tav::find::XRamLayer* layer = text->get_XTextView()->layers().layer_by_ID(tavFinder::PanelResults::LAYER_RESULT);
+    QVERIFY(layer && layer->size() == 2);
+    QCOMPARE(layer->at(1).pos(), qint64(12));
+    QVERIFY(panel->tableResult()->selectRow(1, true));
+    QTRY_COMPARE(text->get_XTextView()->visibleRowTexts().value(0), QStringLiteral("alpha needle beta"));
+    // Actions on a member as a file of its own are off; copying the path takes the archive.
+    tavFinder::cfg().flag_tf_read_only = false;
+    {
+        tav::XMenu menu(nullptr);
+        w->fill_contextMenu_FileResults(menu, m->fileResultFromRow(0), w->tavFind().contentFilter());
+        for (QAction* a : menu.actions()) {
+            if (a->text() == QStringLiteral("Rename") || a->text() == QStringLiteral("Delete") || a->text() == QStringLiteral("Terminal"))
+                QVERIFY2(!a->isEnabled(), qPrintable(a->text()));
+            if (a->text() == QStringLiteral("Copy Path to Clipboard")) QVERIFY(a->isEnabled());
+        }
+    }
+    tavFinder::cfg().flag_tf_read_only = true;
+    w->buttonDocuments()->setChecked(false);
+    setBits(w, 0);
+    closeNow(w);
+}
+
 #include "test_search_window.moc"
 
 // The query language from the panel: a bad expression says where and why, the

@@ -86,6 +86,7 @@ XTextView::~XTextView() = default;
 
 // ---- content ---------------------------------------------------------------------------------
 void XTextView::resetContent() {
+    pageStarts_.clear();
     indexTimer_.stop();
     index_.reset();
     src_.reset();
@@ -244,6 +245,11 @@ void XTextView::set_line_info_pos(LINE_INFO_POS pos) {
 }
 
 QWidget* XTextView::statusLine() const { return statusLine_; }
+
+void XTextView::setPageStarts(std::vector<int64_t> starts) {
+    pageStarts_ = std::move(starts);
+    viewport()->update();
+}
 
 QString XTextView::statusText() const { return linePos_ == LINE_INFO_OFF ? QString() : composeStatusText(); }
 
@@ -917,6 +923,10 @@ QString XTextView::composeStatusText() const {
                                    format1000(tp.column + 1), xt("Byte"), format1000(at));
         text = hit ? fill("$ $/$:  $", xt("Hit"), format1000(int64_t(l->active_mark_index()) + 1), format1000(int64_t(l->size())), place)
                    : place;
+        if (!pageStarts_.empty()) {
+            const auto it = std::upper_bound(pageStarts_.begin(), pageStarts_.end(), at);
+            text += fill("  $ $", xt("Page"), format1000(int64_t(it - pageStarts_.begin())));
+        }
         if (isIndexing() && src_->size() > 0)
             text += fill("  $ $%", xt("indexing"), int(100.0 * double(index_->indexedBytes()) / double(src_->size())));
     }

@@ -71,6 +71,8 @@ public:
     // The line under the text: the active hit's place after hit navigation, the
     // cursor's place after the cursor moved.
     QString statusText() const;
+    // Where the pages of an extracted document begin: the status line names the page.
+    void setPageStarts(std::vector<int64_t> starts);
     QWidget* statusLine() const;
 
     // ---- positions (0-based lines and display columns) -----------------------------------
@@ -255,6 +257,7 @@ private:
     QColor background_;
     QLabel* statusLine_ = nullptr;
     bool infoHit_ = false;   // the status line follows the active hit, not the cursor
+    std::vector<int64_t> pageStarts_;
 
     // view state
     RowPos top_;
