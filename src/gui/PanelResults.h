@@ -53,6 +53,9 @@ public:
     void onTableHeaderSelected(int column);
     // Results of a search through documents and archives: their hits lie in extracted text.
     void setDocumentsMode(bool on) { documents_ = on; }
+    bool documentsMode() const { return documents_; }
+    // A format the extraction layer reads (by the file's first bytes).
+    static bool extractable(const QFileInfo& fi);
     // Next / previous hit of the shown result, in the text or the hex preview; false
     // when no result with hits is shown.
     bool step_hit(bool down);
@@ -78,8 +81,6 @@ private:
     void on_context_menu(int row);
     void on_preview_activated(tav::Preview* p);
     void setHeader();
-    // A format the extraction layer reads (by the file's first bytes).
-    static bool extractable(const QFileInfo& fi);
     // Sizes, dates and hits to their contents, the name elided, the path stretched:
     // the hits column stays in view however narrow the table is.
     void fitColumns();

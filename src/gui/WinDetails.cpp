@@ -61,6 +61,18 @@ WinDetails* WinDetails::open_window(const QFileInfo& fi, const tav::find::XRamLa
     return w;
 }
 
+WinDetails* WinDetails::open_extracted(const FileResult& r, const QByteArray& text, const std::vector<int64_t>& pageStarts,
+                                       const tav::find::XContentFilter& filter) {
+    WinDetails* w = open_window(r.fileInfo, tav::find::XRamLayer(), filter, false);
+    if (!w) return nullptr;
+    w->tabs_->setCurrentWidget(w->panText_);
+    w->panText_->preview()->set_mem_file(tav::XMemFile{r.displayPath(), text});
+    w->panText_->textView()->setPageStarts(pageStarts);
+    w->panText_->update_search_results(r.layer, filter, 0);
+    w->setWindowTitle(r.displayPath());
+    return w;
+}
+
 void WinDetails::setup() {
     auto* content = new tav::XPanel(this, tav::XPanel::VERTICAL, QStringLiteral("content"));
     content->setTight();

@@ -42,6 +42,11 @@ public:
     static WinDetails* open_window(const QFileInfo& fi, const tav::find::XRamLayer& layer,
                                    const tav::find::XContentFilter& filter, bool stats = false);
 
+    // A member or document found through its extracted text: that text with the hits
+    // (the other tabs show the file that holds it).
+    static WinDetails* open_extracted(const FileResult& r, const QByteArray& text, const std::vector<int64_t>& pageStarts,
+                                      const tav::find::XContentFilter& filter);
+
     QString windowName() const override;
     QFileInfo getCurrentFile() const override { return fi_; }
 

@@ -106,12 +106,13 @@ void WinFinder::onContextMenu_rightSide_FileResults(const FileResult& fileResult
 void WinFinder::fill_contextMenu_FileResults(tav::XMenu& menu, const FileResult& fileResult,
                                              const tav::find::XContentFilter& filter) {
     const QFileInfo fi = fileResult.fileInfo;
-    const tav::find::XRamLayer layer = fileResult.layer;
-    fill_contextMenu(menu, fi, nullptr, false, [this, fi, layer, filter]() { open_stand_alone_preview(fi, layer, filter); });
+    Q_UNUSED(filter);
+    // "View" opens the details window as a double click does (a member with its own text).
+    fill_contextMenu(menu, fi, nullptr, false, [this, fileResult]() { on_open_fileResult(fileResult); });
     if (!fileResult.isMember()) return;
     // A member lives inside its archive: what would act on it as a file of its own is off;
     // the file manager and the copied path take the archive.
-    const QStringList off{xt("View"), xt("View with ..."), xt("Rename"), xt("Delete"), xt("Terminal"), xt("Open with ..."), xt("Properties")};
+    const QStringList off{xt("View with ..."), xt("Rename"), xt("Delete"), xt("Terminal"), xt("Open with ..."), xt("Properties")};
     for (QAction* a : menu.actions())
         if (off.contains(a->text())) a->setEnabled(false);
 }

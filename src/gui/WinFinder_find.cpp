@@ -17,6 +17,8 @@
 #include "src/gui/ThreadScanDir.h"
 #include "src/gui/apps/Terminal.h"
 #include "src/gui/WinFinder.h"
+#include "base/extract/XExtract.h"
+#include "src/gui/WinDetails.h"
 #include "src/gui/ExpressionError.h"
 #include "src/gui/config/ConfigTavFinder.h"
 
@@ -366,6 +368,16 @@ void WinFinder::on_contextMenu_fileResult(const FileResult& fr) {
 
 void WinFinder::on_open_fileResult(const FileResult& fr) {
     log(tav::LOG_TRACE, "WinFinder::setUp - double click file result ....");
+    // A member or document: its extracted text, where the hits were found.
+    if (findResults_ && findResults_->documentsMode() && (fr.isMember() || PanelResults::extractable(fr.fileInfo))) {
+        tav::extract::XExtractor ex;
+        tav::extract::Part part;
+        if (ex.partOf(fr.fileInfo.absoluteFilePath(), fr.member, part)) {
+            WinDetails::open_extracted(fr, part.text, part.pageStarts, pTavFind->contentFilter());
+            return;
+        }
+        log(tav::LOG_ERROR, "WinFinder::on_open_fileResult, no text of <<<$>>>", fr.displayPath());
+    }
     // The filter that found these hits, so the details window can mark them again.
     open_stand_alone_preview(fr.fileInfo, fr.layer, pTavFind->contentFilter());
 }

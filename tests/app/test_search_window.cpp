@@ -26,6 +26,7 @@
 #include "src/gui/PanelResults.h"
 #include "src/gui/ThreadScanDir.h"
 #include "src/gui/WinDetails.h"
+#include "src/gui/panPreview/asc/PanPreviewAsc.h"
 #include "src/gui/WinFinder.h"
 #include "src/gui/WinTray.h"
 #include "src/gui/config/ConfigTavFinder.h"
@@ -695,6 +696,18 @@ void TestSearchWindow::documentsAndArchives() {
     QCOMPARE(layer->at(1).pos(), qint64(12));
     QVERIFY(panel->tableResult()->selectRow(1, true));
     QTRY_COMPARE(text->get_XTextView()->visibleRowTexts().value(0), QStringLiteral("alpha needle beta"));
+    // A double click opens the details window on the member's text, hits marked.
+    const size_t windows = tav::XTools::getAbstractWindows(true, true).size();
+    panel->tableResult()->eventDoubleClick().fire(m->index(0, 0));
+    QTRY_COMPARE(tav::XTools::getAbstractWindows(true, true).size(), windows + 1);
+    QPointer<tavFinder::WinDetails> details = qobject_cast<tavFinder::WinDetails*>(tav::XTools::getAbstractWindows(true, true).back()->widget());
+    QVERIFY(details);
+    QCOMPARE(details->windowTitle(), abs("arch/pack.tar.gz") + QStringLiteral("!/inner/a.txt"));
+    tav::viewText::XTextView* dv = details->panelText()->textView();
+    QTRY_COMPARE(dv->visibleRowTexts().value(0), QStringLiteral("needle here needle"));
+    QVERIFY(dv->layers().layer_by_ID(1000) && dv->layers().layer_by_ID(1000)->size() == 2);
+    details->close();
+    QTRY_VERIFY(details.isNull());
     // Actions on a member as a file of its own are off; copying the path takes the archive.
     tavFinder::cfg().flag_tf_read_only = false;
     {
