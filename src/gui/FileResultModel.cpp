@@ -161,6 +161,15 @@ void FileResultModel::sort(int column, bool ascending) {
         sortByKey(arFileResults, [](const FileResult& r) { return r.layer.size(); }, ascending);
         return;
     }
+    // Members sort by their own name and by the path through their archive, as shown.
+    if (column == COL_NAME || column == COL_PATH) {
+        sortByKey(arFileResults, [column](const FileResult& r) {
+            if (!r.isMember()) return NaturalKey{column == COL_NAME ? r.fileInfo.fileName() : r.fileInfo.absoluteFilePath()};
+            const QString shown = r.displayPath();
+            return NaturalKey{column == COL_NAME ? shown.mid(shown.lastIndexOf(QLatin1Char('/')) + 1) : shown};
+        }, ascending);
+        return;
+    }
     sortColumn(arFileResults, column, ascending, [](const FileResult& r) -> const QFileInfo& { return r.fileInfo; });
 }
 

@@ -686,6 +686,12 @@ void TestSearchWindow::documentsAndArchives() {
     QCOMPARE(m->data(m->index(0, 3)).toString(), QStringLiteral("2"));
     QCOMPARE(m->data(m->index(0, 4)).toString(), abs("arch/pack.tar.gz") + QStringLiteral("!/inner"));
     QCOMPARE(m->data(m->index(1, 0)).toString(), QStringLiteral("notes.log.gz"));
+    // Sorted by name, the member goes by its own name ("a.txt" before "notes.log.gz", not "pack…").
+    m->sort(0, true);
+    QCOMPARE(m->data(m->index(0, 0)).toString(), QStringLiteral("a.txt"));
+    m->sort(0, false);
+    QCOMPARE(m->data(m->index(0, 0)).toString(), QStringLiteral("notes.log.gz"));
+    m->sort(3, false);
     // The member's text is shown with its hits marked where they were found.
     QVERIFY(panel->tableResult()->selectRow(0, true));
     auto* text = dynamic_cast<tav::PreviewAscii*>(panel->container()->previewByExtension(QStringLiteral("txt")));
