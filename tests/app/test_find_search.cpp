@@ -411,17 +411,22 @@ private slots:
             t.start();
             while (!release.load() && t.elapsed() < 10000) tav::xSleep(1);
         };
-        std::vector<QFileInfo*> files = pointersTo(infos);
-        tf.prepareFiles(files);
-        QVERIFY(tf.start_search());
-        QTRY_VERIFY(tf.workerStats().countFiles.load() >= 3);
-        tf.stop_search();
-        files = pointersTo(infos);
-        tf.prepareFiles(files);
-        QElapsedTimer t;
-        t.start();
-        QVERIFY(tf.start_search());
-        QVERIFY2(t.elapsed() < 1000, qPrintable(QString::number(t.elapsed())));   // not the 10 s of the held worker
+        // Starts a search, stops it once its worker is held, and asks for a new one; the time the call took.
+        auto startStopRestart = [&]() -> qint64 {
+            std::vector<QFileInfo*> files = pointersTo(infos);
+            tf.prepareFiles(files);
+            if (!tf.start_search()) return -1;
+            if (!QTest::qWaitFor([&]() { return tf.workerStats().countFiles.load() >= 3; }, 5000)) return -1;
+            tf.stop_search();
+            files = pointersTo(infos);
+            tf.prepareFiles(files);
+            QElapsedTimer t;
+            t.start();
+            if (!tf.start_search()) return -1;
+            return t.elapsed();
+        };
+        const qint64 held = startStopRestart();
+        QVERIFY2(held >= 0 && held < 1000, qPrintable(QString::number(held)));   // not the 10 s of the held worker
         QVERIFY(tf.isStartQueued());
         QVERIFY(!tf.start_search());   // a second request joins the queued one
         release = true;
@@ -430,14 +435,7 @@ private slots:
         QCOMPARE(tf.countResults(), size_t(40));
         // A queued start cancelled before it began still ends with one call.
         release = false;
-        files = pointersTo(infos);
-        tf.prepareFiles(files);
-        QVERIFY(tf.start_search());
-        QTRY_VERIFY(tf.workerStats().countFiles.load() >= 3);
-        tf.stop_search();
-        files = pointersTo(infos);
-        tf.prepareFiles(files);
-        QVERIFY(tf.start_search() && tf.isStartQueued());
+        QVERIFY(startStopRestart() >= 0 && tf.isStartQueued());
         tf.stop_search();
         QVERIFY(!tf.isStartQueued());
         release = true;
