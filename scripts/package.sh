@@ -35,6 +35,12 @@ out="$("$root/usr/bin/talvofinder" find --dir "$data" --find errno)" || true
 if [[ $out == "1"$'\t'"$data/sub/a.h"* ]]; then echo "ok: unpacked talvofinder find"; else
   echo "FAIL: unpacked talvofinder find printed: $out"; fails=$((fails + 1)); fi
 
+# Documents and archives come from the packaged module, not from the build.
+printf 'zebra in a compressed log\n' | gzip > "$data/app.log.gz"
+out="$("$root/usr/bin/talvofinder" find --dir "$data" --find zebra --documents true --log 5 2>&1)" || true
+if [[ $out == *"module loaded: $root/"* && $out == *"1"$'\t'"$data/app.log.gz"* ]]; then echo "ok: unpacked documents module"; else
+  echo "FAIL: unpacked talvofinder did not search app.log.gz with its own module: $out"; fails=$((fails + 1)); fi
+
 if [ "${1:-}" = "--install" ]; then
   export DEBIAN_FRONTEND=noninteractive
   apt-get install -y -qq "$deb" > /dev/null

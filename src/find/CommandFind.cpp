@@ -4,6 +4,7 @@
 //        [--scope File|Paragraph|Sentence]
 //        [--pattern P] [--npattern P] [--textFiles true] [--hidden true]
 //        [--minSize N] [--maxSize N] [--threads N] [--show files|count|hits] [--documents true]
+//        [--maxMemberSize N] [--ratioFrom N] [--maxRatio N]
 // Exit code: 0 something found, 1 nothing found, 2 bad input.
 #include "src/find/CommandFind.h"
 
@@ -31,7 +32,8 @@ const char* kUsage =
     "usage: talvofinder find --dir DIR [--find TEXT] [--regex true] [--wholeWords true] [--matchCase true]\n"
     "         [--scope File|Paragraph|Sentence]\n"
     "         [--pattern P] [--npattern P] [--textFiles true] [--hidden true] [--minSize N] [--maxSize N]\n"
-    "         [--threads N] [--show files|count|hits] [--documents true]";
+    "         [--threads N] [--show files|count|hits] [--documents true]\n"
+    "         [--maxMemberSize N] [--ratioFrom N] [--maxRatio N]";
 
 int badInput(const QString& message) {
     tav::Logger::printToCerr(QStringLiteral("find: ") + message);
@@ -97,7 +99,7 @@ tav::CommandKeys findCommandKeys() {
     return {QStringLiteral("dir=folder"),
             QStringLiteral("find,regex=true|false,wholeWords=true|false,matchCase=true|false,scope=File|Paragraph|Sentence,pattern,npattern,textFiles=true|false,"
                            "hidden=true|false,minSize,maxSize,threads,show=files|count|hits,countLines=true|false,"
-                           "documents=true|false"),
+                           "documents=true|false,maxMemberSize,ratioFrom,maxRatio"),
             true};
 }
 
@@ -121,6 +123,19 @@ int runFindCommand(tav::CommandLine& cl) {
     uint64_t minSize = 0, maxSize = 0;
     if (!readSize(cl, QStringLiteral("minSize"), hasMin, minSize, error) || !readSize(cl, QStringLiteral("maxSize"), hasMax, maxSize, error))
         return badInput(error);
+
+    // The archive-bomb limits of documents and archives.
+    tav::extract::Limits limits;
+    bool given = false;
+    if (!readSize(cl, QStringLiteral("maxMemberSize"), given, limits.maxOutput, error) ||
+        !readSize(cl, QStringLiteral("ratioFrom"), given, limits.ratioFrom, error))
+        return badInput(error);
+    if (limits.maxOutput == 0) return badInput(QStringLiteral("--maxMemberSize must be more than 0 bytes"));
+    if (cl.hasKey(QStringLiteral("maxRatio"))) {
+        bool ok = false;
+        limits.maxRatio = cl.getString(QStringLiteral("maxRatio")).toULongLong(&ok);
+        if (!ok || limits.maxRatio < 2) return badInput(QStringLiteral("--maxRatio takes a whole number of 2 or more"));
+    }
 
     const QString dirArg = cl.getString(QStringLiteral("dir"));
     const QFileInfo dirInfo(QDir::current(), dirArg);
@@ -193,6 +208,7 @@ int runFindCommand(tav::CommandLine& cl) {
     search.scope = scope;
     search.flagCountLines = countLines;
     search.flagDocuments = documents;
+    search.extractLimits = limits;
     search.setContentFilter(filter.contentFilter);
     // The workers search each folder's files while the walk goes on; the walk
     // stats no file (unless a size bound needs it), a worker does so through

@@ -236,6 +236,9 @@ void WinFinder::on_find_dir_scanned() {
         pTavFind->maxThreads = cfg().countThreads;
         pTavFind->setContentFilter(filterCurrent.contentFilter);
         pTavFind->flagDocuments = buttonDocuments_ && buttonDocuments_->isChecked();
+        pTavFind->extractLimits.maxOutput = uint64_t(cfg().documentsMaxMemberMB) << 20;
+        pTavFind->extractLimits.ratioFrom = uint64_t(cfg().documentsRatioFromMB) << 20;
+        pTavFind->extractLimits.maxRatio = cfg().documentsMaxRatio;
         log(tav::LOG_TRACE, "WinFinder::on_find_dir_scanned, thScanDir.dirInfo.ar_filtered_files:$", quint64(dirInfo.ar_filtered_files.size()));
         // The workers read the files through pointers into the scan's list: keep
         // every list handed over alive until the search that may read it is over.

@@ -92,6 +92,29 @@ private slots:
         const QStringList out = QString::fromUtf8(p.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
         QCOMPARE(out.mid(0, 2), (QStringList{"1\t" + bad.abs("evil.tar!/ok.txt"), "1\t" + bad.abs("fine.txt")}));
         QCOMPARE(p.exitCode(), 0);
+
+        // The bomb limits are the user's: a member cut at 1 KiB keeps its first hit only, and
+        // a low ratio stops a member that expands too much.
+        tftest::TestDir big;
+        QByteArray text = "zebra first\n" + QByteArray(4000, 'z') + "\nzebra last\n";
+        big.file("big.txt.gz", tftest::compress(Squeeze::Gzip, text));
+        const auto runBig = [&](const QStringList& extra, QString* errOut) {
+            QProcess q;
+            q.setProcessEnvironment(env.processEnvironment(false));
+            q.start(tftest::TestEnv::programPath(),
+                    QStringList{"find", "--dir", big.path(), "--find", "zebra", "--documents", "true"} + extra);
+            q.waitForFinished(60000);
+            *errOut = QString::fromUtf8(q.readAllStandardError());
+            return QString::fromUtf8(q.readAllStandardOutput()).split('\n').value(0);
+        };
+        QString e;
+        QCOMPARE(runBig({}, &e), "2\t" + big.abs("big.txt.gz"));
+        QCOMPARE(runBig({"--maxMemberSize", "1kb"}, &e), "1\t" + big.abs("big.txt.gz"));
+        QVERIFY2(e.contains("find: 1 files could not be searched completely"), qPrintable(e));
+        runBig({"--ratioFrom", "1kb", "--maxRatio", "2"}, &e);
+        QVERIFY2(e.contains("find: 1 files could not be searched completely"), qPrintable(e));
+        runBig({"--maxRatio", "1"}, &e);
+        QVERIFY2(e.contains("--maxRatio takes a whole number of 2 or more"), qPrintable(e));
     }
 };
 

@@ -1,14 +1,12 @@
 #include "base/extract/XExtract.h"
 
 #include "base/extract/XDocText.h"
-#include "base/extract/XPdfText.h"
+#include "base/extract/XExtractApi.h"
 #include "base/log/Logger.h"
 
 #include <QFile>
 #include <QRegularExpression>
 #include <QTextCodec>
-#include <archive.h>
-#include <archive_entry.h>
 #include <algorithm>
 #include <cstring>
 #include <fcntl.h>
@@ -22,46 +20,49 @@ namespace {
 
 constexpr size_t kBlock = size_t(64) << 10;
 
+// Only called once an extractor has found the module loaded.
+const ExtractApi& lib() { return *extractApi(); }
+
 bool startsWith(const char* d, size_t n, const char* sig, size_t len) { return n >= len && std::memcmp(d, sig, len) == 0; }
 
 struct ArchiveDeleter {
-    void operator()(archive* a) const { archive_read_free(a); }
+    void operator()(archive* a) const { lib().read_free(a); }
 };
 using ArchivePtr = std::unique_ptr<archive, ArchiveDeleter>;
 
 // A reader for the formats we search; raw takes a compressed stream that holds no archive.
 ArchivePtr newReader(bool rawOnly = false) {
-    ArchivePtr a(archive_read_new());
-    archive_read_support_filter_all(a.get());
+    ArchivePtr a(lib().read_new());
+    lib().support_filter_all(a.get());
     if (rawOnly) {
-        archive_read_support_format_raw(a.get());
+        lib().support_format_raw(a.get());
         return a;
     }
-    archive_read_support_format_tar(a.get());
-    archive_read_support_format_zip(a.get());
-    archive_read_support_format_7zip(a.get());
-    archive_read_support_format_cpio(a.get());
-    archive_read_support_format_rar(a.get());
-    archive_read_support_format_rar5(a.get());
-    archive_read_support_format_raw(a.get());
+    lib().support_format_tar(a.get());
+    lib().support_format_zip(a.get());
+    lib().support_format_7zip(a.get());
+    lib().support_format_cpio(a.get());
+    lib().support_format_rar(a.get());
+    lib().support_format_rar5(a.get());
+    lib().support_format_raw(a.get());
     return a;
 }
 
 ArchivePtr openFile(const QString& path, bool rawOnly = false) {
     ArchivePtr a = newReader(rawOnly);
-    if (archive_read_open_filename(a.get(), QFile::encodeName(path).constData(), 1 << 16) != ARCHIVE_OK) return nullptr;
+    if (lib().open_filename(a.get(), QFile::encodeName(path).constData(), 1 << 16) != ARCHIVE_OK) return nullptr;
     return a;
 }
 
 ArchivePtr openMemory(const QByteArray& data, bool rawOnly = false) {
     ArchivePtr a = newReader(rawOnly);
-    if (archive_read_open_memory(a.get(), data.constData(), size_t(data.size())) != ARCHIVE_OK) return nullptr;
+    if (lib().open_memory(a.get(), data.constData(), size_t(data.size())) != ARCHIVE_OK) return nullptr;
     return a;
 }
 
 QString entryName(archive_entry* e) {
-    if (const char* u = archive_entry_pathname_utf8(e)) return QString::fromUtf8(u);
-    if (const char* p = archive_entry_pathname(e)) return QString::fromLocal8Bit(p);
+    if (const char* u = lib().entry_pathname_utf8(e)) return QString::fromUtf8(u);
+    if (const char* p = lib().entry_pathname(e)) return QString::fromLocal8Bit(p);
     return QString();
 }
 
@@ -73,8 +74,11 @@ bool isUnsafeName(const QString& name) {
     return parts.contains(QStringLiteral(".."));
 }
 
+// UTF-16 needs only Qt; everything else the module. Without it a container is searched as its bytes.
+bool readable(Family f) { return f == Family::Utf16 || extractApi() != nullptr; }
+
 QString archiveError(archive* a) {
-    const char* s = archive_error_string(a);
+    const char* s = lib().error_string(a);
     return s ? QString::fromLocal8Bit(s) : QStringLiteral("unreadable");
 }
 
@@ -166,7 +170,7 @@ bool XExtractor::extractFile(const QString& path, const Sink& sink) {
 
 bool XExtractor::extractFile(const QString& path, const char* head, size_t headSize, const Sink& sink) {
     const Family f = sniff(head, headSize, path);
-    if (f == Family::None) return false;
+    if (f == Family::None || !readable(f)) return false;
     begin(path);
     sink_ = sink;
     switch (f) {
@@ -200,7 +204,7 @@ bool XExtractor::extractFile(const QString& path, const char* head, size_t headS
 
 bool XExtractor::extractData(const QByteArray& data, const QString& nameHint, const Sink& sink) {
     const Family f = sniff(data.constData(), size_t(data.size()), nameHint);
-    if (f == Family::None) return false;
+    if (f == Family::None || !readable(f)) return false;
     begin(nameHint);
     sink_ = sink;
     processData(data, QString(), nameHint, 0);
@@ -250,11 +254,11 @@ void XExtractor::processData(const QByteArray& data, const QString& member, cons
 bool XExtractor::readEntry(archive* a, const QString& name, int64_t sizeHint, QByteArray& out) {
     out.clear();
     if (sizeHint > 0) out.reserve(int(std::min<int64_t>(sizeHint, std::min<int64_t>(int64_t(limits_.maxOutput), 64 << 20))));
-    const int64_t consumedAtStart = archive_filter_bytes(a, -1);
+    const int64_t consumedAtStart = lib().filter_bytes(a, -1);
     char buf[kBlock];
     for (;;) {
         if (!goOn()) return false;
-        const la_ssize_t n = archive_read_data(a, buf, sizeof buf);
+        const la_ssize_t n = lib().read_data(a, buf, sizeof buf);
         if (n == 0) return true;
         if (n < 0) {
             problem(name, QStringLiteral("cannot be read (%1)").arg(archiveError(a)));
@@ -268,7 +272,7 @@ bool XExtractor::readEntry(archive* a, const QString& name, int64_t sizeHint, QB
         out.append(buf, int(n));
         const uint64_t size = uint64_t(out.size());
         if (size > limits_.ratioFrom) {
-            const int64_t consumed = std::max<int64_t>(1, archive_filter_bytes(a, -1) - consumedAtStart);
+            const int64_t consumed = std::max<int64_t>(1, lib().filter_bytes(a, -1) - consumedAtStart);
             if (size > uint64_t(consumed) * limits_.maxRatio) {
                 problem(name, QStringLiteral("cut: expands more than %1 times").arg(limits_.maxRatio));
                 return false;
@@ -284,7 +288,7 @@ void XExtractor::processArchive(const std::function<archive*(bool)>& open, const
         return;
     }
     // Zeros decompressed look like an empty tar; such a stream is searched as it is.
-    if (walkArchive(a.get(), prefix, depth) == 0 && f == Family::Compressed && archive_format(a.get()) != ARCHIVE_FORMAT_RAW &&
+    if (walkArchive(a.get(), prefix, depth) == 0 && f == Family::Compressed && lib().format(a.get()) != ARCHIVE_FORMAT_RAW &&
         isComplete() && goOn()) {
         a.reset(open(true));
         if (a) walkArchive(a.get(), prefix, depth);
@@ -296,7 +300,7 @@ int XExtractor::walkArchive(archive* a, const QString& prefix, int depth) {
     archive_entry* e = nullptr;
     QByteArray data;
     while (goOn()) {
-        const int r = archive_read_next_header(a, &e);
+        const int r = lib().next_header(a, &e);
         if (r == ARCHIVE_EOF) break;
         if (r < ARCHIVE_WARN) {
             problem(prefix, QStringLiteral("corrupt archive (%1)").arg(archiveError(a)));
@@ -305,21 +309,21 @@ int XExtractor::walkArchive(archive* a, const QString& prefix, int depth) {
         }
         ++entries;
         // A compressed stream without an archive inside: its content under the container's own name.
-        const bool raw = archive_format(a) == ARCHIVE_FORMAT_RAW;
+        const bool raw = lib().format(a) == ARCHIVE_FORMAT_RAW;
         const QString name = raw ? prefix : entryName(e);
         const QString member = raw ? prefix : prefix.isEmpty() ? name : memberPath(prefix, name);
         if (!raw) {
-            if (archive_entry_filetype(e) != AE_IFREG) continue;
+            if (lib().entry_filetype(e) != AE_IFREG) continue;
             if (isUnsafeName(name)) {
                 problem(prefix, QStringLiteral("member with an unsafe name skipped: %1").arg(name));
                 continue;
             }
-            if (archive_entry_is_encrypted(e)) {
+            if (lib().entry_is_encrypted(e)) {
                 problem(member, QStringLiteral("encrypted, skipped"));
                 continue;
             }
         }
-        const int64_t sizeHint = archive_entry_size_is_set(e) ? archive_entry_size(e) : -1;
+        const int64_t sizeHint = lib().entry_size_is_set(e) ? lib().entry_size(e) : -1;
         readEntry(a, member, sizeHint, data);
         if (cancelled_) break;
         if (!data.isEmpty()) processData(data, member, name, depth);
@@ -339,7 +343,7 @@ void XExtractor::processZip(const std::function<archive*()>& open, const QString
         }
         archive_entry* e = nullptr;
         int r;
-        while ((r = archive_read_next_header(a.get(), &e)) >= ARCHIVE_WARN) names << entryName(e);
+        while ((r = lib().next_header(a.get(), &e)) >= ARCHIVE_WARN) names << entryName(e);
     }
     const DocKind kind = docKind(names);
     ArchivePtr a(open());
@@ -356,7 +360,7 @@ void XExtractor::processZip(const std::function<archive*()>& open, const QString
     archive_entry* e = nullptr;
     QByteArray data;
     while (goOn()) {
-        const int r = archive_read_next_header(a.get(), &e);
+        const int r = lib().next_header(a.get(), &e);
         if (r == ARCHIVE_EOF) break;
         if (r < ARCHIVE_WARN) {
             problem(prefix, QStringLiteral("corrupt document (%1)").arg(archiveError(a.get())));
@@ -365,11 +369,11 @@ void XExtractor::processZip(const std::function<archive*()>& open, const QString
         }
         const QString name = entryName(e);
         if (!isTextPart(kind, name)) continue;
-        if (archive_entry_is_encrypted(e)) {
+        if (lib().entry_is_encrypted(e)) {
             problem(prefix, QStringLiteral("encrypted part %1 skipped").arg(name));
             continue;
         }
-        readEntry(a.get(), memberPath(prefix, name), archive_entry_size_is_set(e) ? archive_entry_size(e) : -1, data);
+        readEntry(a.get(), memberPath(prefix, name), lib().entry_size_is_set(e) ? lib().entry_size(e) : -1, data);
         if (cancelled_) return;
         QString error;
         parts.emplace_back(name, xmlText(kind, name, data, &error));
@@ -385,7 +389,7 @@ void XExtractor::processPdf(const QString& path, const QByteArray* data, const Q
     Part p;
     p.member = member;
     QString error;
-    const bool ok = pdfText(path, data, limits_.maxOutput, [this]() { return goOn(); }, p.text, p.pageStarts, &error);
+    const bool ok = lib().pdfText(path, data, limits_.maxOutput, [this]() { return goOn(); }, p.text, p.pageStarts, &error);
     if (!error.isEmpty()) problem(member, error);
     if (ok || !p.text.isEmpty()) deliver(p);
 }

@@ -105,6 +105,15 @@ void WinFinderConfig::fromNode(tav::XNode* n) {
         log(tav::LOG_ERROR, "WinFinderConfig::fromNode, countThreads:$, allowed range 1...64, set to 2", countThreads);
         countThreads = 2;
     }
+    documentsMaxMemberMB = n->getUInt(QStringLiteral("documentsMaxMemberMB"), documentsMaxMemberMB);
+    documentsRatioFromMB = n->getUInt(QStringLiteral("documentsRatioFromMB"), documentsRatioFromMB);
+    documentsMaxRatio = n->getUInt(QStringLiteral("documentsMaxRatio"), documentsMaxRatio);
+    if (documentsMaxMemberMB == 0 || documentsMaxRatio < 2) {
+        log(tav::LOG_REJECTED, "WinFinderConfig::fromNode, documentsMaxMemberMB:$ documentsMaxRatio:$, set to 1024 and 100",
+            documentsMaxMemberMB, documentsMaxRatio);
+        documentsMaxMemberMB = 1024;
+        documentsMaxRatio = 100;
+    }
     // Font sizes.
     fontSizeHexView = n->getInt(QStringLiteral("fontSizeHexView"), 14);
     fontSize = n->getInt(QStringLiteral("fontSize"), fontSize);
@@ -130,6 +139,9 @@ void WinFinderConfig::toNode(tav::XNode* n) const {
     n->setInt(QStringLiteral("li_pos"), li_pos);
     n->setBase64String(QStringLiteral("filter"), filter_to_string());
     n->setUInt(QStringLiteral("countThreads"), countThreads);
+    n->setUInt(QStringLiteral("documentsMaxMemberMB"), documentsMaxMemberMB);
+    n->setUInt(QStringLiteral("documentsRatioFromMB"), documentsRatioFromMB);
+    n->setUInt(QStringLiteral("documentsMaxRatio"), documentsMaxRatio);
     n->setUInt(QStringLiteral("filterBits"), filterBits);
     n->setUInt(QStringLiteral("scope"), scope);
     n->setBool(QStringLiteral("flagRegEx"), flagRegEx);

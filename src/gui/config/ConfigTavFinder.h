@@ -31,6 +31,11 @@ public:
     QStringList ext;                       // child "TextFiles", attribute "ext"; unique, in insertion order
     QList<QFileInfo> filter;               // folders hidden in the tree
     unsigned countThreads = 2;
+    // Documents and archives: a member's text stops at this many MiB, and past
+    // documentsRatioFromMB it may not expand more than documentsMaxRatio times.
+    unsigned documentsMaxMemberMB = 1024;
+    unsigned documentsRatioFromMB = 100;
+    unsigned documentsMaxRatio = 100;
     // Name pattern, text files only and the content field: a new user sees where to type.
     unsigned filterBits = 2 | 32 | 128;
     unsigned scope = 1;

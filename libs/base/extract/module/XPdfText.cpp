@@ -1,5 +1,6 @@
-#include "base/extract/XPdfText.h"
+#include "base/extract/module/XPdfText.h"
 
+#include "base/extract/XExtractApi.h"
 #include "base/log/Logger.h"
 
 #include <QFile>
@@ -12,9 +13,13 @@
 namespace tav {
 namespace extract {
 
+extern LogFn moduleLog;
+
 namespace {
 // poppler reports every oddity of a damaged file on standard error; those belong in our log.
-void popplerMessage(const std::string& msg, void*) { log(64, "poppler: $", QString::fromStdString(msg)); }
+void popplerMessage(const std::string& msg, void*) {
+    if (moduleLog) moduleLog(LOG_VERBOSE, QStringLiteral("poppler: ") + QString::fromStdString(msg));
+}
 }
 
 bool pdfText(const QString& path, const QByteArray* data, uint64_t maxOutput, const std::function<bool()>& keepGoing,

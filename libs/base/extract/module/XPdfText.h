@@ -1,5 +1,5 @@
 #pragma once
-// Text of a PDF, page by page, through poppler's C++ interface.
+// Text of a PDF, page by page, through poppler's C++ interface (in the module).
 #include <QByteArray>
 #include <QString>
 #include <cstdint>
