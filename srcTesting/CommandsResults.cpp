@@ -9,6 +9,7 @@
 #include "gui/kernel/KernelGUI.h"
 #include "gui/kernel/XRuntime.h"
 #include "gui/window/XTestWindow.h"
+#include "src/find/SearchJob.h"
 #include "src/find/TavFind.h"
 #include "src/gui/FileResultModel.h"
 #include "src/gui/PanelResults.h"
@@ -42,34 +43,40 @@ int resultFullWindow(tav::KernelGUI& kernel) {
         return 1;
     }
 
-    // The scan owns the file list the search reads; both live until the loop ends.
-    auto dirInfo = std::make_unique<tav::XDirInfo>();
-    const int64_t start = tav::getMicroseconds();
-    dirInfo->scan_dir(sDir);
-    dirInfo->setup_filtered_files(tav::XFileFilter(), true);
-    auto find = std::make_unique<tavFinder::TavFind>();
-    find->request.sPath = sDir;
-    find->setContentFilter(filter);
-    find->prepareFiles(dirInfo->ar_filtered_files);
-
+    // The panel is a sink of the search job: it shows the results when the search is done.
+    struct PanelSink : tavFinder::SearchSink {
+        QPointer<tavFinder::PanelResults> panel;
+        std::vector<tavFinder::FileResult> results;
+        tavFinder::SearchJob* job = nullptr;
+        QString dir, find;
+        int64_t start = 0;
+        void searchResults(std::vector<tavFinder::FileResult>& batch) override {
+            results.insert(results.end(), std::make_move_iterator(batch.begin()), std::make_move_iterator(batch.end()));
+        }
+        void searchDone(bool, const QStringList&, uint64_t, uint64_t) override {
+            tavFinder::TavFind& f = job->search();
+            log(tav::LOG_TRACE, "stats:$", f.workerStats().toString());
+            log(tav::LOG_TRACE, "$, '$', $ file hits, total hits:$", dir, find, quint64(f.countResults()), f.countHits());
+            log(tav::LOG_TRACE, "search within $ sec", tav::formatMicrosecond_as_Sec(tav::getMicroseconds() - start));
+            if (!panel) return;
+            panel->setFileResults(results);
+            panel->showStack(1);
+            if (!results.empty()) panel->on_jump_to_result(0);
+        }
+    };
+    auto sink = std::make_unique<PanelSink>();
+    auto job = std::make_unique<tavFinder::SearchJob>(*sink);
+    sink->job = job.get();
+    sink->dir = sDir;
+    sink->find = sFind;
+    sink->start = tav::getMicroseconds();
     auto* panel = new tavFinder::PanelResults();
     tav::XTestWindow::setTestingStandard(panel, QStringLiteral("Results"), 1100, 700);
-    tavFinder::TavFind* pFind = find.get();
-    QPointer<tavFinder::PanelResults> guard(panel);
-    find->addListener([pFind, guard, sDir, sFind, start]() {
-        log(tav::LOG_TRACE, "stats:$", pFind->workerStats().toString());
-        log(tav::LOG_TRACE, "$, '$', $ file hits, total hits:$", sDir, sFind, quint64(pFind->countResults()), pFind->countHits());
-        log(tav::LOG_TRACE, "search within $ sec", tav::formatMicrosecond_as_Sec(tav::getMicroseconds() - start));
-        if (!guard) return;
-        guard->setFileResults(pFind->getResults());
-        guard->showStack(1);
-        if (pFind->hasResults()) guard->on_jump_to_result(0);
-    });
-    if (!find->start_search()) {
-        log(tav::LOG_ERROR, "result_full_Window, the search did not start");
-        return 1;
-    }
-    // The search, destroyed before the scan whose list it reads, stops and waits.
+    sink->panel = panel;
+    tavFinder::SearchParams params;
+    params.dir = sDir;
+    params.filter.contentFilter = filter;
+    job->start(params);
     return kernel.exec();
 }
 

@@ -14,6 +14,7 @@
 #include "base/log/Logger.h"
 #include "base/text/TextFiles.h"
 #include "base/util/Format.h"
+#include "src/find/SearchJob.h"
 #include "src/find/TavFind.h"
 
 #include <QDir>
@@ -184,9 +185,9 @@ int runFindCommand(tav::CommandLine& cl) {
             return badInput(tav::fill("cannot use '$': $", text, filter.contentFilter.errorMessage()));
     }
 
-    tav::XDirInfo scan;
-    scan.flagHiddenFiles = hidden;
     if (!content) {
+        tav::XDirInfo scan;
+        scan.flagHiddenFiles = hidden;
         scan.scan_dir(dir, &filter.fileFilter);
         // A listing is printed by path.
         const tav::XFindStats stats = scan.setup_filtered_files(filter.fileFilter, true);
@@ -203,31 +204,35 @@ int runFindCommand(tav::CommandLine& cl) {
         return stats.countMatch.load() > 0 ? 0 : 1;
     }
 
-    TavFind search;
-    search.maxThreads = threads;
-    search.scope = scope;
-    search.flagCountLines = countLines;
-    search.flagDocuments = documents;
-    search.extractLimits = limits;
-    search.setContentFilter(filter.contentFilter);
-    // The workers search each folder's files while the walk goes on; the walk
-    // stats no file (unless a size bound needs it), a worker does so through
-    // the file's descriptor once it is open.
-    scan.flagStatFiles = false;
-    QEventLoop loop;
-    search.addListener([&loop]() { loop.quit(); });
-    search.beginFeed();
-    search.start_search();
-    scan.scan_dir_feed(dir, filter.fileFilter,
-                       [&search](const std::vector<QFileInfo*>& files, const std::vector<int64_t>& sizes) {
-                           search.feedFiles(files, sizes);
-                       });
-    search.endFeed();
-    loop.exec();
+    // The command is a sink of the search job: it keeps the results and prints them at the end.
+    struct Collect : SearchSink {
+        std::vector<FileResult> results;
+        QEventLoop loop;
+        void searchResults(std::vector<FileResult>& batch) override {
+            if (results.empty()) results.swap(batch);
+            else results.insert(results.end(), std::make_move_iterator(batch.begin()), std::make_move_iterator(batch.end()));
+        }
+        void searchDone(bool, const QStringList&, uint64_t, uint64_t) override { loop.quit(); }
+    } sink;
+    SearchJob job(sink);
+    // Batches only move results from the workers to this list: a long interval spares the wake-ups.
+    job.batchIntervalMs = 1000;
+    SearchParams params;
+    params.dir = dir;
+    params.filter = filter;
+    params.hidden = hidden;
+    params.threads = threads;
+    params.documents = documents;
+    params.limits = limits;
+    params.countLines = countLines;
+    job.start(params);
+    sink.loop.exec();
+    TavFind& search = job.search();
+    const tav::XDirInfo& scan = job.walk();
 
     QByteArray out;
     // Most hits first, then by path; each path is made and encoded once.
-    const std::vector<FileResult>& results = search.getResults();
+    const std::vector<FileResult>& results = sink.results;
     struct Row {
         size_t hits;
         QByteArray path;

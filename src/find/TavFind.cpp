@@ -282,14 +282,19 @@ tav::XFindStats TavFind::workerStats() const {
     return s;
 }
 
-const std::vector<FileResult>& TavFind::getResults() const { return pController->arResults; }
-std::vector<FileResult>& TavFind::getResults() { return pController->arResults; }
-size_t TavFind::countResults() const { return pController->arResults.size(); }
-
-uint64_t TavFind::countHits() const {
-    uint64_t n = 0;
-    for (const FileResult& r : pController->arResults) n += uint64_t(r.layer.size());
-    return n;
+void TavFind::takeResults(std::vector<FileResult>& out) {
+    std::lock_guard<std::mutex> l(pController->mutexResults);
+    std::vector<FileResult>& pending = pController->pending;
+    if (out.empty()) {
+        out.swap(pending);
+        return;
+    }
+    out.insert(out.end(), std::make_move_iterator(pending.begin()), std::make_move_iterator(pending.end()));
+    pending.clear();
 }
+
+size_t TavFind::countResults() const { return size_t(pController->countResults.load()); }
+
+uint64_t TavFind::countHits() const { return pController->countHits.load(); }
 
 } // namespace tavFinder

@@ -1,8 +1,9 @@
 #pragma once
-// The search object of a main window: searches the contents of a list of files
-// with one controller thread and maxThreads workers and collects a FileResult
-// for every file with at least one hit. Also searches single files at once
-// (the text preview). The listeners run on the GUI thread when a search ends.
+// The content search: one controller thread and maxThreads workers search the
+// files given or fed to it and collect a FileResult for every file with at
+// least one hit, until its user takes them. A SearchJob (the walk, the batches
+// and the sinks) is its usual user. Also searches single files at once (the
+// text preview). The listeners run on the GUI thread when a search ends.
 #include "base/core/XEventListener.h"
 #include "base/extract/XExtract.h"
 #include "base/find/XContentFilter.h"
@@ -102,11 +103,18 @@ public:
     size_t countTextFiles() const { return countFiles_.load(); }
     uint64_t getBytesToRead() const { return bytesToRead.load(); }
     uint64_t getBytesRead() const;       // sum of the workers' bytes
-    const std::vector<FileResult>& getResults() const;
-    std::vector<FileResult>& getResults();
+    // Moves the results found since the last call to the end of 'out' (in the
+    // order the workers found them); safe while the search runs.
+    void takeResults(std::vector<FileResult>& out);
+    std::vector<FileResult> takeResults() {
+        std::vector<FileResult> out;
+        takeResults(out);
+        return out;
+    }
     bool hasResults() const { return countResults() > 0; }
+    // Totals of the search so far, taken or not.
     size_t countResults() const;
-    uint64_t countHits() const;          // sum of the results' hits
+    uint64_t countHits() const;
     // Totals of the workers of the last search.
     tav::XFindStats workerStats() const;
     // Files of the last search that could not be read (opened or read to the end):

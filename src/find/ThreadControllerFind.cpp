@@ -14,8 +14,10 @@ void ThreadControllerFind::ini(TavFind* p) {
     pTavFind = p;
     {
         std::lock_guard<std::mutex> l(mutexResults);
-        arResults.clear();
+        pending.clear();
     }
+    countResults = 0;
+    countHits = 0;
     max_thread = p ? p->maxThreads : 0;
     tav::log(tav::LOG_TRACE, "ThreadControllerFind::ini, max_thread:$", max_thread);
     if (max_thread == 0) return;
@@ -31,8 +33,11 @@ void ThreadControllerFind::ini(TavFind* p) {
 }
 
 void ThreadControllerFind::addResult(FileResult&& r) {
+    const uint64_t hits = uint64_t(r.layer.size());
     std::lock_guard<std::mutex> l(mutexResults);
-    arResults.push_back(std::move(r));
+    pending.push_back(std::move(r));
+    countResults.fetch_add(1, std::memory_order_relaxed);
+    countHits.fetch_add(hits, std::memory_order_relaxed);
 }
 
 void ThreadControllerFind::runCustom() {
@@ -42,7 +47,7 @@ void ThreadControllerFind::runCustom() {
     pTavFind->beginRun(uint32_t(arThreads.size()));
     for (FindThread& t : arThreads) tav::XThreadPool::start_global(&t, false);
     pTavFind->waitWorkersEnded();
-    tav::log(tav::LOG_TRACE, "ThreadControllerFind::~runCustom, file hits:$", quint64(arResults.size()));
+    tav::log(tav::LOG_TRACE, "ThreadControllerFind::~runCustom, file hits:$", countResults.load());
     pTavFind->notifyDone();
 }
 

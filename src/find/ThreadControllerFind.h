@@ -5,6 +5,7 @@
 #include "src/find/FileResult.h"
 #include "src/find/FindThread.h"
 
+#include <atomic>
 #include <cstdint>
 #include <mutex>
 #include <vector>
@@ -18,8 +19,11 @@ public:
     TavFind* pTavFind = nullptr;
     uint32_t max_thread = 0;
     std::vector<FindThread> arThreads;
-    std::vector<FileResult> arResults;
+    // Results not yet taken by the search's user, and the totals of all of them.
+    std::vector<FileResult> pending;
     std::mutex mutexResults;
+    std::atomic<uint64_t> countResults{0};
+    std::atomic<uint64_t> countHits{0};
 
     ThreadControllerFind() = default;
     ~ThreadControllerFind() override;

@@ -21,6 +21,7 @@
 #include "src/dir/PreviewDir.h"
 #include "src/dir/XContainerPreviews.h"
 #include "src/gui/NavigationBar.h"
+#include "src/find/SearchJob.h"
 #include "src/find/TavFind.h"
 #include "src/gui/PanelResults.h"
 #include "src/gui/ThreadScanDir.h"
@@ -63,8 +64,7 @@ WinFinder::~WinFinder() {
     timer_.stop();
     // Background work of a search ends before the window's parts go.
     if (thScanDir) thScanDir->dirInfo.flagStop = true;
-    if (pTavFind) pTavFind->stop_search();
-    pTavFind.reset();
+    job_.reset();   // cancels; its threads end on their own
     thScanDir.reset();
     // A window deleted without closing must not leave listeners on the kernel.
     remove_modifier_listeners();

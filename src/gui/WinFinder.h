@@ -6,6 +6,7 @@
 #include "base/core/XProp.h"
 #include "base/find/XFilter.h"
 #include "gui/tools/XTimer.h"
+#include "src/find/FileResult.h"
 #include "src/gui/History.h"
 #include "src/dir/FinderHost.h"
 #include "src/gui/WindowBase.h"
@@ -50,6 +51,9 @@ struct FileResult;
 class ContextPreviews;
 class PanelResults;
 class TavFind;
+class SearchJob;
+class SearchSink;
+struct SearchProgress;
 class XContainerPreviews;
 struct FileResult;
 
@@ -180,7 +184,10 @@ public:
     void on_find();
     void on_escape_key();
     void on_find_dir_scanned();
-    void on_find_done();
+    // The sink of the content search: batches, progress and the end.
+    void on_search_results(std::vector<FileResult>& batch);
+    void on_search_progress(const SearchProgress& p);
+    void on_search_done(bool cancelled, const QStringList& unreadable, uint64_t badDirs, uint64_t badFiles);
     void on_timer_progress();
     // The results panel on top of the right-hand stack.
     void show_results_panel(const char* logLine);
@@ -190,7 +197,9 @@ public:
     uint32_t findState() const { return stateFind; }
     int findPage() const;
     const tav::find::XFilter& currentFilter() const { return filterCurrent; }
-    TavFind& tavFind() { return *pTavFind; }
+    // The content search of the last start (its totals and filter).
+    TavFind& tavFind();
+    SearchJob& searchJob() { return *job_; }
     ThreadScanDir& threadScanDir() { return *thScanDir; }
 
     // ---- context menus, file actions (WinFinder_context_menu / _modify) ------------------------------
@@ -358,11 +367,12 @@ private:
     uint32_t scanStarted_ = 0;        // number of the last scan started
     uint32_t scanHandled_ = 0;        // number of the last scan whose end was handled
     bool findCancelled_ = false;      // Escape stopped the running content search
-    uint32_t contentPending_ = 0;     // content searches started and not yet ended
-    // File lists of the scan that a content search may still read.
-    std::vector<std::shared_ptr<const std::vector<QFileInfo>>> listsInSearch_;
+    // Name-only searches: the scan; content searches: the job, walking and searching at once.
+    void start_content_search(const QFileInfo& folder);
     std::unique_ptr<ThreadScanDir> thScanDir;
-    std::unique_ptr<TavFind> pTavFind;
+    std::unique_ptr<SearchSink> searchSink_;
+    std::unique_ptr<SearchJob> job_;
+    std::vector<FileResult> results_;             // of the running content search, so far
     QLabel* labelScan_ = nullptr;
     QLabel* labelFileTotals_ = nullptr;
     QLabel* labelFileFilter_ = nullptr;

@@ -12,6 +12,7 @@
 #include "gui/widgets/XTreeViewFiles.h"
 #include "gui/widgets/XTypedComboBox.h"
 #include "src/dir/XContainerPreviews.h"
+#include "src/find/SearchJob.h"
 #include "src/find/TavFind.h"
 #include "src/gui/PanelResults.h"
 #include "src/gui/ThreadScanDir.h"
@@ -46,9 +47,28 @@ void WinFinder::ThreadScanDir::runCustom() {
     runDone = runNumber.load();
 }
 
+namespace {
+// The window as a sink of its search job.
+class WindowSink : public SearchSink {
+public:
+    explicit WindowSink(WinFinder* w) : w_(w) {}
+    void searchResults(std::vector<FileResult>& batch) override { w_->on_search_results(batch); }
+    void searchProgress(const SearchProgress& p) override { w_->on_search_progress(p); }
+    void searchDone(bool cancelled, const QStringList& unreadable, uint64_t badDirs, uint64_t badFiles) override {
+        w_->on_search_done(cancelled, unreadable, badDirs, badFiles);
+    }
+
+private:
+    WinFinder* w_;
+};
+} // namespace
+
+TavFind& WinFinder::tavFind() { return job_->search(); }
+
 void WinFinder::setup_panel_find_pages() {
     thScanDir = std::make_unique<ThreadScanDir>();
-    pTavFind = std::make_unique<TavFind>();
+    searchSink_ = std::make_unique<WindowSink>(this);
+    job_ = std::make_unique<SearchJob>(*searchSink_);
     thScanDir->prepareListener(true);
     thScanDir->enableListener(true);
     thScanDir->addListener([this]() {
@@ -62,7 +82,6 @@ void WinFinder::setup_panel_find_pages() {
         log(tav::LOG_TRACE, "WinFinder::setup_thread_scan_dir, scan done!");
         on_find_dir_scanned();
     });
-    pTavFind->addListener([this]() { on_find_done(); });
     timer_.addListener([this]() { on_timer_progress(); });
 
     auto page = [this](const QString& name) {
@@ -165,6 +184,14 @@ void WinFinder::on_find() {
         set_status_text(filter.sError);
         return;
     }
+    // A content search walks and searches at once in its job; one still running is replaced.
+    if (filter.has_content_filter()) {
+        if (thScanDir->isActive()) thScanDir->dirInfo.flagStop = true;
+        filterCurrent = filter;
+        start_content_search(folder);
+        return;
+    }
+    job_->discard();
     // A scan still under way reads the filter and its folder: it is told to stop, and this
     // search starts a moment later from the event loop once it has (never waiting here).
     if (thScanDir->isActive()) {
@@ -199,6 +226,43 @@ void WinFinder::on_find() {
     tav::XThreadPool::start_global(thScanDir.get(), false);
 }
 
+void WinFinder::start_content_search(const QFileInfo& folder) {
+    log(tav::LOG_TRACE, "WinFinder::start_content_search <<<$>>> $", folder, filterCurrent.contentFilter.toString(false));
+    if (!filterCurrent.contentFilter.text().isEmpty()) comboContent_->add_to_history(filterCurrent.contentFilter.text());
+    if (filterCurrent.has_pattern(false)) comboPattern_->add_to_history(filterCurrent.pattern(false));
+    if (filterCurrent.has_pattern(true)) comboNotPattern_->add_to_history(filterCurrent.pattern(true));
+    stateFind = FIND_CONTENT;
+    findCancelled_ = false;
+    results_.clear();
+    progressFind_->setValue(0);
+    panelFind_->setCurrentIndex(PAGE_CONTENT);
+    timer_.stop();
+    SearchParams params;
+    params.dir = folder.absoluteFilePath();
+    params.filter = filterCurrent;
+    params.filter.contentFilter.setScope(comboScope_->selected());
+    params.hidden = treeView_->isHiddenFiles();
+    params.threads = cfg().countThreads;
+    params.documents = buttonDocuments_ && buttonDocuments_->isChecked();
+    params.limits.maxOutput = uint64_t(cfg().documentsMaxMemberMB) << 20;
+    params.limits.ratioFrom = uint64_t(cfg().documentsRatioFromMB) << 20;
+    params.limits.maxRatio = cfg().documentsMaxRatio;
+    job_->start(params);
+}
+
+void WinFinder::on_search_results(std::vector<FileResult>& batch) {
+    results_.insert(results_.end(), std::make_move_iterator(batch.begin()), std::make_move_iterator(batch.end()));
+}
+
+void WinFinder::on_search_progress(const SearchProgress& p) {
+    if (stateFind != FIND_CONTENT) return;
+    // 64-bit sums; the bar never runs backwards while the walk adds files.
+    if (p.bytesToRead != 0) {
+        const int pct = int(std::min<uint64_t>(100, p.bytesRead * 100 / p.bytesToRead));
+        if (pct > progressFind_->value()) progressFind_->setValue(pct);
+    }
+}
+
 void WinFinder::on_timer_progress() {
     if (stateFind == FIND_SCAN) {
         const tav::XDirInfo& d = thScanDir->dirInfo;
@@ -208,13 +272,6 @@ void WinFinder::on_timer_progress() {
         tav::qt::run_in_Gui_Thread([label, text]() {
             if (label) label->setText(text);
         });
-    } else if (stateFind == FIND_CONTENT) {
-        // 64-bit sums; the bar never runs backwards when the total grows during the search.
-        const uint64_t toRead = pTavFind->getBytesToRead();
-        if (toRead != 0) {
-            const int pct = int(std::min<uint64_t>(100, pTavFind->getBytesRead() * 100 / toRead));
-            if (pct > progressFind_->value()) progressFind_->setValue(pct);
-        }
     }
 }
 
@@ -226,33 +283,6 @@ void WinFinder::on_find_dir_scanned() {
     }
     log(tav::LOG_TRACE, "WinFinder::on_find_dir_scanned within $ sec", tav::formatMicrosecond_as_Sec(tav::getMicroseconds() - timeStartScan));
 
-    if (filterCurrent.has_content_filter()) {
-        log(tav::LOG_TRACE, "WinFinder::on_find_dir_scanned, has content filter $", filterCurrent.contentFilter.toString(false));
-        stateFind = FIND_CONTENT;
-        findCancelled_ = false;
-        progressFind_->setValue(0);
-        panelFind_->setCurrentIndex(PAGE_CONTENT);
-        pTavFind->scope = comboScope_->selected();
-        pTavFind->maxThreads = cfg().countThreads;
-        pTavFind->setContentFilter(filterCurrent.contentFilter);
-        pTavFind->flagDocuments = buttonDocuments_ && buttonDocuments_->isChecked();
-        pTavFind->extractLimits.maxOutput = uint64_t(cfg().documentsMaxMemberMB) << 20;
-        pTavFind->extractLimits.ratioFrom = uint64_t(cfg().documentsRatioFromMB) << 20;
-        pTavFind->extractLimits.maxRatio = cfg().documentsMaxRatio;
-        log(tav::LOG_TRACE, "WinFinder::on_find_dir_scanned, thScanDir.dirInfo.ar_filtered_files:$", quint64(dirInfo.ar_filtered_files.size()));
-        // The workers read the files through pointers into the scan's list: keep
-        // every list handed over alive until the search that may read it is over.
-        listsInSearch_.push_back(dirInfo.filtered_files_owner());
-        pTavFind->prepareFiles(dirInfo.ar_filtered_files, dirInfo.ar_filtered_sizes);
-        if (pTavFind->start_search()) {
-            // Started at once, no earlier search reads its list any more; a start queued
-            // behind an ending search keeps the older lists until that one is over.
-            if (!pTavFind->isStartQueued()) listsInSearch_.erase(listsInSearch_.begin(), listsInSearch_.end() - 1);
-            ++contentPending_;
-        }
-        return;
-    }
-
     // file-only search
     timer_.stop();
     tav::XFindStats stats = thScanDir->stats;
@@ -263,7 +293,7 @@ void WinFinder::on_find_dir_scanned() {
     for (QFileInfo* fi : view) files.push_back(*fi);
     stats.countMatch.store(uint64_t(files.size()));
 
-    FindRequest shown = pTavFind->request;
+    FindRequest shown;
     shown.sPath = dirInfo.sPath;
     shown.contentFilter = tav::find::XContentFilter();
     findResults_->setResultSummaryHtml(timeStartScan, stats, shown);
@@ -285,39 +315,24 @@ void WinFinder::on_find_dir_scanned() {
     if (filterCurrent.has_pattern(true)) manage_combo_History(comboNotPattern_, filterCurrent.pattern(true));
 }
 
-void WinFinder::on_find_done() {
-    // Each started search ends here once; an older one that ended after a newer
-    // one started has nothing left to show (its results were cleared).
-    if (contentPending_ > 0) --contentPending_;
-    if (contentPending_ > 0) {
-        log(tav::LOG_TRACE, "WinFinder_find::on_find_done - an older search ended");
-        return;
-    }
-    timer_.stop();
-    log(tav::LOG_TRACE, "*****************************************************");
-    log(tav::LOG_TRACE, "*** DONE ********************************************");
-    log(tav::LOG_TRACE, "*****************************************************");
-
+void WinFinder::on_search_done(bool cancelledByJob, const QStringList& unreadableList, uint64_t badDirs, uint64_t badFiles) {
+    TavFind* pTavFind = &job_->search();
     const tav::find::XContentFilter& cf = pTavFind->contentFilter();
     buttonScope_->setText(xt(cf.scope_as_string()));
     editPattern_->setText(cf.text());
 
-    const bool cancelled = findCancelled_;
+    const bool cancelled = findCancelled_ || cancelledByJob;
     findCancelled_ = false;
     const QString seconds = tav::formatMicrosecond_as_Sec(tav::getMicroseconds() - timeStartFind);
     // A cancelled search says so, and how much of the folder it searched.
     const QString searched = tav::fill(xt("Cancelled: $ of $ files searched"), tav::format1000(pTavFind->workerStats().countFiles.load()),
                                        tav::format1000(quint64(pTavFind->countTextFiles())));
     // What could not be read is said, and named in the tooltip.
-    const uint64_t badDirs = thScanDir ? thScanDir->dirInfo.countUnreadableDirs.load() : 0;
-    const uint64_t badFiles = pTavFind->countUnreadableFiles();
     QString unreadable;
-    QStringList named;
+    QStringList named = unreadableList;
     if (badDirs + badFiles > 0) {
         unreadable = QStringLiteral("  —  ") + tav::fill(xt("$ folders and $ files could not be read"), tav::format1000(badDirs),
                                                              tav::format1000(badFiles));
-        if (thScanDir) named << thScanDir->dirInfo.unreadableDirs();
-        named << pTavFind->unreadableFiles();
         if (named.size() > 50) named = named.mid(0, 50) << QStringLiteral("…");
     }
     labelDone_->setToolTip(named.join(QLatin1Char('\n')));
@@ -335,7 +350,8 @@ void WinFinder::on_find_done() {
             if (label) label->setText(text);
         });
         findResults_->setDocumentsMode(pTavFind->flagDocuments);
-        findResults_->setFileResults(pTavFind->getResults());
+        findResults_->setFileResults(results_);
+        results_.clear();
         show_results_panel(nullptr);
         stateFind = FIND_DONE;
         panelFind_->setCurrentIndex(PAGE_DONE);
@@ -354,7 +370,7 @@ void WinFinder::on_escape_key() {
     log(tav::LOG_TRACE, "WinFinder_find::on_escape_key");
     const QFileInfo fi = treeView_ ? treeView_->selectedFile() : QFileInfo();
     if (thScanDir && !thScanDir->dirInfo.flagStop.load()) thScanDir->dirInfo.flagStop = true;
-    if (pTavFind) pTavFind->stop_search();
+    if (job_) job_->cancel();
     if (stateFind == FIND_CONTENT) findCancelled_ = true;
     stateFind = FIND_IDLE;
     timer_.stop();
@@ -365,7 +381,7 @@ void WinFinder::on_escape_key() {
 void WinFinder::on_contextMenu_fileResult(const FileResult& fr) {
     log(tav::LOG_TRACE, "WinFinder::onContextMenu_rightSide_FileResults, fResult:$", fr.toString());
     tav::XMenu menu(this);
-    fill_contextMenu_FileResults(menu, fr, pTavFind->contentFilter());
+    fill_contextMenu_FileResults(menu, fr, tavFind().contentFilter());
     menu.execAt();
 }
 
@@ -376,13 +392,13 @@ void WinFinder::on_open_fileResult(const FileResult& fr) {
         tav::extract::XExtractor ex;
         tav::extract::Part part;
         if (ex.partOf(fr.fileInfo.absoluteFilePath(), fr.member, part)) {
-            WinDetails::open_extracted(fr, part.text, part.pageStarts, pTavFind->contentFilter());
+            WinDetails::open_extracted(fr, part.text, part.pageStarts, tavFind().contentFilter());
             return;
         }
         log(tav::LOG_ERROR, "WinFinder::on_open_fileResult, no text of <<<$>>>", fr.displayPath());
     }
     // The filter that found these hits, so the details window can mark them again.
-    open_stand_alone_preview(fr.fileInfo, fr.layer, pTavFind->contentFilter());
+    open_stand_alone_preview(fr.fileInfo, fr.layer, tavFind().contentFilter());
 }
 
 } // namespace tavFinder

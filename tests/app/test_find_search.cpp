@@ -49,14 +49,21 @@ tav::find::XContentFilter filterFor(const QString& text, bool regEx = false) {
 
 // Runs a whole search and waits for the listener; returns "hits name" lines, sorted.
 // With 'sizes' the files' sizes are given as a scan would give them.
-QStringList runSearch(TavFind& tf, std::vector<QFileInfo*> files, int* listenerCalls, std::vector<int64_t>* sizes = nullptr) {
+// 'order' gets the names in the order the workers found them.
+QStringList runSearch(TavFind& tf, std::vector<QFileInfo*> files, int* listenerCalls, std::vector<int64_t>* sizes = nullptr,
+                      QStringList* order = nullptr) {
     if (sizes) tf.prepareFiles(files, *sizes);
     else tf.prepareFiles(files);
     tf.start_search();
     const int before = *listenerCalls;
     if (!QTest::qWaitFor([&]() { return *listenerCalls > before; }, 20000)) return {QStringLiteral("timeout")};
     QStringList out;
-    for (const FileResult& r : tf.getResults()) out << QStringLiteral("%1 %2").arg(r.layer.size()).arg(r.fileInfo.fileName());
+    for (const FileResult& r : tf.takeResults()) {
+        out << QStringLiteral("%1 %2").arg(r.layer.size()).arg(r.fileInfo.fileName());
+        if (order) *order << r.fileInfo.fileName();
+    }
+    // Taken once: a second take finds nothing new.
+    if (!tf.takeResults().empty()) return {QStringLiteral("results taken twice")};
     out.sort();
     return out;
 }
@@ -95,10 +102,10 @@ private slots:
         tf.setContentFilter(filterFor(QStringLiteral("needle")));
         tftest::LogCapture logs;
         tf.maxThreads = 1;
-        QCOMPARE(runSearch(tf, files, &calls), expected);
         // One worker takes the files in input order.
         QStringList order;
-        for (const FileResult& r : tf.getResults()) order << r.fileInfo.fileName();
+        QCOMPARE(runSearch(tf, files, &calls, nullptr, &order), expected);
+        QVERIFY(!order.isEmpty());
         QStringList sorted = order;
         sorted.sort();
         QCOMPARE(order, sorted);
@@ -244,7 +251,7 @@ private slots:
         tf.endFeed();
         QTRY_COMPARE(calls, 1);
         QStringList found;
-        for (const FileResult& r : tf.getResults()) found << QStringLiteral("%1 %2").arg(r.layer.size()).arg(r.fileInfo.fileName());
+        for (const FileResult& r : tf.takeResults()) found << QStringLiteral("%1 %2").arg(r.layer.size()).arg(r.fileInfo.fileName());
         found.sort();
         QCOMPARE(found, (QStringList{"1 a.txt", "2 c.txt"}));
         QCOMPARE(tf.countTextFiles(), size_t(7));

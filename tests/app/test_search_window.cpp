@@ -21,6 +21,7 @@
 #include "gui/widgets/XTreeViewFiles.h"
 #include "gui/widgets/XTypedComboBox.h"
 #include "src/dir/XContainerPreviews.h"
+#include "src/find/SearchJob.h"
 #include "src/find/TavFind.h"
 #include "src/gui/FileResultModel.h"
 #include "src/gui/PanelResults.h"
@@ -323,11 +324,12 @@ void TestSearchWindow::contentSearchEndToEnd() {
     // Return with the focus in the content box starts the search.
     QCOMPARE(QApplication::focusWidget(), static_cast<QWidget*>(w->comboContent()));
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
-    QCOMPARE(w->findPage(), int(WinFinder::PAGE_SCAN));
+    // The walk and the search run at once: straight to the progress page.
+    QCOMPARE(w->findPage(), int(WinFinder::PAGE_CONTENT));
     QTRY_COMPARE(w->findPage(), int(WinFinder::PAGE_DONE));
     QCOMPARE(w->findState(), uint32_t(WinFinder::FIND_DONE));
     QVERIFY(logs.contains(QStringLiteral("WinFinder::on_find - <") + abs("docs") + QStringLiteral(">")));
-    QVERIFY(logs.containsLine(QStringLiteral("WinFinder::setup_thread_scan_dir, scan done!")));
+    QVERIFY(logs.contains(QStringLiteral("SearchJob::start <<<") + abs("docs") + QStringLiteral(">>> needle")));
 
     // Four files searched (the hidden one is not), three with hits, nine hits.
     const QString expected = QStringLiteral("files-total:4 => %1, files-match:3, match-total:9 - ").arg(tav::formatBytes(uint64_t(bytesSearched)));
@@ -365,12 +367,11 @@ void TestSearchWindow::contentSearchEndToEnd() {
     }
     QCOMPARE(panel->tableResult()->textElideMode(), Qt::ElideMiddle);
     QVERIFY(logs.contains(QStringLiteral("PanelResults::setFileResults, ar.size():3")));
-    // The search's own list was handed over, not copied.
-    QCOMPARE(w->tavFind().countResults(), size_t(0));
-
-    // The progress pages were passed through on the way.
-    QVERIFY(logs.contains(QStringLiteral("WinFinder::on_find_dir_scanned, has content filter")));
-    QVERIFY(logs.contains(QStringLiteral("TavFind2::prepareFiles, arTextFiles:4")));
+    // The window took every result from the search; the search keeps only its totals.
+    QVERIFY(w->tavFind().takeResults().empty());
+    QCOMPARE(w->tavFind().countResults(), size_t(3));
+    // The walk fed the four files to the workers.
+    QVERIFY(logs.contains(QStringLiteral("TavFind::endFeed, files:4")));
 
     // Row 0 is open in the text preview (a .log file too), its hits in layer 1000, green,
     // and the first hit scrolled into view a moment later.
@@ -477,7 +478,7 @@ void TestSearchWindow::contentSearchEndToEnd() {
     QCOMPARE(w->findPage(), int(WinFinder::PAGE_FILTER));
     QCOMPARE(w->findState(), uint32_t(WinFinder::FIND_IDLE));
     QVERIFY(!w->stacked()->isShowing(panel));
-    QVERIFY(logs.contains(QStringLiteral("TavFind::stop_search - not running")));
+    QVERIFY(!w->searchJob().isRunning());
     // "Results" brings the table back.
     w->buttonResultsDone()->click();
     QVERIFY(w->stacked()->isShowing(panel));
@@ -494,33 +495,23 @@ void TestSearchWindow::escapeDuringContentSearch() {
     setBits(w, WinFinder::FILTER_CONTENT);
     w->comboContent()->setEditText(QStringLiteral("needle"));
 
-    // Right after the content search has started (this listener runs after the
-    // window's), wait for the worker to finish two files, then press Escape.
-    int pageAfterEscape = -1;
-    uint32_t stateAfterEscape = 99;
-    bool wasRunning = false;
     // The worker is held after its third file until the search is stopped, so
     // Escape always lands in the middle of the search.
-    tavFinder::TavFind& find = w->tavFind();
-    find.onFileDone = [&find]() {
-        if (find.workerStats().countFiles.load() < 3) return;
+    std::atomic<int> filesDone{0};
+    w->searchJob().onFileDone = [&]() {
+        if (++filesDone < 3) return;
         QElapsedTimer t;
         t.start();
-        while (find.isRunning() && t.elapsed() < 10000) tav::xSleep(1);
+        while (w->tavFind().isRunning() && t.elapsed() < 10000) tav::xSleep(1);
     };
-    w->threadScanDir().addListener([&]() {
-        if (w->findState() != WinFinder::FIND_CONTENT) return;
-        QElapsedTimer t;
-        t.start();
-        while (w->tavFind().workerStats().countFiles.load() < 3 && t.elapsed() < 10000) tav::xSleep(1);
-        wasRunning = w->tavFind().isRunning();
-        QTest::keyClick(w, Qt::Key_Escape);
-        pageAfterEscape = w->findPage();
-        stateAfterEscape = w->findState();
-    });
     tftest::LogCapture logs;
     QTest::keyClick(w, Qt::Key_Return);
-    QTRY_VERIFY(pageAfterEscape >= 0);
+    QCOMPARE(w->findState(), uint32_t(WinFinder::FIND_CONTENT));
+    QTRY_VERIFY(filesDone.load() >= 3);
+    const bool wasRunning = w->tavFind().isRunning();
+    QTest::keyClick(w, Qt::Key_Escape);
+    const int pageAfterEscape = w->findPage();
+    const uint32_t stateAfterEscape = w->findState();
     QVERIFY(wasRunning);
     QCOMPARE(pageAfterEscape, int(WinFinder::PAGE_FILTER));
     QCOMPARE(stateAfterEscape, uint32_t(WinFinder::FIND_IDLE));
@@ -531,7 +522,7 @@ void TestSearchWindow::escapeDuringContentSearch() {
     const int found = w->panelResults()->model()->rowCount();
     // Each worker holds once three files are done: at most one more file per further worker.
     QVERIFY2(found >= 2 && found <= 3 + QThread::idealThreadCount(), qPrintable(QString::number(found)));
-    find.onFileDone = nullptr;
+    w->searchJob().onFileDone = nullptr;
     // The summary says the search was cancelled and how much of it was searched.
     const QString searchedFiles = QString::number(w->tavFind().workerStats().countFiles.load());
     QTRY_VERIFY2(w->labelDone()->text().startsWith(QStringLiteral("Cancelled: %1 of 300 files searched => ").arg(searchedFiles)),
