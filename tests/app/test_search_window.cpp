@@ -347,6 +347,19 @@ void TestSearchWindow::contentSearchEndToEnd() {
     QStringList rows;
     for (int r = 0; r < 3; ++r) rows << m->fromRow(r).fileName() + QLatin1Char(':') + m->data(m->index(r, 3)).toString();
     QCOMPARE(rows, (QStringList{"most.log:5", "one.txt:3", "bin.dat:1"}));
+    // The window and the find command are sinks of the same search job: the same files and hits.
+    QStringList windowRows;
+    for (int r = 0; r < 3; ++r) windowRows << m->data(m->index(r, 3)).toString() + '\t' + m->fromRow(r).absoluteFilePath();
+    QProcess findCommand;
+    findCommand.setProcessEnvironment(env.processEnvironment(false));
+    findCommand.start(tftest::TestEnv::programPath(), {"find", "--dir", abs("docs"), "--find", "needle", "--scope",
+                                                       tav::find::XContentFilter::scope_to_string(tavFinder::cfg().scope)});
+    QVERIFY(findCommand.waitForFinished(30000));
+    QStringList printed = QString::fromUtf8(findCommand.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
+    printed.removeLast();   // the summary
+    windowRows.sort();
+    printed.sort();
+    QCOMPARE(printed, windowRows);
     QCOMPARE(m->data(m->index(0, 4)).toString(), abs("docs/sub"));
     QVERIFY(!panel->tableResult()->isColumnHidden(3));
     QCOMPARE(panel->tableResult()->currentRow(), 0);
