@@ -4,6 +4,7 @@
 
 #include <QFileInfo>
 #include <QString>
+#include <cstdint>
 
 namespace tavFinder {
 
@@ -11,6 +12,7 @@ struct FileResult {
     tav::find::XRamLayer layer;   // size() = number of hits
     QFileInfo fileInfo;           // the file, or the archive that holds the member
     QString member;               // inside an archive: "dir/a.log" or nested "x.zip!/a.log"
+    int64_t size = -1;            // bytes of the file as it was searched (-1: not known)
 
     FileResult() = default;
     FileResult(tav::find::XRamLayer l, QFileInfo fi, QString m = QString())
@@ -19,11 +21,13 @@ struct FileResult {
     FileResult& operator=(const FileResult&) = default;
     // noexcept, so that growing result vectors move the marks instead of copying them
     // (QFileInfo has no move constructor; copying it only counts a reference).
-    FileResult(FileResult&& o) noexcept : layer(std::move(o.layer)), fileInfo(o.fileInfo), member(std::move(o.member)) {}
+    FileResult(FileResult&& o) noexcept
+        : layer(std::move(o.layer)), fileInfo(o.fileInfo), member(std::move(o.member)), size(o.size) {}
     FileResult& operator=(FileResult&& o) noexcept {
         layer = std::move(o.layer);
         fileInfo = o.fileInfo;
         member = std::move(o.member);
+        size = o.size;
         return *this;
     }
     bool isMember() const { return !member.isEmpty(); }

@@ -82,12 +82,16 @@ void FindThread::runCustom() {
             const uint64_t read = watch.stopped ? bytesInFile.load() : uint64_t(reader_.getMemorySize());
             bytesInFile = 0;
             tav::XFindStats::add(stats.countBytes, read);
-            if (pTavFind->flagCountLines) tav::XFindStats::add(stats.countLines, reader_.countLines());
+            // A file cut by a cancel is not read to its end again just to count its lines.
+            if (pTavFind->flagCountLines && !watch.stopped) tav::XFindStats::add(stats.countLines, reader_.countLines());
+            const int64_t fileSize = int64_t(reader_.getMemorySize());
             reader_.close();
             if (layer) {
                 tav::XFindStats::add(stats.countMatch, 1);
                 tav::XFindStats::add(stats.countHits, layer.size());
-                pController->addResult(FileResult(std::move(layer), *file));
+                FileResult r(std::move(layer), *file);
+                r.size = fileSize;   // the table needs no stat of its own
+                pController->addResult(std::move(r));
             }
         } while (pController->isFlag(tav::AbstractThread::RUNNING));
     }
@@ -109,7 +113,9 @@ bool FindThread::searchExtracted(const QString& path, const QFileInfo& file, tav
         if (layer) {
             tav::XFindStats::add(stats.countMatch, 1);
             tav::XFindStats::add(stats.countHits, layer.size());
-            pController->addResult(FileResult(std::move(layer), file, part.member));
+            FileResult r(std::move(layer), file, part.member);
+            r.size = int64_t(reader_.getMemorySize());
+            pController->addResult(std::move(r));
         }
         return true;
     });

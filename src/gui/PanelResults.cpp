@@ -114,8 +114,14 @@ void PanelResults::fitColumns() {
     auto header = [&](int col) { return fmHeader.horizontalAdvance(model_->headerData(col, Qt::Horizontal).toString()) + pad + arrow; };
     int64_t maxSize = 0, maxHits = 0;
     for (int r = 0, n = model_->rowCount(); r < n; ++r) {
-        maxSize = std::max<int64_t>(maxSize, model_->fromRow(r).size());
-        if (flagContent) maxHits = std::max<int64_t>(maxHits, model_->fileResultFromRow(r).layer.size());
+        if (flagContent) {
+            // The search knows each size: no stat per row on this thread.
+            const FileResult& fr = model_->fileResultFromRow(r);
+            maxSize = std::max<int64_t>(maxSize, fr.size >= 0 ? fr.size : fr.fileInfo.size());
+            maxHits = std::max<int64_t>(maxHits, fr.layer.size());
+        } else {
+            maxSize = std::max<int64_t>(maxSize, model_->fromRow(r).size());
+        }
     }
     int wSize = std::max(header(FileResultModel::COL_SIZE), fm.horizontalAdvance(tav::format1000(maxSize)) + pad);
     int wDate = std::max(header(FileResultModel::COL_DATE), fm.horizontalAdvance(QStringLiteral("0000/00/00 - 00:00")) + pad);

@@ -3,6 +3,7 @@
 #include "base/find/XContentFilter.h"
 #include "src/find/SearchJob.h"
 
+#include <QElapsedTimer>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QtTest>
@@ -146,6 +147,47 @@ private slots:
         QTest::qWait(300);
         QCOMPARE(silent.dones, 0);
         QCOMPARE(silent.batches, 0);
+    }
+
+    void cancelInsideABigFile() {
+        // 256 MiB of text: the cancel comes from the first progress report that is inside the file.
+        tftest::TestDir d;
+        const QString path = d.abs(QStringLiteral("big.log"));
+        {
+            QFile f(path);
+            QVERIFY(f.open(QIODevice::WriteOnly));
+            const QByteArray block = QByteArray("hay and straw, but nothing else\n").repeated(32768);   // 1 MiB
+            for (int i = 0; i < 256; ++i) QVERIFY(f.write(block) == block.size());
+        }
+        const uint64_t size = uint64_t(QFileInfo(path).size());
+        struct CancelInside : Recorder {
+            SearchJob* job = nullptr;
+            QElapsedTimer sinceCancel;
+            qint64 cancelToDone = -1;
+            void searchProgress(const SearchProgress& p) override {
+                Recorder::searchProgress(p);
+                if (p.bytesRead > 0 && !sinceCancel.isValid()) {
+                    sinceCancel.start();
+                    job->cancel();
+                }
+            }
+            void searchDone(bool c, const QStringList& u, uint64_t a, uint64_t b) override {
+                if (sinceCancel.isValid()) cancelToDone = sinceCancel.elapsed();
+                Recorder::searchDone(c, u, a, b);
+            }
+        } sink;
+        SearchJob job(sink);
+        sink.job = &job;
+        job.batchIntervalMs = 10;
+        SearchParams p = paramsFor(d.path(), QStringLiteral("needle"));
+        p.threads = 1;
+        job.start(p);
+        QTRY_COMPARE_WITH_TIMEOUT(sink.dones, 1, 30000);
+        QVERIFY(sink.cancelled);
+        // Progress came from inside the file, and the cancel took effect there: the file was not read to its end.
+        QVERIFY(sink.last.bytesRead > 0);
+        QVERIFY2(sink.last.bytesRead < size, qPrintable(QString::number(sink.last.bytesRead)));
+        QVERIFY2(sink.cancelToDone >= 0 && sink.cancelToDone < 1000, qPrintable(QString::number(sink.cancelToDone)));
     }
 };
 
