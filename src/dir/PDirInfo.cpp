@@ -5,8 +5,10 @@
 #include "base/text/FileType.h"
 #include "base/util/Format.h"
 
-#include <QDir>
-#include <QFileInfoList>
+#include "base/dir/XDirInfo.h"
+
+#include <QFile>
+#include <mutex>
 
 namespace tavFinder {
 
@@ -19,33 +21,34 @@ void PDirInfo::scan_dir(const QString& dir) {
     bytes = 0;
     textBytes = 0;
     const int64_t t0 = tav::getMicroseconds();
-    visit(dir);
+    if (running.load()) {
+        // The search's walker, in its counting mode; the walkers count one entry at a
+        // time, so a progress report sees every counter as of one entry.
+        tav::XDirInfo walk;
+        walk.flagHiddenFiles = true;
+        std::mutex one;
+        walk.count_tree(dir, [this, &one](const tav::XDirInfo::Entry& e) {
+            std::lock_guard<std::mutex> l(one);
+            if (!running.load(std::memory_order_relaxed)) return false;
+            // Folders count in the byte total with their own size, as the listing reports it.
+            bytes += e.size;
+            if (e.isDir) {
+                ++dirs;
+            } else {
+                ++files;
+                const QString ext = tav::getFileExtension(QFile::decodeName(QByteArray::fromRawData(e.name, int(e.nameLen))), true);
+                if (textExtensions.count(ext.toLower())) {
+                    ++textFiles;
+                    textBytes += e.size;
+                }
+            }
+            if (onEntry) onEntry(*this);
+            return true;
+        });
+    }
     running = false;
     tav::log(tav::LOG_TRACE, "PDirInfo::~scan_dir, di:{$}, within $ sec", toString(),
              tav::formatMicrosecond_as_Sec(tav::getMicroseconds() - t0));
-}
-
-void PDirInfo::visit(const QString& dir) {
-    const QFileInfoList entries = QDir(dir).entryInfoList(QDir::Filters(kFilterAll), QDir::NoSort);
-    for (const QFileInfo& fi : entries) {
-        if (!running.load(std::memory_order_relaxed)) return;
-        if (fi.isDir()) {
-            // Folders count in the byte total with their own size, as the listing reports it.
-            bytes += uint64_t(fi.size());
-            ++dirs;
-            // A link to a folder is counted but not followed: no loops, no double counts.
-            if (!fi.isSymLink()) visit(fi.absoluteFilePath());
-        } else {
-            ++files;
-            bytes += uint64_t(fi.size());
-            const QString ext = tav::getFileExtension(fi.fileName(), true);
-            if (textExtensions.count(ext.toLower())) {
-                ++textFiles;
-                textBytes += uint64_t(fi.size());
-            }
-        }
-        if (onEntry) onEntry(*this);
-    }
 }
 
 QString PDirInfo::toString() const {

@@ -38,8 +38,6 @@ public:
     }
     QString toString() const;
 
-private:
-    void visit(const QString& dir);
 };
 
 } // namespace tavFinder

@@ -14,6 +14,7 @@
 #include <QHeaderView>
 #include <QSemaphore>
 #include <QtTest>
+#include <sys/stat.h>
 
 using namespace tavFinder;
 
@@ -81,6 +82,26 @@ private slots:
         for (const QString& s : {QStringLiteral("x"), QStringLiteral("x/y"), QStringLiteral("x/.h")})
             dirBytes += uint64_t(QFileInfo(d.abs(s)).size());
         QCOMPARE(info.bytes.load(), uint64_t(5 + 3 + 7 + 2) + dirBytes);
+
+        // Links count as what they point to: a file link as a file of its target's size, a folder
+        // link as a folder that is not entered (a loop ends); broken links and pipes are left out.
+        {
+            tftest::TestDir l;
+            l.file(QStringLiteral("a.txt"), "12345");
+            l.file(QStringLiteral("y/c.bin"), "1234567");
+            QVERIFY(QFile::link(l.abs(QStringLiteral("a.txt")), l.abs(QStringLiteral("y/to-a.txt"))));
+            QVERIFY(QFile::link(l.abs(QStringLiteral("y")), l.abs(QStringLiteral("y/loop"))));
+            QVERIFY(QFile::link(l.abs(QStringLiteral("gone")), l.abs(QStringLiteral("broken.txt"))));
+            QCOMPARE(::mkfifo(QFile::encodeName(l.abs(QStringLiteral("pipe.txt"))).constData(), 0600), 0);
+            PDirInfo links;
+            links.textExtensions = {QStringLiteral("txt")};
+            links.scan_dir(l.path());
+            QCOMPARE(links.dirs.load(), 2u);        // y, y/loop
+            QCOMPARE(links.files.load(), 3u);       // a.txt, y/c.bin, y/to-a.txt
+            QCOMPARE(links.textFiles.load(), 2u);
+            QCOMPARE(links.textBytes.load(), uint64_t(5 + 5));
+            QCOMPARE(links.bytes.load(), uint64_t(5 + 7 + 5) + 2 * uint64_t(QFileInfo(l.abs(QStringLiteral("y"))).size()));
+        }
 
         // The preview: Deep Info runs in the background and shows the totals.
         PreviewDirSimple p;

@@ -141,7 +141,9 @@ bool XDirInfo::scan_dir_feed(const QString& path, const XFileFilter& filter, con
     return scan(path, &filter, &feed);
 }
 
-bool XDirInfo::scan(const QString& path, const XFileFilter* filter, const FileFeed* feed) {
+bool XDirInfo::count_tree(const QString& path, const EntryVisit& visit) { return scan(path, nullptr, nullptr, &visit); }
+
+bool XDirInfo::scan(const QString& path, const XFileFilter* filter, const FileFeed* feed, const EntryVisit* visit) {
     flagStop = false;
     clear();
     sPath = path;
@@ -248,6 +250,20 @@ bool XDirInfo::scan(const QString& path, const XFileFilter* filter, const FileFe
                         unsigned char type = d->d_type;
                         struct stat st;
                         bool haveStat = false;
+                        if (visit) {
+                            // Counting: every entry with its size, a link by what it points to.
+                            if (::fstatat(fd, name, &st, AT_SYMLINK_NOFOLLOW) != 0) continue;
+                            const bool link = S_ISLNK(st.st_mode);
+                            if (link && ::fstatat(fd, name, &st, 0) != 0) continue;   // a broken link
+                            const bool isDir = S_ISDIR(st.st_mode);
+                            if (!isDir && !S_ISREG(st.st_mode)) continue;
+                            if (!(*visit)(Entry{name, len, isDir, uint64_t(st.st_size)})) {
+                                flagStop = true;
+                                break;
+                            }
+                            if (isDir && !link) found.push_back(joinPath(dir, name, len));
+                            continue;
+                        }
                         if (type == DT_UNKNOWN) {
                             if (::fstatat(fd, name, &st, AT_SYMLINK_NOFOLLOW) != 0) continue;
                             haveStat = true;

@@ -109,6 +109,21 @@ public:
     // (sorted by path when 'sortByPath'); countFiles = files scanned,
     // countMatch = countHits = files passed, countBytes = their known bytes.
     XFindStats setup_filtered_files(const XFileFilter& filter, bool sortByPath);
+
+    // Every entry below 'path' as a listing shows it (hidden ones when
+    // flagHiddenFiles): regular files and links to them (by their target's
+    // size), folders with their own size, links to folders (counted, never
+    // entered); other kinds are left out. Nothing is kept: 'visit' gets each
+    // entry on the walker threads (at once from several); false from it ends
+    // the walk. False when the folder cannot be read or the walk was ended.
+    struct Entry {
+        const char* name;
+        size_t nameLen;
+        bool isDir;
+        uint64_t size;
+    };
+    using EntryVisit = std::function<bool(const Entry& entry)>;
+    bool count_tree(const QString& path, const EntryVisit& visit);
     XView<QFileInfo*> get_view_filtered_files() const {
         return XView<QFileInfo*>(ar_filtered_files.data(), ar_filtered_files.data() + ar_filtered_files.size());
     }
@@ -146,7 +161,7 @@ private:
     using Blocks = std::vector<std::vector<QFileInfo>>;
     std::shared_ptr<Blocks> fed_, fedRetired_;
 
-    bool scan(const QString& path, const XFileFilter* filter, const FileFeed* feed);
+    bool scan(const QString& path, const XFileFilter* filter, const FileFeed* feed, const EntryVisit* visit = nullptr);
 };
 
 } // namespace tav
