@@ -12,7 +12,13 @@
 #include "src/dir/FinderHost.h"
 #include "src/gui/config/ConfigTavFinder.h"
 
+#include "base/thread/XThread.h"
+
+#include <QDateTime>
 #include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
 
 namespace tavFinder {
 
@@ -72,6 +78,48 @@ bool ContextPreviews::openIn(tav::Preview* p) {
     return p->open_file(fiCurrent_);
 }
 
+std::function<bool(const QFileInfo&)>& ContextPreviews::textSniffer() {
+    static std::function<bool(const QFileInfo&)> f = [](const QFileInfo& fi) { return tav::is_text_file(fi); };
+    return f;
+}
+
+int ContextPreviews::sniffText(const QFileInfo& fi) {
+    const QString path = fi.absoluteFilePath();
+    const qint64 modified = fi.lastModified().toMSecsSinceEpoch();
+    if (lastSniff_.path == path && lastSniff_.modified == modified) return lastSniff_.text ? 1 : 0;
+    struct Shared {
+        std::mutex m;
+        std::condition_variable cv;
+        bool done = false;
+        bool text = false;
+    };
+    auto shared = std::make_shared<Shared>();
+    std::weak_ptr<int> alive = alive_;
+    const std::function<bool(const QFileInfo&)> sniffer = textSniffer();
+    tav::XThreadPool::start_global([shared, fi, path, modified, alive, this, sniffer]() {
+        const bool text = sniffer(fi);
+        {
+            std::lock_guard<std::mutex> l(shared->m);
+            shared->done = true;
+            shared->text = text;
+        }
+        shared->cv.notify_all();
+        // When the GUI thread gave up waiting, the answer is shown as it comes.
+        tav::run_in_gui_thread([fi, path, modified, alive, this, text]() {
+            if (alive.expired() || lastSniff_.path == path) return;
+            lastSniff_ = Sniffed{path, modified, text};
+            if (fiCurrent_.absoluteFilePath() == path && text) select_file(fi);
+        });
+    });
+    std::unique_lock<std::mutex> l(shared->m);
+    if (!shared->cv.wait_for(l, std::chrono::milliseconds(kSniffWaitMs), [&]() { return shared->done; })) {
+        log(tav::LOG_TRACE, "ContextPreviews::sniffText, <<<$>>> does not answer: shown as bytes for now", path);
+        return -1;
+    }
+    lastSniff_ = Sniffed{path, modified, shared->text};
+    return shared->text ? 1 : 0;
+}
+
 void ContextPreviews::select_file(const QFileInfo& fi) {
     // A selection shows the entry; it never drags (that takes a mouse gesture, see XDragOut).
     candidates_.clear();
@@ -96,7 +144,7 @@ void ContextPreviews::select_file(const QFileInfo& fi) {
         if (!chosen) {
             chosen = container_->hexPreview();
             if (auto* hex = dynamic_cast<tav::PreviewHex*>(chosen)) hex->set_font_size(cfg().fontSizeHexView);
-            if (tav::is_text_file(fi)) {
+            if (sniffText(fi) == 1) {
                 log(tav::LOG_TRACE, "ContextPreviews::select_file - IS TEXT FILE !");
                 if (tav::Preview* t = container_->textPreview()) chosen = t;
             }

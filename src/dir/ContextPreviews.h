@@ -6,6 +6,8 @@
 #include "base/core/XProp.h"
 
 #include <QFileInfo>
+#include <functional>
+#include <memory>
 #include <QPointer>
 #include <set>
 #include <vector>
@@ -41,12 +43,28 @@ public:
     const std::vector<tav::Preview*>& candidates() const { return candidates_; }
     int currentIndex() const { return index_; }
     const std::set<QString>& sourceTextExtensions() const { return sourceTextExtensions_; }
+    // What decides "looks like text" (the first bytes of the file); tests put a slow one in.
+    static std::function<bool(const QFileInfo&)>& textSniffer();
 
 private:
     // Font and text options before a preview opens the file.
     void prepare(tav::Preview* p);
     // Tells the container's appear listeners and opens the current file.
     bool openIn(tav::Preview* p);
+    // Whether the file's first bytes look like text, read on a pool thread. The
+    // GUI thread waits for that at most kSniffWaitMs (a local file answers in
+    // microseconds); a file that takes longer (a hung network share) is shown as
+    // bytes at once and in the text preview when the answer comes, if it is
+    // still the one selected. 1 text, 0 not, -1 not yet known.
+    int sniffText(const QFileInfo& fi);
+    static constexpr int kSniffWaitMs = 50;
+    struct Sniffed {
+        QString path;
+        qint64 modified = 0;
+        bool text = false;
+    };
+    Sniffed lastSniff_;
+    std::shared_ptr<int> alive_ = std::make_shared<int>(0);
 
     QFileInfo fiCurrent_;
     std::set<QString> sourceTextExtensions_;

@@ -18,6 +18,7 @@
 #include "src/dir/XContainerPreviews.h"
 
 #include <QImage>
+#include <QElapsedTimer>
 #include <QtTest>
 
 using namespace tavFinder;
@@ -74,6 +75,23 @@ private slots:
         // A file without a known extension that looks like text opens as text.
         QCOMPARE(ContextPreviews::currentPreview(), s.container.textPreview());
         QCOMPARE(s.container.currentWidget(), s.container.textPreview()->widget_preview());
+
+        // A file that is slow to answer (a hung share) does not hold the GUI thread: it shows
+        // as bytes at once and as text when its first bytes have come.
+        const QString slow = dir.file(QStringLiteral("SLOWREADME"), "plain words\n");
+        auto& sniffer = ContextPreviews::textSniffer();
+        const auto quick = sniffer;
+        sniffer = [quick](const QFileInfo& fi) {
+            QThread::msleep(400);
+            return quick(fi);
+        };
+        QElapsedTimer t;
+        t.start();
+        s.context.select_file(QFileInfo(slow));
+        QVERIFY2(t.elapsed() < 300, qPrintable(QString::number(t.elapsed())));
+        QCOMPARE(ContextPreviews::currentPreview()->type(), QStringLiteral("PreviewHex"));
+        QTRY_COMPARE(ContextPreviews::currentPreview(), s.container.textPreview());
+        sniffer = quick;
 
         s.context.select_file(QFileInfo(cpp));
         QCOMPARE(types(s.context.candidates()), (QSet<QString>{"PreviewHex", "PreviewAscii"}));   // no XML for sources
