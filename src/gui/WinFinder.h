@@ -286,6 +286,7 @@ public:
     QLineEdit* size2() const { return size2_; }
     tav::XPanelStacked* panelFind() const { return panelFind_; }
     QLabel* labelScan() const { return labelScan_; }
+    QLabel* labelContent() const { return labelContent_; }
     QLabel* labelFileTotals() const { return labelFileTotals_; }
     QLabel* labelFileFilter() const { return labelFileFilter_; }
     QLabel* labelDone() const { return labelDone_; }
@@ -374,6 +375,7 @@ private:
     std::unique_ptr<SearchJob> job_;
     std::vector<FileResult> results_;             // of the running content search, so far
     QLabel* labelScan_ = nullptr;
+    QLabel* labelContent_ = nullptr;   // folders walked and files searched so far
     QLabel* labelFileTotals_ = nullptr;
     QLabel* labelFileFilter_ = nullptr;
     QLabel* labelDone_ = nullptr;

@@ -116,7 +116,8 @@ void WinFinder::setup_panel_find_pages() {
     progressFind_ = content->add(new QProgressBar(content), 1);
     progressFind_->setRange(0, 100);
     progressFind_->setValue(0);
-    content->createLabel(xt("...find contents"));
+    labelContent_ = content->createLabel(xt("...find contents"));
+    labelContent_->setObjectName(QStringLiteral("labelContent"));
 
     // done
     tav::XPanel* done = page(QStringLiteral("pageDone"));
@@ -234,7 +235,10 @@ void WinFinder::start_content_search(const QFileInfo& folder) {
     stateFind = FIND_CONTENT;
     findCancelled_ = false;
     results_.clear();
+    // Busy until the walk has found every file: a share of the files known so far would mislead.
+    progressFind_->setRange(0, 0);
     progressFind_->setValue(0);
+    labelContent_->setText(xt("...find contents"));
     panelFind_->setCurrentIndex(PAGE_CONTENT);
     timer_.stop();
     SearchParams params;
@@ -256,7 +260,11 @@ void WinFinder::on_search_results(std::vector<FileResult>& batch) {
 
 void WinFinder::on_search_progress(const SearchProgress& p) {
     if (stateFind != FIND_CONTENT) return;
-    // 64-bit sums; the bar never runs backwards while the walk adds files.
+    labelContent_->setText(tav::fill(xt("Folders: $, files: $"), tav::format1000(p.folders), tav::format1000(p.filesSearched)) +
+                           QStringLiteral(" — ") + tav::formatBytes(p.bytesRead));
+    if (!p.walkDone) return;
+    if (progressFind_->maximum() == 0) progressFind_->setRange(0, 100);
+    // 64-bit sums; the bar never runs backwards.
     if (p.bytesToRead != 0) {
         const int pct = int(std::min<uint64_t>(100, p.bytesRead * 100 / p.bytesToRead));
         if (pct > progressFind_->value()) progressFind_->setValue(pct);

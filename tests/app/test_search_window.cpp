@@ -521,6 +521,8 @@ void TestSearchWindow::escapeDuringContentSearch() {
     QTest::keyClick(w, Qt::Key_Return);
     QCOMPARE(w->findState(), uint32_t(WinFinder::FIND_CONTENT));
     QTRY_VERIFY(filesDone.load() >= 3);
+    // While the worker is held, the progress page keeps reporting what was walked and searched.
+    QTRY_VERIFY2(w->labelContent()->text().startsWith(QStringLiteral("Folders: 1, files: 3")), qPrintable(w->labelContent()->text()));
     const bool wasRunning = w->tavFind().isRunning();
     QTest::keyClick(w, Qt::Key_Escape);
     const int pageAfterEscape = w->findPage();
