@@ -62,8 +62,9 @@ void SearchJob::start(const SearchParams& params) {
     s.onFileDone = onFileDone;
     run->walk.sPath = params.dir;
     run->walk.flagHiddenFiles = params.hidden;
-    // Workers stat each file through its descriptor once open; the walk stats only for size bounds.
-    run->walk.flagStatFiles = false;
+    // Without it, workers stat each file through its descriptor once open and the walk
+    // stats only for size bounds.
+    run->walk.flagStatFiles = params.statFiles;
     std::weak_ptr<int> alive = alive_;
     std::weak_ptr<Run> weak = run;
     s.addListener([this, alive, weak]() {

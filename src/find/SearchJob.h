@@ -32,6 +32,9 @@ struct SearchParams {
     bool documents = false;           // documents and archives through their text
     tav::extract::Limits limits;
     bool countLines = true;           // off only to measure what counting costs
+    // The walk stats every file, so the bytes to read are known once it ends (a
+    // progress bar needs them); off, each worker stats its file once open (faster).
+    bool statFiles = false;
 };
 
 struct SearchProgress {

@@ -93,7 +93,7 @@ void WinFinder::setup_panel_find_pages() {
 
     // scanning
     tav::XPanel* scan = page(QStringLiteral("pageScan"));
-    scan->createButton(QStringLiteral("Cancel"), [this]() { on_escape_key(); });
+    scan->createButton(xt("Cancel"), [this]() { on_escape_key(); });
     labelScan_ = scan->createLabel(QString());
     labelScan_->setObjectName(QStringLiteral("labelScan"));
     scan->addSpacer();
@@ -112,7 +112,7 @@ void WinFinder::setup_panel_find_pages() {
 
     // content progress
     tav::XPanel* content = page(QStringLiteral("pageContent"));
-    content->createButton(QStringLiteral("Cancel"), [this]() { on_escape_key(); });
+    content->createButton(xt("Cancel"), [this]() { on_escape_key(); });
     progressFind_ = content->add(new QProgressBar(content), 1);
     progressFind_->setRange(0, 100);
     progressFind_->setValue(0);
@@ -247,6 +247,7 @@ void WinFinder::start_content_search(const QFileInfo& folder) {
     params.filter.contentFilter.setScope(comboScope_->selected());
     params.hidden = treeView_->isHiddenFiles();
     params.threads = cfg().countThreads;
+    params.statFiles = true;   // the bar shows a share of all the bytes
     params.documents = buttonDocuments_ && buttonDocuments_->isChecked();
     params.limits.maxOutput = uint64_t(cfg().documentsMaxMemberMB) << 20;
     params.limits.ratioFrom = uint64_t(cfg().documentsRatioFromMB) << 20;
