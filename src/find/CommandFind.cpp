@@ -4,7 +4,7 @@
 //        [--scope File|Paragraph|Sentence]
 //        [--pattern P] [--npattern P] [--textFiles true] [--hidden true]
 //        [--minSize N] [--maxSize N] [--threads N] [--show files|count|hits] [--documents true]
-//        [--maxMemberSize N] [--ratioFrom N] [--maxRatio N]
+//        [--maxMemberSize N] [--ratioFrom N] [--maxRatio N] [--format tsv|csv|json|null] [--maxFiles N]
 // Exit code: 0 something found, 1 nothing found, 2 bad input.
 #include "src/find/CommandFind.h"
 
@@ -14,6 +14,7 @@
 #include "base/log/Logger.h"
 #include "base/text/TextFiles.h"
 #include "base/util/Format.h"
+#include "src/find/ResultExport.h"
 #include "src/find/SearchJob.h"
 #include "src/find/TavFind.h"
 
@@ -34,7 +35,7 @@ const char* kUsage =
     "         [--scope File|Paragraph|Sentence]\n"
     "         [--pattern P] [--npattern P] [--textFiles true] [--hidden true] [--minSize N] [--maxSize N]\n"
     "         [--threads N] [--show files|count|hits] [--documents true]\n"
-    "         [--maxMemberSize N] [--ratioFrom N] [--maxRatio N]";
+    "         [--maxMemberSize N] [--ratioFrom N] [--maxRatio N] [--format tsv|csv|json|null] [--maxFiles N]";
 
 int badInput(const QString& message) {
     tav::Logger::printToCerr(QStringLiteral("find: ") + message);
@@ -94,13 +95,35 @@ bool readSize(const tav::CommandLine& cl, const QString& key, bool& given, uint6
     return true;
 }
 
+// csv, json or null on standard output, in blocks.
+void writeData(const QString& format, const std::vector<const FileResult*>& rows, const exporting::Summary* sum, bool documents) {
+    const exporting::Out out = [](const QByteArray& piece) { write(piece); };
+    if (format == QLatin1String("csv")) {
+        exporting::writeCsv(rows, out);
+    } else if (format == QLatin1String("json")) {
+        exporting::writeJson(rows, sum ? *sum : exporting::Summary(), documents, out);
+    } else {
+        // Each path ends with a NUL byte: names with newlines or tabs stay whole.
+        QByteArray b;
+        for (const FileResult* r : rows) {
+            b += QFile::encodeName(r->displayPath());
+            b += '\0';
+            if (b.size() > kOutBlock) {
+                write(b);
+                b.clear();
+            }
+        }
+        write(b);
+    }
+}
+
 } // namespace
 
 tav::CommandKeys findCommandKeys() {
     return {QStringLiteral("dir=folder"),
             QStringLiteral("find,regex=true|false,wholeWords=true|false,matchCase=true|false,scope=File|Paragraph|Sentence,pattern,npattern,textFiles=true|false,"
                            "hidden=true|false,minSize,maxSize,threads,show=files|count|hits,countLines=true|false,"
-                           "documents=true|false,maxMemberSize,ratioFrom,maxRatio"),
+                           "documents=true|false,maxMemberSize,ratioFrom,maxRatio,format=tsv|csv|json|null,maxFiles"),
             true};
 }
 
@@ -161,6 +184,17 @@ int runFindCommand(tav::CommandLine& cl) {
     if (show != QLatin1String("files") && show != QLatin1String("count") && show != QLatin1String("hits"))
         return badInput(tav::fill("--show must be files, count or hits, not '$'", show));
 
+    // tsv: the lines above; csv, json, null: nothing but the data on standard output.
+    const QString format = cl.getString(QStringLiteral("format"), QStringLiteral("tsv")).trimmed().toLower();
+    if (format != QLatin1String("tsv") && format != QLatin1String("csv") && format != QLatin1String("json") && format != QLatin1String("null"))
+        return badInput(tav::fill("--format must be tsv, csv, json or null, not '$'", format));
+    uint64_t maxFiles = 0;
+    if (cl.hasKey(QStringLiteral("maxFiles"))) {
+        bool ok = false;
+        maxFiles = cl.getString(QStringLiteral("maxFiles")).toULongLong(&ok);
+        if (!ok || maxFiles == 0) return badInput(QStringLiteral("--maxFiles takes a number of files from 1"));
+    }
+
     tav::find::XFilter filter;
     filter.fileFilter.setPattern(cl.getString(QStringLiteral("pattern")), false);
     filter.fileFilter.setPattern(cl.getString(QStringLiteral("npattern")), true);
@@ -191,15 +225,27 @@ int runFindCommand(tav::CommandLine& cl) {
         scan.scan_dir(dir, &filter.fileFilter);
         // A listing is printed by path.
         const tav::XFindStats stats = scan.setup_filtered_files(filter.fileFilter, true);
+        std::vector<QFileInfo*> listed = scan.ar_filtered_files;
+        if (maxFiles && listed.size() > maxFiles) listed.resize(size_t(maxFiles));
+        const QByteArray summary = tav::fill("files: total:$, files match:$", tav::format1000(stats.countFiles.load()),
+                                             tav::format1000(stats.countMatch.load()))
+                                       .toUtf8() +
+                                   '\n';
         QByteArray out;
-        if (show != QLatin1String("count")) {
-            for (QFileInfo* fi : scan.ar_filtered_files) out += QFile::encodeName(fi->absoluteFilePath()) + '\n';
+        if (format == QLatin1String("tsv")) {
+            if (show != QLatin1String("count")) {
+                for (QFileInfo* fi : listed) out += QFile::encodeName(fi->absoluteFilePath()) + '\n';
+            }
+            write(out + summary);
+        } else {
+            std::vector<FileResult> files;
+            files.reserve(listed.size());
+            for (QFileInfo* fi : listed) files.emplace_back(tav::find::XRamLayer(), *fi);
+            std::vector<const FileResult*> rows;
+            for (const FileResult& r : files) rows.push_back(&r);
+            writeData(format, rows, nullptr, false);
+            std::fwrite(summary.constData(), 1, size_t(summary.size()), stderr);
         }
-        out += tav::fill("files: total:$, files match:$", tav::format1000(stats.countFiles.load()),
-                         tav::format1000(stats.countMatch.load()))
-                   .toUtf8() +
-               '\n';
-        write(out);
         reportUnreadable(scan);
         return stats.countMatch.load() > 0 ? 0 : 1;
     }
@@ -225,6 +271,7 @@ int runFindCommand(tav::CommandLine& cl) {
     params.documents = documents;
     params.limits = limits;
     params.countLines = countLines;
+    params.maxFiles = maxFiles;
     job.start(params);
     sink.loop.exec();
     TavFind& search = job.search();
@@ -247,7 +294,28 @@ int runFindCommand(tav::CommandLine& cl) {
         if (a.hits != b.hits) return a.hits > b.hits;
         return a.path < b.path;
     });
-    if (show == QLatin1String("files")) {
+    const QByteArray summaryLine = tav::fill("files-total:$ => $, files-match:$, match-total:$ - $ sec",
+                                             tav::format1000(uint64_t(search.countTextFiles())), tav::formatBytes(search.getBytesToRead()),
+                                             tav::format1000(uint64_t(search.countResults())), tav::format1000(search.countHits()),
+                                             tav::formatMicrosecond_as_Sec(tav::getMicroseconds() - timeStart))
+                                       .toUtf8() +
+                                   '\n';
+    if (format != QLatin1String("tsv")) {
+        std::vector<const FileResult*> ptrs;
+        ptrs.reserve(rows.size());
+        for (const Row& r : rows) ptrs.push_back(r.result);
+        exporting::Summary sum;
+        sum.folder = dir;
+        sum.query = cl.getString(QStringLiteral("find"));
+        sum.filesSearched = uint64_t(search.countTextFiles());
+        sum.bytes = search.getBytesToRead();
+        sum.filesMatched = uint64_t(search.countResults());
+        sum.hits = search.countHits();
+        sum.seconds = double(tav::getMicroseconds() - timeStart) / 1e6;
+        sum.stoppedAfter = search.limitReached() ? maxFiles : 0;
+        writeData(format, ptrs, &sum, documents);
+        std::fwrite(summaryLine.constData(), 1, size_t(summaryLine.size()), stderr);
+    } else if (show == QLatin1String("files")) {
         for (const Row& r : rows) out.append(QByteArray::number(qulonglong(r.hits))).append('\t').append(r.path).append('\n');
     } else if (show == QLatin1String("hits")) {
         // One line per hit: appended in place and written out in blocks, so a
@@ -272,18 +340,17 @@ int runFindCommand(tav::CommandLine& cl) {
             }
         }
     }
-    out += tav::fill("files-total:$ => $, files-match:$, match-total:$ - $ sec",
-                     tav::format1000(uint64_t(search.countTextFiles())), tav::formatBytes(search.getBytesToRead()),
-                     tav::format1000(uint64_t(search.countResults())), tav::format1000(search.countHits()),
-                     tav::formatMicrosecond_as_Sec(tav::getMicroseconds() - timeStart))
-               .toUtf8() +
-           '\n';
-    if (show == QLatin1String("count")) {
+    if (format == QLatin1String("tsv")) out += summaryLine;
+    if (show == QLatin1String("count") && format == QLatin1String("tsv")) {
         const tav::XFindStats w = search.workerStats();
         out += tav::fill("lines:$, bytes:$", w.countLines.load(), w.countBytes.load()).toUtf8() + '\n';
     }
     write(out);
     reportUnreadable(scan, &search);
+    if (search.limitReached()) {
+        const QByteArray err = tav::fill("find: stopped after $ files with hits", tav::format1000(maxFiles)).toUtf8() + '\n';
+        std::fwrite(err.constData(), 1, size_t(err.size()), stderr);
+    }
     if (const uint64_t incomplete = search.countIncomplete.load()) {
         const QByteArray err = tav::fill("find: $ files could not be searched completely", tav::format1000(incomplete)).toUtf8() + '\n';
         std::fwrite(err.constData(), 1, size_t(err.size()), stderr);

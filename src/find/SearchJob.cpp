@@ -57,6 +57,7 @@ void SearchJob::start(const SearchParams& params) {
     s.flagCountLines = params.countLines;
     s.flagDocuments = params.documents;
     s.extractLimits = params.limits;
+    s.maxResults = params.maxFiles;
     s.request.sPath = params.dir;
     s.setContentFilter(params.filter.contentFilter);
     s.onFileDone = onFileDone;
@@ -78,7 +79,9 @@ void SearchJob::start(const SearchParams& params) {
     tav::XThreadPool::start_global([run]() {
         run->walk.scan_dir_feed(run->params.dir, run->params.filter.fileFilter,
                                 [&run](const std::vector<QFileInfo*>& files, const std::vector<int64_t>& sizes) {
-                                    run->search.feedFiles(files, sizes);
+                                    // A search that has its files already needs no more walking.
+                                    if (run->search.limitReached()) run->walk.flagStop = true;
+                                    else run->search.feedFiles(files, sizes);
                                 });
         run->search.endFeed();
         run->walkDone = true;

@@ -35,6 +35,7 @@ struct SearchParams {
     // The walk stats every file, so the bytes to read are known once it ends (a
     // progress bar needs them); off, each worker stats its file once open (faster).
     bool statFiles = false;
+    uint64_t maxFiles = 0;            // stop after this many files with hits (0: all)
 };
 
 struct SearchProgress {

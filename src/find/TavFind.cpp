@@ -154,6 +154,8 @@ void TavFind::queueStart() {
 
 void TavFind::startNow() {
     countIncomplete = 0;
+    admitted_ = 0;
+    limitReached_ = false;
     countUnreadable_ = 0;
     {
         std::lock_guard<std::mutex> l(mutexUnreadable_);
@@ -206,6 +208,19 @@ void TavFind::noteUnreadable(const QString& path) {
     countUnreadable_.fetch_add(1);
     std::lock_guard<std::mutex> l(mutexUnreadable_);
     if (unreadable_.size() < kUnreadableListed) unreadable_ << path;
+}
+
+bool TavFind::admitResult() {
+    if (maxResults == 0) return true;
+    const uint64_t n = admitted_.fetch_add(1) + 1;
+    if (n > maxResults) return false;
+    if (n == maxResults) {
+        limitReached_ = true;
+        tav::log(tav::LOG_TRACE, "TavFind::admitResult, stopped after $ files", maxResults);
+        pController->setRunning(false);
+        wakeWaitingWorkers();
+    }
+    return true;
 }
 
 size_t TavFind::workerCount() const { return pController->arThreads.size(); }

@@ -52,6 +52,10 @@ public:
     // (off: every file as its own bytes).
     bool flagDocuments = false;
     tav::extract::Limits extractLimits;
+    // Stop once this many files (or members) with hits are found (0: no limit);
+    // later finds of workers still busy are dropped.
+    uint64_t maxResults = 0;
+    bool limitReached() const { return limitReached_.load(); }
     // Files whose text could not be read completely (corrupt, encrypted, cut, too deep).
     std::atomic<uint64_t> countIncomplete{0};
     // Called by a worker after each file it took (tests hold a worker here to
@@ -139,6 +143,8 @@ public:
     void workerEnded();
     // Called by the controller when all workers have ended (posts to the GUI thread).
     void notifyDone();
+    // A worker's find: kept, or dropped past maxResults (the search then stops).
+    bool admitResult();
 
 private:
     tav::XEventListener<Listener> listeners;
@@ -166,6 +172,8 @@ private:
     void wakeWaitingWorkers();
     std::shared_ptr<int> alive_;
     std::atomic<size_t> countFiles_{0};
+    std::atomic<uint64_t> admitted_{0};
+    std::atomic<bool> limitReached_{false};
 };
 
 } // namespace tavFinder

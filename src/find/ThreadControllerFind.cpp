@@ -33,6 +33,7 @@ void ThreadControllerFind::ini(TavFind* p) {
 }
 
 void ThreadControllerFind::addResult(FileResult&& r) {
+    if (pTavFind && !pTavFind->admitResult()) return;
     const uint64_t hits = uint64_t(r.layer.size());
     std::lock_guard<std::mutex> l(mutexResults);
     pending.push_back(std::move(r));

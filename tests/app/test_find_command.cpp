@@ -1,5 +1,8 @@
 #include "common/TestEnv.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QtTest>
 
 namespace {
@@ -127,6 +130,70 @@ private slots:
             QStringLiteral("find: cannot use '(mutex | lock': character 1: unbalanced parenthesis")));
         QVERIFY(run({"--dir", d.path(), "--find", "-test"}).err.contains(QStringLiteral("character 1: nothing to find: only excluded terms")));
         QVERIFY(run({"--dir", d.path(), "--find", "x", "--wholeWords", "sometimes"}).err.contains(QStringLiteral("--wholeWords")));
+    }
+
+    void formatsForOtherPrograms() {
+        tftest::TestDir f;
+        f.file(QStringLiteral("a.txt"), "one needle here\nno\nneedle, \"quoted\" needle\n");
+        f.file(QStringLiteral("sub/we,ird \"name\".txt"), "x\tneedle\n");
+        f.file(QStringLiteral("sub/new\nline.txt"), QByteArray(600, 'y') + "needle" + QByteArray(10, 'z') + "\n");
+        const auto raw = [&](const QStringList& extra, QString* err = nullptr) {
+            QProcess p;
+            p.setProcessEnvironment(env.processEnvironment(false));
+            p.start(tftest::TestEnv::programPath(), QStringList{"find", "--dir", f.path(), "--find", "needle"} + extra);
+            p.waitForFinished(60000);
+            if (err) *err = QString::fromUtf8(p.readAllStandardError());
+            return p.readAllStandardOutput();
+        };
+        // CSV (RFC 4180): a header, then one row per file; fields with commas, quotes or line ends quoted.
+        QString err;
+        const QByteArray csv = raw({"--format", "csv"}, &err);
+        QVERIFY(csv.startsWith("path,name,folder,size,date,hits\r\n"));
+        QVERIFY2(csv.contains("\"" + f.abs("sub/we,ird \"name\".txt").toUtf8().replace("\"", "\"\"") + "\",\"we,ird \"\"name\"\".txt\"," +
+                              f.abs("sub").toUtf8() + ",9,"),
+                 csv.constData());
+        QVERIFY(csv.contains("\"" + f.abs("sub/new\nline.txt").toUtf8() + "\""));
+        QVERIFY(csv.contains(",3\r\n"));
+        QVERIFY(err.contains("files-total:3"));   // the summary goes to standard error
+        QVERIFY(!csv.contains("files-total"));
+
+        // JSON: every hit with its line, column, offset, length and line text (cut at 500 bytes).
+        const QJsonObject json = QJsonDocument::fromJson(raw({"--format", "json"})).object();
+        const QJsonArray files = json.value("files").toArray();
+        QCOMPARE(files.size(), 3);
+        QCOMPARE(json.value("summary").toObject().value("hits").toInt(), 5);
+        for (const QJsonValue v : files) {
+            const QJsonObject file = v.toObject();
+            const QJsonArray hits = file.value("hits").toArray();
+            if (file.value("path").toString() == f.abs("a.txt")) {
+                QCOMPARE(hits.size(), 3);
+                const QJsonObject third = hits.at(2).toObject();
+                QCOMPARE(third.value("line").toInt(), 3);
+                QCOMPARE(third.value("column").toInt(), 18);
+                QCOMPARE(third.value("offset").toInt(), 36);
+                QCOMPARE(third.value("length").toInt(), 6);
+                QCOMPARE(third.value("text").toString(), QStringLiteral("needle, \"quoted\" needle"));
+                QCOMPARE(file.value("size").toInt(), 43);
+            } else if (file.value("path").toString() == f.abs("sub/new\nline.txt")) {
+                QCOMPARE(hits.at(0).toObject().value("column").toInt(), 601);
+                QCOMPARE(hits.at(0).toObject().value("text").toString(), QString(500, 'y'));
+            } else {
+                QCOMPARE(file.value("path").toString(), f.abs("sub/we,ird \"name\".txt"));
+                QCOMPARE(hits.at(0).toObject().value("text").toString(), QStringLiteral("x\tneedle"));
+            }
+        }
+
+        // NUL after each path: a name with a newline stays whole.
+        QList<QByteArray> paths = raw({"--format", "null"}).split('\0');
+        QCOMPARE(paths.takeLast(), QByteArray());
+        QCOMPARE(paths.size(), 3);
+        QVERIFY(paths.contains(f.abs("sub/new\nline.txt").toUtf8()));
+
+        // Stop early: exactly N files, and the summary says so.
+        const QByteArray two = raw({"--maxFiles", "2", "--format", "null"}, &err);
+        QCOMPARE(two.count('\0'), 2);
+        QVERIFY2(err.contains("find: stopped after 2 files with hits"), qPrintable(err));
+        QVERIFY(run({"--dir", f.path(), "--find", "needle", "--format", "xml"}).err.contains("--format must be tsv, csv, json or null"));
     }
 };
 
