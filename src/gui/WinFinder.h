@@ -194,6 +194,11 @@ public:
     // Menu and double click of a hit file in the results panel.
     void on_contextMenu_fileResult(const FileResult& fr);
     void on_open_fileResult(const FileResult& fr);
+    // "Export...": asks for a file and writes the shown results to it.
+    void on_export_results();
+    // Writes the results as the table shows them to 'path' (CSV, JSON or HTML by its
+    // ending) on a pool thread, whole and atomically; 'done' on the GUI thread.
+    void export_results(const QString& path, std::function<void(bool ok, const QString& message)> done);
     uint32_t findState() const { return stateFind; }
     int findPage() const;
     const tav::find::XFilter& currentFilter() const { return filterCurrent; }

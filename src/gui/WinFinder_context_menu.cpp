@@ -109,6 +109,8 @@ void WinFinder::fill_contextMenu_FileResults(tav::XMenu& menu, const FileResult&
     Q_UNUSED(filter);
     // "View" opens the details window as a double click does (a member with its own text).
     fill_contextMenu(menu, fi, nullptr, false, [this, fileResult]() { on_open_fileResult(fileResult); });
+    menu.addSeparator();
+    menu.createAction(xt("Export..."), [this]() { on_export_results(); }, QIcon(), xt("Write the results as CSV, JSON or an HTML report"));
     if (!fileResult.isMember()) return;
     // A member lives inside its archive: what would act on it as a file of its own is off;
     // the file manager and the copied path take the archive.

@@ -1,5 +1,6 @@
 // The search of the main window: folder and filter, the directory scan in the
 // background, the content search, the progress pages and the results.
+#include "base/io/XFileIO.h"
 #include "base/log/Logger.h"
 #include "base/thread/XThread.h"
 #include "base/util/Format.h"
@@ -12,8 +13,10 @@
 #include "gui/widgets/XTreeViewFiles.h"
 #include "gui/widgets/XTypedComboBox.h"
 #include "src/dir/XContainerPreviews.h"
+#include "src/find/ResultExport.h"
 #include "src/find/SearchJob.h"
 #include "src/find/TavFind.h"
+#include "src/gui/FileResultModel.h"
 #include "src/gui/PanelResults.h"
 #include "src/gui/ThreadScanDir.h"
 #include "src/gui/apps/Terminal.h"
@@ -23,6 +26,8 @@
 #include "src/gui/ExpressionError.h"
 #include "src/gui/config/ConfigTavFinder.h"
 
+#include <QDir>
+#include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
@@ -125,6 +130,9 @@ void WinFinder::setup_panel_find_pages() {
     buttonResultsDone_ = done->createButton(xt("Results"), [this]() {
         show_results_panel("WinFinder::setup_panel_findContents_result, Content Find Results");
     });
+    QPushButton* exportButton = done->createButton(xt("Export..."), [this]() { on_export_results(); });
+    exportButton->setObjectName(QStringLiteral("buttonExport"));
+    exportButton->setToolTip(xt("Write the results as CSV, JSON or an HTML report"));
     labelDone_ = done->createLabel(QString());
     labelDone_->setObjectName(QStringLiteral("labelDone"));
     done->addSpacer();
@@ -385,6 +393,55 @@ void WinFinder::on_escape_key() {
     timer_.stop();
     if (panelFind_) panelFind_->setCurrentIndex(PAGE_FILTER);
     if (fi.exists()) on_treeView_selectFile(fi);
+}
+
+void WinFinder::on_export_results() {
+    if (!findResults_ || findResults_->model()->rowCount() == 0 || !findResults_->flagContent) {
+        set_status_text(xt("No results to export"));
+        return;
+    }
+    const QString suggested = QDir::home().filePath(QStringLiteral("talvofinder-results.csv"));
+    const QString path = QFileDialog::getSaveFileName(this, xt("Export..."), suggested,
+                                                      QStringLiteral("CSV (*.csv);;JSON (*.json);;HTML (*.html)"));
+    if (path.isEmpty()) return;
+    export_results(path, [this](bool, const QString& message) { set_status_text(message); });
+}
+
+void WinFinder::export_results(const QString& path, std::function<void(bool, const QString&)> done) {
+    // A copy in the table's order: the table may change while the pool thread writes.
+    auto rows = std::make_shared<std::vector<FileResult>>(findResults_->model()->fileResults());
+    exporting::Summary sum;
+    TavFind& f = tavFind();
+    sum.folder = job_->params().dir;
+    sum.query = f.contentFilter().text();
+    sum.filesSearched = uint64_t(f.countTextFiles());
+    sum.bytes = f.getBytesToRead();
+    sum.filesMatched = uint64_t(rows->size());
+    for (const FileResult& r : *rows) sum.hits += uint64_t(r.layer.size());
+    const bool documents = findResults_->documentsMode();
+    const QString lower = path.toLower();
+    const int kind = lower.endsWith(QLatin1String(".json")) ? 1 : lower.endsWith(QLatin1String(".html")) || lower.endsWith(QLatin1String(".htm")) ? 2 : 0;
+    log(tav::LOG_NAVIGATION, "WinFinder::export_results, $ files to <<<$>>>", quint64(rows->size()), path);
+    QPointer<WinFinder> self(this);
+    tav::XThreadPool::start_global([rows, sum, documents, kind, path, self, done]() {
+        std::vector<const FileResult*> ptrs;
+        ptrs.reserve(rows->size());
+        for (const FileResult& r : *rows) ptrs.push_back(&r);
+        QByteArray data;
+        const exporting::Out out = [&data](const QByteArray& piece) { data += piece; };
+        if (kind == 1) exporting::writeJson(ptrs, sum, documents, out);
+        else if (kind == 2) exporting::writeHtml(ptrs, sum, documents, out);
+        else exporting::writeCsv(ptrs, out);
+        QString error;
+        const bool ok = tav::writeFileAtomic(path, data, &error);
+        if (!ok) log(tav::LOG_ERROR, "WinFinder::export_results, cannot write <<<$>>>: $", path, error);
+        const quint64 count = quint64(rows->size());
+        tav::run_in_gui_thread([self, done, ok, path, error, count]() {
+            const QString message = ok ? tav::fill(xt("Exported $ files to $"), tav::format1000(count), path)
+                                       : tav::fill(xt("Cannot write $: $"), path, error);
+            if (self && done) done(ok, message);
+        });
+    });
 }
 
 void WinFinder::on_contextMenu_fileResult(const FileResult& fr) {

@@ -178,13 +178,13 @@ private slots:
         QVERIFY(filter.createSymbols(QStringLiteral("other"), false));
         tav::XMenu m;
         win->fill_contextMenu_FileResults(m, FileResult(layer, file), filter);
-        // The file menu of a file, the same as beside the tree.
+        // The file menu of a file, the same as beside the tree, and the export of all results.
         tav::XMenu plain;
         win->fill_contextMenu(plain, file, nullptr, false);
-        QCOMPARE(entries(m), entries(plain));
+        QCOMPARE(entries(m), entries(plain) << QStringLiteral("Export..."));
         QCOMPARE(entries(m), QStringList({"View", "View with ...", "Tree", "Open with ...", "Open With Default Program", "Window",
                                           "File Manager", "Terminal", "Copy Path to Clipboard", "Copy Filename to Clipboard",
-                                          "Web Search", "Add Bookmark", "Properties"}));
+                                          "Web Search", "Add Bookmark", "Properties", "Export..."}));
         // Rename and delete when the program may change files.
         cfg().flag_tf_read_only = false;
         {

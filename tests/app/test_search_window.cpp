@@ -42,6 +42,9 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QToolButton>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QtTest>
 
 using tavFinder::WinFinder;
@@ -360,6 +363,47 @@ void TestSearchWindow::contentSearchEndToEnd() {
     windowRows.sort();
     printed.sort();
     QCOMPARE(printed, windowRows);
+
+    // Export: the table's rows in its order, as CSV, JSON with every hit, or an HTML report, written whole.
+    tftest::TestDir out;
+    const auto exportTo = [&](const QString& name, bool* okOut) {
+        bool finished = false;
+        QString message;
+        w->export_results(out.abs(name), [&](bool ok, const QString& m) {
+            finished = true;
+            *okOut = ok;
+            message = m;
+        });
+        if (!QTest::qWaitFor([&]() { return finished; }, 20000)) return QStringLiteral("timeout");
+        return message;
+    };
+    bool ok = false;
+    QCOMPARE(exportTo("r.csv", &ok), QStringLiteral("Exported 3 files to ") + out.abs("r.csv"));
+    QVERIFY(ok);
+    QFile csv(out.abs("r.csv"));
+    QVERIFY(csv.open(QIODevice::ReadOnly));
+    const QList<QByteArray> csvLines = csv.readAll().split('\n');
+    QCOMPARE(csvLines.value(0), QByteArray("path,name,folder,size,date,hits\r"));
+    QVERIFY2(csvLines.value(1).startsWith(abs("docs/sub/most.log").toUtf8() + ",most.log," + abs("docs/sub").toUtf8() + ","), csvLines.value(1).constData());
+    QVERIFY(csvLines.value(1).endsWith(",5\r"));
+    exportTo("r.json", &ok);
+    QFile json(out.abs("r.json"));
+    QVERIFY(json.open(QIODevice::ReadOnly));
+    const QJsonObject j = QJsonDocument::fromJson(json.readAll()).object();
+    int jsonHits = 0;
+    for (const QJsonValue f : j.value("files").toArray()) jsonHits += f.toObject().value("hits").toArray().size();
+    QCOMPARE(jsonHits, 9);
+    QCOMPARE(j.value("summary").toObject().value("query").toString(), QStringLiteral("needle"));
+    exportTo("r.html", &ok);
+    QFile report(out.abs("r.html"));
+    QVERIFY(report.open(QIODevice::ReadOnly));
+    const QByteArray html = report.readAll();
+    QVERIFY(html.contains("<mark>needle</mark>") && html.contains(abs("docs/one.txt").toUtf8()) && html.endsWith("</html>\n"));
+    // A place that cannot be written says so and leaves nothing behind.
+    out.file("plain", "a file, not a folder");
+    QVERIFY(exportTo("plain/r.csv", &ok).startsWith(QStringLiteral("Cannot write ") + out.abs("plain/r.csv")));
+    QVERIFY(!ok);
+    QVERIFY(!QFileInfo::exists(out.abs("plain/r.csv")));
     QCOMPARE(m->data(m->index(0, 4)).toString(), abs("docs/sub"));
     QVERIFY(!panel->tableResult()->isColumnHidden(3));
     QCOMPARE(panel->tableResult()->currentRow(), 0);
