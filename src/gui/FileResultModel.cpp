@@ -80,6 +80,59 @@ void FileResultModel::setFileResults(std::vector<FileResult>&& ar) {
     ar.clear();
 }
 
+void FileResultModel::addFileResults(std::vector<FileResult>& batch, int column, bool ascending) {
+    if (batch.empty()) return;
+    basicMode = false;
+    arFileResults.reserve(arFileResults.size() + batch.size());
+    for (FileResult& r : batch) arFileResults.push_back(std::move(r));
+    batch.clear();
+    setRowCount(int(arFileResults.size()));   // the views hear of the new rows at the end
+    if (column < 0) return;
+    // The new order, stable: results with equal keys keep the order they came in.
+    const size_t n = arFileResults.size();
+    std::vector<size_t> order(n);
+    for (size_t i = 0; i < n; ++i) order[i] = i;
+    const auto sortBy = [&](auto keyOf) {
+        using Key = decltype(keyOf(arFileResults.front()));
+        std::vector<Key> keys;
+        keys.reserve(n);
+        for (const FileResult& r : arFileResults) keys.push_back(keyOf(r));
+        if (ascending) std::stable_sort(order.begin(), order.end(), [&](size_t a, size_t b) { return keys[a] < keys[b]; });
+        else std::stable_sort(order.begin(), order.end(), [&](size_t a, size_t b) { return keys[b] < keys[a]; });
+    };
+    switch (column) {
+    case COL_HITS: sortBy([](const FileResult& r) { return int64_t(r.layer.size()); }); break;
+    case COL_SIZE: sortBy([](const FileResult& r) { return r.size >= 0 ? r.size : int64_t(r.fileInfo.size()); }); break;
+    case COL_DATE: sortBy([](const FileResult& r) { return r.fileInfo.lastModified().toMSecsSinceEpoch(); }); break;
+    case COL_NAME:
+    case COL_PATH:
+        sortBy([column](const FileResult& r) {
+            const QString shown = r.displayPath();
+            return NaturalKey{column == COL_NAME ? shown.mid(shown.lastIndexOf(QLatin1Char('/')) + 1) : shown};
+        });
+        break;
+    default: return;
+    }
+    bool same = true;
+    for (size_t i = 0; i < n && same; ++i) same = order[i] == i;
+    if (same) return;
+    emit layoutAboutToBeChanged();
+    std::vector<FileResult> sorted;
+    sorted.reserve(n);
+    std::vector<int> newRowOf(n);
+    for (size_t i = 0; i < n; ++i) {
+        sorted.push_back(std::move(arFileResults[order[i]]));
+        newRowOf[order[i]] = int(i);
+    }
+    arFileResults = std::move(sorted);
+    const QModelIndexList from = persistentIndexList();
+    QModelIndexList to;
+    to.reserve(from.size());
+    for (const QModelIndex& i : from) to << index(i.row() >= 0 && size_t(i.row()) < n ? newRowOf[size_t(i.row())] : i.row(), i.column());
+    changePersistentIndexList(from, to);
+    emit layoutChanged();
+}
+
 void FileResultModel::setFiles(std::vector<QFileInfo>&& ar) {
     basicMode = true;
     arFiles = std::move(ar);

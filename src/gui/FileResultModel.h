@@ -22,6 +22,10 @@ public:
     // Take the vector over (the caller's vector is left empty).
     void setFileResults(std::vector<FileResult>&& ar);
     void setFiles(std::vector<QFileInfo>&& ar);
+    // Results that arrive while a search runs: added in the order of the given
+    // sort (column < 0: at the end), selections and the current row following
+    // their results. The batch is left empty.
+    void addFileResults(std::vector<FileResult>& batch, int column, bool ascending);
     bool isBasicMode() const { return basicMode; }
 
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;

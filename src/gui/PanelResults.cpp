@@ -28,6 +28,7 @@
 #include <QFile>
 #include <QKeyEvent>
 #include <QHeaderView>
+#include <QScrollBar>
 #include <QStyle>
 
 #include <algorithm>
@@ -204,6 +205,36 @@ void PanelResults::setFileResults(std::vector<FileResult>& ar) {
     tableResult_->setColumnHidden(FileResultModel::COL_HITS, false);
     fitColumns();
     tableResult_->setSortColum(FileResultModel::COL_HITS, 1);
+}
+
+void PanelResults::beginLiveResults(bool documents) {
+    std::vector<FileResult> none;
+    setFileResults(none);
+    documents_ = documents;
+}
+
+void PanelResults::addFileResults(std::vector<FileResult>& batch) {
+    if (batch.empty()) return;
+    // The table's sort: the user's, or most hits first.
+    const int column = sortColumn_ < 0 ? int(FileResultModel::COL_HITS) : sortColumn_;
+    const bool ascending = sortColumn_ < 0 ? false : sortAscending_;
+    const QModelIndex current = tableResult_->currentIndex();
+    const int rowBefore = current.isValid() ? current.row() : -1;
+    model_->addFileResults(batch, column, ascending);
+    // Rows sorted in above the current one push it down: the view follows, so it stays put on screen.
+    const QModelIndex now = tableResult_->currentIndex();
+    if (rowBefore >= 0 && now.isValid() && now.row() != rowBefore) {
+        QScrollBar* bar = tableResult_->verticalScrollBar();
+        const int value = bar->value() + (now.row() - rowBefore);
+        tableResult_->doItemsLayout();   // the bar's range must know the new rows now, not at the next paint
+        bar->setValue(value);
+    }
+    fitColumns();
+}
+
+void PanelResults::endLiveResults() {
+    fitColumns();
+    if (!tableResult_->currentIndex().isValid() && model_->rowCount() > 0) tableResult_->selectRow(0, true);
 }
 
 void PanelResults::setFileResultsSimple(std::vector<QFileInfo>& ar) {

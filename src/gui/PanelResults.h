@@ -41,6 +41,12 @@ public:
 
     // Hits of a content search, most hits first (the vector is moved out).
     void setFileResults(std::vector<FileResult>& ar);
+    // A search whose results arrive while it runs: an empty table in hits mode,
+    // then each batch in the table's sort, the current row kept where it is on screen.
+    void beginLiveResults(bool documents);
+    void addFileResults(std::vector<FileResult>& batch);
+    // The search is over: the columns fitted, the first row chosen unless the user chose one.
+    void endLiveResults();
     // Files of a file-only search, by path (the vector is moved out).
     void setFileResultsSimple(std::vector<QFileInfo>& ar);
     // The HTML summary of a file-only search.

@@ -378,7 +378,6 @@ private:
     std::unique_ptr<ThreadScanDir> thScanDir;
     std::unique_ptr<SearchSink> searchSink_;
     std::unique_ptr<SearchJob> job_;
-    std::vector<FileResult> results_;             // of the running content search, so far
     QLabel* labelScan_ = nullptr;
     QLabel* labelContent_ = nullptr;   // folders walked and files searched so far
     QLabel* labelFileTotals_ = nullptr;

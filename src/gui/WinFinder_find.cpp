@@ -242,7 +242,8 @@ void WinFinder::start_content_search(const QFileInfo& folder) {
     if (filterCurrent.has_pattern(true)) comboNotPattern_->add_to_history(filterCurrent.pattern(true));
     stateFind = FIND_CONTENT;
     findCancelled_ = false;
-    results_.clear();
+    // Rows come into the table while the search runs.
+    findResults_->beginLiveResults(buttonDocuments_ && buttonDocuments_->isChecked());
     // Busy until the walk has found every file: a share of the files known so far would mislead.
     progressFind_->setRange(0, 0);
     progressFind_->setValue(0);
@@ -264,7 +265,10 @@ void WinFinder::start_content_search(const QFileInfo& folder) {
 }
 
 void WinFinder::on_search_results(std::vector<FileResult>& batch) {
-    results_.insert(results_.end(), std::make_move_iterator(batch.begin()), std::make_move_iterator(batch.end()));
+    if (batch.empty()) return;
+    // The first rows bring the table into view; later ones join it in its order.
+    if (findResults_->model()->rowCount() == 0) show_results_panel(nullptr);
+    findResults_->addFileResults(batch);
 }
 
 void WinFinder::on_search_progress(const SearchProgress& p) {
@@ -366,13 +370,10 @@ void WinFinder::on_search_done(bool cancelledByJob, const QStringList& unreadabl
         tav::qt::run_in_Gui_Thread([label, text]() {
             if (label) label->setText(text);
         });
-        findResults_->setDocumentsMode(pTavFind->flagDocuments);
-        findResults_->setFileResults(results_);
-        results_.clear();
         show_results_panel(nullptr);
         stateFind = FIND_DONE;
         panelFind_->setCurrentIndex(PAGE_DONE);
-        findResults_->tableResult()->selectRow(0, true);
+        findResults_->endLiveResults();
         findResults_->tableResult()->setFocus();   // Up / Down go through the results at once
     } else {
         log(tav::LOG_TRACE, "WinFinder_find::on_find_done - nothing found");

@@ -19,6 +19,7 @@
 #include "base/util/NaturalCompare.h"
 
 #include <QHeaderView>
+#include <QScrollBar>
 #include <QtTest>
 
 using tavFinder::FileResult;
@@ -61,6 +62,7 @@ private slots:
     void basicModeSortingAndAccessors();
     void panelSortsAndHidesHits();
     void headerClicksToggleTheOrder();
+    void liveBatchesKeepSortAndSelection();
     void summaryOfAFileOnlySearch();
 };
 
@@ -270,6 +272,48 @@ void TestResultModel::headerClicksToggleTheOrder() {
     QStringList words{"file10", "File2", "file1", "b", "A", "a", "file02"};
     std::sort(words.begin(), words.end(), tav::naturalLess);
     QCOMPARE(words, (QStringList{"A", "a", "b", "file1", "File2", "file02", "file10"}));
+}
+
+void TestResultModel::liveBatchesKeepSortAndSelection() {
+    PanelResults panel;
+    panel.resize(900, 200);
+    panel.show();
+    tav::XTableViewClassic* t = panel.tableResult();
+    panel.beginLiveResults(false);
+    QCOMPARE(panel.model()->rowCount(), 0);
+    std::vector<FileResult> first{result(p("x/beta.txt"), 2), result(p("y/gamma.txt"), 9)};
+    panel.addFileResults(first);
+    QVERIFY(first.empty());
+    QCOMPARE(column(*panel.model(), 3), (QStringList{"9", "2"}));   // most hits first, as the table shows
+    // The user picks a row; rows that sort in above it do not take its place on screen.
+    t->selectRow(1, false);
+    QCOMPARE(panel.model()->fromRow(t->currentRow()).fileName(), QStringLiteral("beta.txt"));
+    std::vector<FileResult> more;
+    for (int i = 0; i < 40; ++i) more.push_back(result(p("y/a.txt"), 100 + i));
+    for (int i = 0; i < 40; ++i) more.push_back(result(p("x/Alpha.txt"), 1));
+    const int scrollBefore = t->verticalScrollBar()->value();
+    const int yBefore = t->rowViewportPosition(t->currentRow());
+    panel.addFileResults(more);
+    QCOMPARE(panel.model()->rowCount(), 82);
+    QCOMPARE(panel.model()->fromRow(t->currentRow()).fileName(), QStringLiteral("beta.txt"));
+    QCOMPARE(t->currentRow(), 41);
+    QCOMPARE(t->verticalScrollBar()->value(), scrollBefore + 40);
+    QCOMPARE(t->rowViewportPosition(t->currentRow()), yBefore);
+    QStringList hits = column(*panel.model(), 3);
+    QCOMPARE(hits.first(), QStringLiteral("139"));
+    QCOMPARE(hits.mid(40, 3), (QStringList{"9", "2", "1"}));
+    // The user's own sort holds for later batches: names A to Z after a click on "Name".
+    panel.onTableHeaderSelected(FileResultModel::COL_NAME);
+    t->selectRow(names(*panel.model()).indexOf(QStringLiteral("beta.txt")), false);
+    std::vector<FileResult> last{result(p("y/A.TXT"), 5)};
+    panel.addFileResults(last);
+    const QStringList sortedNames = names(*panel.model());
+    QCOMPARE(sortedNames.first().toLower(), QStringLiteral("a.txt"));
+    QVERIFY(sortedNames.indexOf(QStringLiteral("A.TXT")) < sortedNames.indexOf(QStringLiteral("beta.txt")));
+    QCOMPARE(panel.model()->fromRow(t->currentRow()).fileName(), QStringLiteral("beta.txt"));
+    // At the end a row the user chose stays chosen.
+    panel.endLiveResults();
+    QCOMPARE(panel.model()->fromRow(t->currentRow()).fileName(), QStringLiteral("beta.txt"));
 }
 
 void TestResultModel::summaryOfAFileOnlySearch() {
