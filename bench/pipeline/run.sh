@@ -16,6 +16,6 @@ trap 'rm -rf "$BIG"' EXIT
 echo "writing a ${GB} GB text file in $BIG ..."
 yes "a line of an enormous log file without the word we look for" | head -c "${GB}G" > "$BIG/huge.log" || true
 cmake -S "$ROOT" -B "$BUILD" -DCMAKE_BUILD_TYPE=Release -DTF_BUILD_TESTS=OFF -DTF_BUILD_BENCH=ON >/dev/null
-cmake --build "$BUILD" -j2 --target tf_bench_pipeline >/dev/null
+cmake --build "$BUILD" -j2 --target tf_bench_pipeline talvofinder >/dev/null
 cat /dev/null $(find "$FOLDER" -type f 2>/dev/null | head -50000) >/dev/null 2>&1 || true   # warm cache
-QT_QPA_PLATFORM=offscreen "$BUILD/bench/pipeline/tf_bench_pipeline" "$BIG" "$FOLDER" "$WORD"
+QT_QPA_PLATFORM=offscreen "$BUILD/bench/pipeline/tf_bench_pipeline" "$BIG" "$FOLDER" "$WORD" "$BUILD/talvofinder"

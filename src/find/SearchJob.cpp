@@ -86,7 +86,8 @@ void SearchJob::start(const SearchParams& params) {
         run->search.endFeed();
         run->walkDone = true;
     });
-    timer_.start(std::max(10, batchIntervalMs));
+    // The first rows are looked for soon; after them, batches at the chosen pace.
+    timer_.start(std::min(20, std::max(10, batchIntervalMs)));
 }
 
 void SearchJob::cancel() {
@@ -118,7 +119,10 @@ const SearchParams& SearchJob::params() const { return current_ ? current_->para
 void SearchJob::flush(Run& run) {
     std::vector<FileResult> batch;
     run.search.takeResults(batch);
-    if (!batch.empty()) sink_.searchResults(batch);
+    if (!batch.empty()) {
+        if (timer_.interval() != std::max(10, batchIntervalMs)) timer_.setInterval(std::max(10, batchIntervalMs));
+        sink_.searchResults(batch);
+    }
     SearchProgress p;
     p.folders = run.walk.countDirs.load();
     p.filesToSearch = run.search.countTextFiles();
