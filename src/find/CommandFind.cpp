@@ -5,6 +5,7 @@
 //        [--pattern P] [--npattern P] [--textFiles true] [--hidden true]
 //        [--minSize N] [--maxSize N] [--threads N] [--show files|count|hits] [--documents true]
 //        [--maxMemberSize N] [--ratioFrom N] [--maxRatio N] [--format tsv|csv|json|null] [--maxFiles N]
+//        [--ignoreFiles true]
 // Exit code: 0 something found, 1 nothing found, 2 bad input.
 #include "src/find/CommandFind.h"
 
@@ -35,7 +36,8 @@ const char* kUsage =
     "         [--scope File|Paragraph|Sentence]\n"
     "         [--pattern P] [--npattern P] [--textFiles true] [--hidden true] [--minSize N] [--maxSize N]\n"
     "         [--threads N] [--show files|count|hits] [--documents true]\n"
-    "         [--maxMemberSize N] [--ratioFrom N] [--maxRatio N] [--format tsv|csv|json|null] [--maxFiles N]";
+    "         [--maxMemberSize N] [--ratioFrom N] [--maxRatio N] [--format tsv|csv|json|null] [--maxFiles N]\n"
+    "         [--ignoreFiles true]";
 
 int badInput(const QString& message) {
     tav::Logger::printToCerr(QStringLiteral("find: ") + message);
@@ -123,7 +125,7 @@ tav::CommandKeys findCommandKeys() {
     return {QStringLiteral("dir=folder"),
             QStringLiteral("find,regex=true|false,wholeWords=true|false,matchCase=true|false,scope=File|Paragraph|Sentence,pattern,npattern,textFiles=true|false,"
                            "hidden=true|false,minSize,maxSize,threads,show=files|count|hits,countLines=true|false,"
-                           "documents=true|false,maxMemberSize,ratioFrom,maxRatio,format=tsv|csv|json|null,maxFiles"),
+                           "documents=true|false,maxMemberSize,ratioFrom,maxRatio,format=tsv|csv|json|null,maxFiles,ignoreFiles=true|false"),
             true};
 }
 
@@ -137,11 +139,11 @@ int runFindCommand(tav::CommandLine& cl) {
 
     QString error;
     bool regEx = false, textFiles = false, hidden = false, countLines = true, wholeWords = false, matchCase = false,
-         documents = false;
+         documents = false, ignoreFiles = false;
     if (!readBool(cl, QStringLiteral("regex"), regEx, error) || !readBool(cl, QStringLiteral("wholeWords"), wholeWords, error) ||
         !readBool(cl, QStringLiteral("matchCase"), matchCase, error) || !readBool(cl, QStringLiteral("textFiles"), textFiles, error) ||
         !readBool(cl, QStringLiteral("hidden"), hidden, error) || !readBool(cl, QStringLiteral("countLines"), countLines, error) ||
-        !readBool(cl, QStringLiteral("documents"), documents, error))
+        !readBool(cl, QStringLiteral("documents"), documents, error) || !readBool(cl, QStringLiteral("ignoreFiles"), ignoreFiles, error))
         return badInput(error);
     bool hasMin = false, hasMax = false;
     uint64_t minSize = 0, maxSize = 0;
@@ -222,6 +224,7 @@ int runFindCommand(tav::CommandLine& cl) {
     if (!content) {
         tav::XDirInfo scan;
         scan.flagHiddenFiles = hidden;
+        scan.flagIgnoreFiles = ignoreFiles;
         scan.scan_dir(dir, &filter.fileFilter);
         // A listing is printed by path.
         const tav::XFindStats stats = scan.setup_filtered_files(filter.fileFilter, true);
@@ -272,6 +275,7 @@ int runFindCommand(tav::CommandLine& cl) {
     params.limits = limits;
     params.countLines = countLines;
     params.maxFiles = maxFiles;
+    params.ignoreFiles = ignoreFiles;
     job.start(params);
     sink.loop.exec();
     TavFind& search = job.search();

@@ -63,6 +63,7 @@ void SearchJob::start(const SearchParams& params) {
     s.onFileDone = onFileDone;
     run->walk.sPath = params.dir;
     run->walk.flagHiddenFiles = params.hidden;
+    run->walk.flagIgnoreFiles = params.ignoreFiles;
     // Without it, workers stat each file through its descriptor once open and the walk
     // stats only for size bounds.
     run->walk.flagStatFiles = params.statFiles;

@@ -36,6 +36,7 @@ struct SearchParams {
     // progress bar needs them); off, each worker stats its file once open (faster).
     bool statFiles = false;
     uint64_t maxFiles = 0;            // stop after this many files with hits (0: all)
+    bool ignoreFiles = false;         // leave out what .gitignore and .ignore files say
 };
 
 struct SearchProgress {

@@ -290,6 +290,7 @@ void WinFinder::save_state() {
     if (buttonWholeWords_) nWin->setBool(QStringLiteral("flagWholeWords"), buttonWholeWords_->isChecked());
     if (buttonMatchCase_) nWin->setBool(QStringLiteral("flagMatchCase"), buttonMatchCase_->isChecked());
     if (buttonDocuments_) nWin->setBool(QStringLiteral("flagDocuments"), buttonDocuments_->isChecked());
+    if (buttonIgnoreFiles_) nWin->setBool(QStringLiteral("flagIgnoreFiles"), buttonIgnoreFiles_->isChecked());
     saveSearchHistory();
 }
 

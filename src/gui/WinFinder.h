@@ -281,6 +281,7 @@ public:
     QToolButton* buttonWholeWords() const { return buttonWholeWords_; }
     QToolButton* buttonMatchCase() const { return buttonMatchCase_; }
     QToolButton* buttonDocuments() const { return buttonDocuments_; }
+    QToolButton* buttonIgnoreFiles() const { return buttonIgnoreFiles_; }
     tav::XPropBool& propRegEx() { return propRegEx_; }
     tav::XTypedComboBox<uint32_t>* comboTimeArea() const { return comboTimeArea_; }
     tav::XTypedComboBox<uint32_t>* comboSizeArea() const { return comboSizeArea_; }
@@ -362,6 +363,7 @@ private:
     QToolButton* buttonWholeWords_ = nullptr;
     QToolButton* buttonMatchCase_ = nullptr;
     QToolButton* buttonDocuments_ = nullptr;   // documents and archives are searched through their text
+    QToolButton* buttonIgnoreFiles_ = nullptr; // what .gitignore and .ignore files name is left out
     tav::XPropBool propRegEx_;
 
     // search (the scan thread goes after the search, whose workers read its file list)

@@ -225,6 +225,7 @@ void WinFinder::on_find() {
 
     thScanDir->dirInfo.sPath = folder.absoluteFilePath();
     thScanDir->dirInfo.flagHiddenFiles = treeView_->isHiddenFiles();
+    thScanDir->dirInfo.flagIgnoreFiles = buttonIgnoreFiles_ && buttonIgnoreFiles_->isChecked();
     thScanDir->pFilterCurrent = &filterCurrent;
 
     if (filterCurrent.has_pattern(false)) comboPattern_->add_to_history(filterCurrent.pattern(false));
@@ -258,6 +259,7 @@ void WinFinder::start_content_search(const QFileInfo& folder) {
     params.threads = cfg().countThreads;
     params.statFiles = true;   // the bar shows a share of all the bytes
     params.documents = buttonDocuments_ && buttonDocuments_->isChecked();
+    params.ignoreFiles = buttonIgnoreFiles_ && buttonIgnoreFiles_->isChecked();
     params.limits.maxOutput = uint64_t(cfg().documentsMaxMemberMB) << 20;
     params.limits.ratioFrom = uint64_t(cfg().documentsRatioFromMB) << 20;
     params.limits.maxRatio = cfg().documentsMaxRatio;

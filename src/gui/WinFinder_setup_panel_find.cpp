@@ -89,6 +89,10 @@ void WinFinder::setup_panel_find() {
                                                   nullptr, true);
     buttonDocuments_->setObjectName(QStringLiteral("buttonDocuments"));
     buttonDocuments_->setChecked(nWin && nWin->isBool(QStringLiteral("flagDocuments"), false));
+    buttonIgnoreFiles_ = content->createImageButton(WindowBase::icon(QStringLiteral("ignore_files.svg")),
+                                                    xt("Respect .gitignore: leave out what .gitignore and .ignore files name"), nullptr, true);
+    buttonIgnoreFiles_->setObjectName(QStringLiteral("buttonIgnoreFiles"));
+    buttonIgnoreFiles_->setChecked(nWin && nWin->isBool(QStringLiteral("flagIgnoreFiles"), false));
     content->createLabel(QString())->setMinimumWidth(200);
     tav::XPanel* scope = content->createPanel(tav::XPanel::HORIZONTAL);
     scope->setMinimumWidth(180);

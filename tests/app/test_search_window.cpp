@@ -89,6 +89,7 @@ private slots:
     void refusedAndCancelledSearches();
     void queryLanguageAndSwitchesInThePanel();
     void documentsAndArchives();
+    void ignoreFilesSwitch();
 };
 
 void TestSearchWindow::initTestCase() {
@@ -701,6 +702,39 @@ void TestSearchWindow::refusedAndCancelledSearches() {
         QTRY_COMPARE(w->labelFileTotals()->text(), QStringLiteral("files: total:1, files match:1"));
         tavFinder::cfg().sRootFolder.clear();
     }
+    closeNow(w);
+}
+
+void TestSearchWindow::ignoreFilesSwitch() {
+    tree.file(QStringLiteral("repo/.gitignore"), "skip.txt\nbuild/\n");
+    tree.file(QStringLiteral("repo/keep.txt"), "needle\n");
+    tree.file(QStringLiteral("repo/skip.txt"), "needle\n");
+    tree.file(QStringLiteral("repo/build/out.txt"), "needle\n");
+    QPointer<WinFinder> w = open(abs("repo"));
+    QTRY_COMPARE(w->treeView()->selectedFile().absoluteFilePath(), abs("repo"));
+    setBits(w, WinFinder::FILTER_CONTENT);
+    w->comboContent()->setEditText(QStringLiteral("needle"));
+    const auto found = [&]() {
+        w->on_find();
+        if (!QTest::qWaitFor([&]() { return w->findPage() == WinFinder::PAGE_DONE; }, 20000)) return QStringList{"timeout"};
+        QStringList names;
+        for (int r = 0; r < w->panelResults()->model()->rowCount(); ++r) names << w->panelResults()->model()->fromRow(r).fileName();
+        names.sort();
+        return names;
+    };
+    QCOMPARE(found(), (QStringList{"keep.txt", "out.txt", "skip.txt"}));
+    // On, what the ignore file names is left out, its folders not entered; the choice is kept with the window.
+    QVERIFY(w->buttonIgnoreFiles()->isCheckable() && !w->buttonIgnoreFiles()->isChecked());
+    w->buttonIgnoreFiles()->click();
+    QCOMPARE(found(), QStringList{"keep.txt"});
+    // A name-only search obeys it too.
+    setBits(w, WinFinder::FILTER_PATTERN);
+    w->comboPattern()->setEditText(QStringLiteral("*.txt"));
+    w->on_find();
+    QTRY_COMPARE(w->labelFileTotals()->text(), QStringLiteral("files: total:1, files match:1"));
+    w->buttonIgnoreFiles()->click();
+    w->comboPattern()->setEditText(QString());
+    setBits(w, 0);
     closeNow(w);
 }
 

@@ -5,6 +5,9 @@
 
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QDir>
+#include <QProcess>
+#include <QStandardPaths>
 #include <QtTest>
 #include <mutex>
 #include <linux/capability.h>
@@ -287,6 +290,64 @@ private slots:
             const bool bound = f == &big;
             for (int64_t s : sizes) QVERIFY(bound ? s >= 10241 : s == -1);
         }
+    }
+
+    void ignoreFilesAsGitReadsThem() {
+        if (QStandardPaths::findExecutable(QStringLiteral("git")).isEmpty()) QSKIP("git missing");
+        tftest::TestDir d;
+        const QString repo = d.dir(QStringLiteral("repo"));
+        QProcess git;
+        git.setWorkingDirectory(repo);
+        git.start(QStringLiteral("git"), {QStringLiteral("init"), QStringLiteral("-q"), QStringLiteral(".")});
+        QVERIFY(git.waitForFinished(30000) && git.exitCode() == 0);
+        // Nested ignore files with every rule: comments, negation, folders only, anchors, classes, '**', escapes.
+        d.file(QStringLiteral("repo/.gitignore"),
+               "# comment\n\nbuild/\n*.log\n!keep.log\n/top.txt\ndocs/**/secret*\n[abc]?.tmp\n\\#hash\nsub/**/x/\n"
+               "trail.txt   \n**/gen\nsp\\ ace.txt\\ \n");
+        d.file(QStringLiteral("repo/src/.gitignore"), "*.o\n!important.o\n/local.txt\n");
+        d.file(QStringLiteral("repo/.git/info/exclude"), "excl.txt\n");
+        const QStringList files{"a.txt", "top.txt", "src/top.txt", "src/m.o", "src/important.o", "src/local.txt", "src/x/local.txt",
+                                "src/build/z.c", "logs/a.log", "logs/keep.log", "docs/a/b/secret1", "docs/secret2", "docs/a/open",
+                                "a1.tmp", "d1.tmp", "#hash", "sub/ok.txt", "sub/deep/x/q.txt", "sub/x/r.txt", "excl.txt", "deep/excl.txt",
+                                "trail.txt", "gen/g.c", "a/b/gen/h.c", "sp ace.txt ", "sp ace.txt"};
+        for (const QString& f : files) d.file(QStringLiteral("repo/") + f, "x");
+        // What git says is ignored, for each file.
+        git.start(QStringLiteral("git"), QStringList{QStringLiteral("check-ignore"), QStringLiteral("--no-index")} + files);
+        QVERIFY(git.waitForFinished(30000));
+        QStringList ignoredByGit = QString::fromUtf8(git.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
+        QStringList expected;
+        for (const QString& f : files)
+            if (!ignoredByGit.contains(f)) expected << f;
+        expected << ".gitignore" << "src/.gitignore";
+        expected.sort();
+
+        const auto listed = [&](const QString& folder) {
+            tav::XDirInfo scan;
+            scan.flagHiddenFiles = true;
+            scan.flagIgnoreFiles = true;
+            scan.scan_dir(folder);
+            scan.setup_filtered_files(tav::XFileFilter(), true);
+            QStringList out;
+            for (QFileInfo* fi : scan.ar_filtered_files) out << QDir(repo).relativeFilePath(fi->absoluteFilePath());
+            out.sort();
+            return out;
+        };
+        QCOMPARE(listed(repo), expected);
+        QVERIFY(expected.contains("logs/keep.log") && expected.contains("src/important.o") && !expected.contains("src/m.o"));
+        // A search below the root still obeys the rules of the folders above it.
+        QStringList inSrc;
+        for (const QString& f : expected)
+            if (f.startsWith("src/")) inSrc << f;
+        QCOMPARE(listed(d.abs("repo/src")), inSrc);
+        // ".ignore" files are read as well (git does not read them).
+        d.file(QStringLiteral("repo/sub/.ignore"), "ok.txt\n");
+        QVERIFY(!listed(repo).contains("sub/ok.txt"));
+        // Off: everything but the repository's own folder is there.
+        tav::XDirInfo all;
+        all.flagHiddenFiles = true;
+        all.scan_dir(repo);
+        all.setup_filtered_files(tav::XFileFilter(), true);
+        QVERIFY(all.ar_filtered_files.size() > size_t(files.size()));
     }
 };
 

@@ -1,5 +1,6 @@
 #include "base/dir/XDirInfo.h"
 
+#include "base/dir/XIgnore.h"
 #include "base/io/XPaths.h"
 #include "base/log/Logger.h"
 #include "base/thread/XThread.h"
@@ -53,6 +54,7 @@ XDirInfo& XDirInfo::operator=(const XDirInfo& o) {
     sPath = o.sPath;
     flagHiddenFiles = o.flagHiddenFiles;
     flagStatFiles = o.flagStatFiles;
+    flagIgnoreFiles = o.flagIgnoreFiles;
     flagStop = o.flagStop.load();
     countDirs = o.countDirs.load();
     countFiles = o.countFiles.load();
@@ -126,10 +128,16 @@ struct WalkPart {
 };
 
 // Folders still to read, shared by the walkers.
+// A folder to read, with the ignore rules of the folder it is in.
+struct Todo {
+    std::string path;
+    std::shared_ptr<const XIgnoreRules> rules;
+};
+
 struct WalkQueue {
     std::mutex m;
     std::condition_variable cv;
-    std::vector<std::string> todo;
+    std::vector<Todo> todo;
     int busy = 0;
     bool done = false;
 };
@@ -161,8 +169,10 @@ bool XDirInfo::scan(const QString& path, const XFileFilter* filter, const FileFe
     }
     countDirs = 1;
 
+    const bool useIgnore = flagIgnoreFiles;
+    const std::shared_ptr<const XIgnoreRules> rootRules = useIgnore ? XIgnoreRules::forSearchRoot(root) : nullptr;
     WalkQueue q;
-    q.todo.push_back(root);
+    q.todo.push_back(Todo{root, nullptr});
     const unsigned nWalkers = std::max(1u, std::min(4u, count_hardware_threads(2)));
     std::vector<WalkPart> parts(nWalkers);
 
@@ -193,7 +203,7 @@ bool XDirInfo::scan(const QString& path, const XFileFilter* filter, const FileFe
 
     auto walker = [&](WalkPart& part) {
         std::vector<char> buf(1 << 15);
-        std::vector<std::string> found;
+        std::vector<Todo> found;
         std::unique_lock<std::mutex> lock(q.m);
         for (;;) {
             q.cv.wait(lock, [&] { return !q.todo.empty() || q.busy == 0 || flagStop.load(std::memory_order_relaxed); });
@@ -205,12 +215,16 @@ bool XDirInfo::scan(const QString& path, const XFileFilter* filter, const FileFe
                 }
                 continue;
             }
-            std::string dir = std::move(q.todo.back());
+            Todo next = std::move(q.todo.back());
             q.todo.pop_back();
             ++q.busy;
             lock.unlock();
+            std::string dir = std::move(next.path);
 
             const bool isRoot = dir == root;
+            // The rules in force here: the folder's own ignore files over its parent's rules.
+            const std::shared_ptr<const XIgnoreRules> rules =
+                !useIgnore ? nullptr : isRoot ? rootRules : XIgnoreRules::forFolder(dir, next.rules);
             // The given folder may be reached through a link; below it links are never followed.
             const int fd = openPath(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | (isRoot ? 0 : O_NOFOLLOW));
             // Whatever happens below, this folder's subfolders are its own: never
@@ -261,7 +275,7 @@ bool XDirInfo::scan(const QString& path, const XFileFilter* filter, const FileFe
                                 flagStop = true;
                                 break;
                             }
-                            if (isDir && !link) found.push_back(joinPath(dir, name, len));
+                            if (isDir && !link) found.push_back(Todo{joinPath(dir, name, len), nullptr});
                             continue;
                         }
                         if (type == DT_UNKNOWN) {
@@ -269,9 +283,13 @@ bool XDirInfo::scan(const QString& path, const XFileFilter* filter, const FileFe
                             haveStat = true;
                             type = S_ISDIR(st.st_mode) ? DT_DIR : S_ISREG(st.st_mode) ? DT_REG : DT_LNK;
                         }
+                        if (rules && (type == DT_DIR || type == DT_REG)) {
+                            if (type == DT_DIR && len == 4 && std::memcmp(name, ".git", 4) == 0) continue;
+                            if (rules->ignored(joinPath(dir, name, len), name, len, type == DT_DIR)) continue;
+                        }
                         if (type == DT_DIR) {
                             if (prepared.isExcludedFolder(name, len)) continue;
-                            found.push_back(joinPath(dir, name, len));
+                            found.push_back(Todo{joinPath(dir, name, len), rules});
                         } else if (type == DT_REG) {
                             WalkPart::File r{idx, uint32_t(part.names.size()), uint32_t(len), false, 0, 0};
                             statLater = statLater || (needStat && !haveStat);
@@ -295,7 +313,7 @@ bool XDirInfo::scan(const QString& path, const XFileFilter* filter, const FileFe
                 if ((statLater || feed) && !found.empty()) {
                     lock.lock();
                     countDirs.fetch_add(uint32_t(found.size()), std::memory_order_relaxed);
-                    for (std::string& f : found) q.todo.push_back(std::move(f));
+                    for (Todo& f : found) q.todo.push_back(std::move(f));
                     found.clear();
                     q.cv.notify_all();
                     lock.unlock();
@@ -331,7 +349,7 @@ bool XDirInfo::scan(const QString& path, const XFileFilter* filter, const FileFe
             lock.lock();
             if (!found.empty()) {
                 countDirs.fetch_add(uint32_t(found.size()), std::memory_order_relaxed);
-                for (std::string& f : found) q.todo.push_back(std::move(f));
+                for (Todo& f : found) q.todo.push_back(std::move(f));
                 found.clear();
                 q.cv.notify_all();
             }

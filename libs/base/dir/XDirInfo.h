@@ -67,6 +67,10 @@ public:
     QString sPath;                          // the folder of the last scan
     bool flagHiddenFiles = false;           // scan entries whose name starts with '.'
     bool flagStatFiles = false;             // stat every file (fills countBytes during the scan)
+    // Leave out what .gitignore, .ignore and .git/info/exclude files say (git's
+    // rules, from the repository's root down); ignored folders are not entered,
+    // and neither is ".git".
+    bool flagIgnoreFiles = false;
     std::atomic<bool> flagStop{false};      // set to end a scan early
 
     // Counters of the running or last scan (folders include the scanned folder itself).
