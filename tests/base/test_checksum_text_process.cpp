@@ -105,6 +105,21 @@ private slots:
         QVERIFY(p->processId_past() > 0);
         delete p;
 
+        // A file's name cannot set other variables through an environment entry, and
+        // the G_* variables reach the program without touching this process's environment.
+        const QString trap = dir.file(QStringLiteral("notes;PATH=.;x.txt"), "z");
+        tav::fileInfo_to_env(QFileInfo(trap));
+        QVERIFY(!qEnvironmentVariableIsSet("G_PATH"));
+        QCOMPARE(tav::getEnv(QStringLiteral("G_NAME")), QStringLiteral("notes;PATH=.;x.txt"));
+        tav::XProcess env;
+        env.setProgram(QStringLiteral("/bin/sh"));
+        env.setArguments({QStringLiteral("-c"), QStringLiteral("printf '%s|%s|%s' \"$TF_F\" \"$PATH\" \"$G_PATH\"")});
+        env.addEnv(QStringLiteral("TF_F=$(G_NAME)"));
+        env.start();
+        QVERIFY(env.waitForFinished(10000));
+        QCOMPARE(QString::fromUtf8(env.readAll()),
+                 QStringLiteral("notes;PATH=.;x.txt|") + QString::fromLocal8Bit(qgetenv("PATH")) + QLatin1Char('|') + trap);
+
         tav::XProcess missing;
         int missErrors = 0;
         missing.setErrorListener([&]() { ++missErrors; });

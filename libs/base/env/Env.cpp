@@ -3,14 +3,44 @@
 #include "base/log/Logger.h"
 
 #include <cstdlib>
+#include <mutex>
 
 namespace tav {
+
+namespace {
+std::mutex& fileVarsMutex() {
+    static std::mutex m;
+    return m;
+}
+QHash<QString, QString>& fileVars() {
+    static QHash<QString, QString> vars;
+    return vars;
+}
+}
 
 void setEnv(const QString& name, const QString& value) {
     qputenv(name.toLocal8Bit().constData(), value.toLocal8Bit());
 }
-QString getEnv(const QString& name) { return QString::fromLocal8Bit(qgetenv(name.toLocal8Bit().constData())); }
-bool hasEnv(const QString& name) { return qEnvironmentVariableIsSet(name.toLocal8Bit().constData()); }
+QString getEnv(const QString& name) {
+    {
+        std::lock_guard<std::mutex> l(fileVarsMutex());
+        const auto it = fileVars().constFind(name);
+        if (it != fileVars().constEnd()) return *it;
+    }
+    return QString::fromLocal8Bit(qgetenv(name.toLocal8Bit().constData()));
+}
+bool hasEnv(const QString& name) {
+    {
+        std::lock_guard<std::mutex> l(fileVarsMutex());
+        if (fileVars().contains(name)) return true;
+    }
+    return qEnvironmentVariableIsSet(name.toLocal8Bit().constData());
+}
+
+QHash<QString, QString> fileVariables() {
+    std::lock_guard<std::mutex> l(fileVarsMutex());
+    return fileVars();
+}
 void unsetEnv(const QString& name) { qunsetenv(name.toLocal8Bit().constData()); }
 
 namespace {
@@ -62,12 +92,17 @@ QString replace_variables(const QString& text, const QString& name, const QStrin
 }
 
 void fileInfo_to_env(const QFileInfo& fi) {
-    setEnv(QStringLiteral("G_PATH"), fi.absoluteFilePath());
-    setEnv(QStringLiteral("G_NAME"), fi.fileName());
-    setEnv(QStringLiteral("G_BASENAME"), fi.completeBaseName());
-    setEnv(QStringLiteral("G_DIR"), fi.absolutePath());
-    setEnv(QStringLiteral("G_EXT"), fi.suffix());
-    setEnv(QStringLiteral("G_SIZE"), QString::number(fi.exists() ? fi.size() : 0));
+    QHash<QString, QString> vars;
+    vars.insert(QStringLiteral("G_PATH"), fi.absoluteFilePath());
+    vars.insert(QStringLiteral("G_NAME"), fi.fileName());
+    vars.insert(QStringLiteral("G_BASENAME"), fi.completeBaseName());
+    vars.insert(QStringLiteral("G_DIR"), fi.absolutePath());
+    vars.insert(QStringLiteral("G_EXT"), fi.suffix());
+    vars.insert(QStringLiteral("G_SIZE"), QString::number(fi.exists() ? fi.size() : 0));
+    {
+        std::lock_guard<std::mutex> l(fileVarsMutex());
+        fileVars() = std::move(vars);
+    }
     log(tav::LOG_VERBOSE, "fileInfo_to_env, G_PATH:$", fi.absoluteFilePath());
 }
 

@@ -19,9 +19,14 @@ QString replaceEnv(const QString& text);
 QString replace_variables(const QString& text, const QHash<QString, QString>& vars);
 QString replace_variables(const QString& text, const QString& name, const QString& value);
 
-// Describes a file in the environment for programs started on it:
+// Describes a file for programs started on it:
 // G_PATH (absolute path), G_NAME (file name), G_BASENAME (name without the last
 // extension), G_DIR (containing folder), G_EXT (extension), G_SIZE (bytes).
 void fileInfo_to_env(const QFileInfo& fi);
+// The G_* variables of the file last chosen (G_PATH, G_NAME, G_BASENAME, G_DIR,
+// G_EXT, G_SIZE). They are the program's own, not its process environment:
+// getEnv and replaceEnv see them first, and a started program gets them in its
+// environment; setting them never touches the environment other threads read.
+QHash<QString, QString> fileVariables();
 
 } // namespace tav

@@ -74,16 +74,21 @@ void XProcess::setArgsReplacingEnv(const QString& rawArgs) {
 }
 
 void XProcess::addEnv(const QString& env) {
-    if (env.trimmed().isEmpty()) return;
     QProcessEnvironment pe = processEnvironment().isEmpty() ? QProcessEnvironment::systemEnvironment() : processEnvironment();
+    // The chosen file's variables go to the program as well.
+    const QHash<QString, QString> vars = fileVariables();
+    for (auto it = vars.constBegin(); it != vars.constEnd(); ++it) pe.insert(it.key(), it.value());
+    // Split as written, then replace inside each value: a file name holding ';' or
+    // '=' stays in its variable and sets no other.
     for (QString part : env.split(QRegularExpression(QStringLiteral("[;\\n]")), Qt::SkipEmptyParts)) {
         part = part.trimmed();
+        if (part.isEmpty()) continue;
         const int eq = part.indexOf(QLatin1Char('='));
         if (eq <= 0) {
             log(tav::LOG_ERROR, "XProcess::addEnv, '$' is not NAME=value", part);
             continue;
         }
-        pe.insert(part.left(eq).trimmed(), part.mid(eq + 1));
+        pe.insert(part.left(eq).trimmed(), replaceEnv(part.mid(eq + 1)));
     }
     setProcessEnvironment(pe);
 }

@@ -33,8 +33,10 @@ public:
     // As setArgs, replacing "$(NAME)" references inside each word after the split,
     // so a value with blanks or quotes stays one argument.
     void setArgsReplacingEnv(const QString& rawArgs);
-    // Adds "NAME=value" assignments (separated by ';' or line breaks) to the
-    // environment the process starts with; text without '=' is ignored with a log line.
+    // Adds "NAME=value" assignments (separated by ';' or line breaks, as written;
+    // "$(NAME)" replaced in each value afterwards) and the chosen file's G_*
+    // variables to the environment the process starts with; text without '=' is
+    // ignored with a log line.
     void addEnv(const QString& env);
 
     bool isRunning() const { return state() != QProcess::NotRunning; }

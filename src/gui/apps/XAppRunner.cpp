@@ -58,7 +58,7 @@ bool startTerminal(const XApp& app) {
     if (app.is_flag_keep_term_open()) log(tav::LOG_TRACE, "TERM OPEN");
     const QString folder = app.get_working_dir(true);
     const QStringList command{QStringLiteral("bash"), QStringLiteral("-c"), XAppRunner::terminal_command_line(app)};
-    proc->addEnv(app.get_environment(true));
+    proc->addEnv(app.get_environment(false));
     proc->addFinishedListener([proc](bool) {
         log(tav::LOG_TRACE, "fertig !");
         log(tav::LOG_TRACE, "arBytes<<$>>", QString::fromUtf8(proc->readAll()));
@@ -110,7 +110,7 @@ bool startDirect(const XApp& app) {
     });
     // Split first, then replace: a file name with blanks stays one argument.
     proc->setArgsReplacingEnv(app.get_arguments(false));
-    proc->addEnv(app.get_environment(true));
+    proc->addEnv(app.get_environment(false));
     proc->setProgram(app.get_path(true));
     startReported(proc);
     return true;
