@@ -5,7 +5,8 @@
 //        [--pattern P] [--npattern P] [--textFiles true] [--hidden true]
 //        [--minSize N] [--maxSize N] [--threads N] [--show files|count|hits] [--documents true]
 //        [--maxMemberSize N] [--ratioFrom N] [--maxRatio N] [--format tsv|csv|json|null] [--maxFiles N]
-//        [--ignoreFiles true]
+//        [--ignoreFiles true] [--saved NAME]
+// With --saved the search kept under NAME runs; keys given beside it win.
 // Exit code: 0 something found, 1 nothing found, 2 bad input.
 #include "src/find/CommandFind.h"
 
@@ -16,6 +17,7 @@
 #include "base/text/TextFiles.h"
 #include "base/util/Format.h"
 #include "src/find/ResultExport.h"
+#include "src/find/SavedSearches.h"
 #include "src/find/SearchJob.h"
 #include "src/find/TavFind.h"
 
@@ -37,7 +39,7 @@ const char* kUsage =
     "         [--pattern P] [--npattern P] [--textFiles true] [--hidden true] [--minSize N] [--maxSize N]\n"
     "         [--threads N] [--show files|count|hits] [--documents true]\n"
     "         [--maxMemberSize N] [--ratioFrom N] [--maxRatio N] [--format tsv|csv|json|null] [--maxFiles N]\n"
-    "         [--ignoreFiles true]";
+    "         [--ignoreFiles true] [--saved NAME]";
 
 int badInput(const QString& message) {
     tav::Logger::printToCerr(QStringLiteral("find: ") + message);
@@ -122,8 +124,8 @@ void writeData(const QString& format, const std::vector<const FileResult*>& rows
 } // namespace
 
 tav::CommandKeys findCommandKeys() {
-    return {QStringLiteral("dir=folder"),
-            QStringLiteral("find,regex=true|false,wholeWords=true|false,matchCase=true|false,scope=File|Paragraph|Sentence,pattern,npattern,textFiles=true|false,"
+    return {QString(),
+            QStringLiteral("dir=folder,saved,find,regex=true|false,wholeWords=true|false,matchCase=true|false,scope=File|Paragraph|Sentence,pattern,npattern,textFiles=true|false,"
                            "hidden=true|false,minSize,maxSize,threads,show=files|count|hits,countLines=true|false,"
                            "documents=true|false,maxMemberSize,ratioFrom,maxRatio,format=tsv|csv|json|null,maxFiles,ignoreFiles=true|false"),
             true};
@@ -137,9 +139,17 @@ int runFindCommand(tav::CommandLine& cl) {
     cl.addOptionalKeys(keys.optional);
     if (!cl.checkKeys()) return badInput(cl.lastError());
 
+    // A saved search gives the defaults; what the command line says wins.
+    SavedSearch saved;
+    const bool useSaved = cl.hasKey(QStringLiteral("saved"));
+    if (useSaved) {
+        const QString name = cl.getString(QStringLiteral("saved"));
+        saved = SavedSearches::find(SavedSearches::load(), name);
+        if (saved.name.isEmpty()) return badInput(tav::fill("no saved search is named '$'", name));
+    }
     QString error;
-    bool regEx = false, textFiles = false, hidden = false, countLines = true, wholeWords = false, matchCase = false,
-         documents = false, ignoreFiles = false;
+    bool regEx = saved.regex, textFiles = saved.textFiles, hidden = saved.hidden, countLines = true, wholeWords = saved.wholeWords,
+         matchCase = saved.matchCase, documents = saved.documents, ignoreFiles = saved.ignoreFiles;
     if (!readBool(cl, QStringLiteral("regex"), regEx, error) || !readBool(cl, QStringLiteral("wholeWords"), wholeWords, error) ||
         !readBool(cl, QStringLiteral("matchCase"), matchCase, error) || !readBool(cl, QStringLiteral("textFiles"), textFiles, error) ||
         !readBool(cl, QStringLiteral("hidden"), hidden, error) || !readBool(cl, QStringLiteral("countLines"), countLines, error) ||
@@ -163,12 +173,13 @@ int runFindCommand(tav::CommandLine& cl) {
         if (!ok || limits.maxRatio < 2) return badInput(QStringLiteral("--maxRatio takes a whole number of 2 or more"));
     }
 
-    const QString dirArg = cl.getString(QStringLiteral("dir"));
+    const QString dirArg = cl.hasKey(QStringLiteral("dir")) ? cl.getString(QStringLiteral("dir")) : saved.folder;
+    if (dirArg.isEmpty()) return badInput(QStringLiteral("missing key --dir (or --saved NAME)"));
     const QFileInfo dirInfo(QDir::current(), dirArg);
     if (!dirInfo.isDir()) return badInput(tav::fill("folder <<<$>>> does not exist", dirArg));
     const QString dir = QDir::cleanPath(dirInfo.absoluteFilePath());
 
-    uint32_t scope = tav::find::XContentFilter::SCOPE_FILE;
+    uint32_t scope = useSaved ? saved.scope : uint32_t(tav::find::XContentFilter::SCOPE_FILE);
     if (cl.hasKey(QStringLiteral("scope"))) {
         const QString s = cl.getString(QStringLiteral("scope")).trimmed().toLower();
         if (s == QLatin1String("file") || s == QLatin1String("0")) scope = tav::find::XContentFilter::SCOPE_FILE;
@@ -198,8 +209,18 @@ int runFindCommand(tav::CommandLine& cl) {
     }
 
     tav::find::XFilter filter;
-    filter.fileFilter.setPattern(cl.getString(QStringLiteral("pattern")), false);
-    filter.fileFilter.setPattern(cl.getString(QStringLiteral("npattern")), true);
+    filter.fileFilter.setPattern(cl.hasKey(QStringLiteral("pattern")) ? cl.getString(QStringLiteral("pattern")) : saved.pattern, false);
+    filter.fileFilter.setPattern(cl.hasKey(QStringLiteral("npattern")) ? cl.getString(QStringLiteral("npattern")) : saved.notPattern, true);
+    if (useSaved && saved.timeArea != tav::XFileFilter::NONE) {
+        filter.fileFilter.timeArea = saved.timeArea;
+        filter.fileFilter.time1 = saved.time1;
+        filter.fileFilter.time2 = saved.time2;
+    }
+    if (useSaved && saved.sizeArea != tav::XFileFilter::NONE && !hasMin && !hasMax) {
+        filter.fileFilter.sizeArea = saved.sizeArea;
+        filter.fileFilter.size1 = saved.size1;
+        filter.fileFilter.size2 = saved.size2;
+    }
     if (textFiles) {
         for (const QString& e : tav::default_text_file_extensions()) filter.fileFilter.textFileExtensions.insert(e);
     }
@@ -210,9 +231,10 @@ int runFindCommand(tav::CommandLine& cl) {
         filter.fileFilter.size1 = hasMin ? minSize : maxSize;
         filter.fileFilter.size2 = maxSize;
     }
-    const bool content = cl.hasKey(QStringLiteral("find"));
+    const QString contentText = cl.hasKey(QStringLiteral("find")) ? cl.getString(QStringLiteral("find")) : saved.content;
+    const bool content = cl.hasKey(QStringLiteral("find")) || !saved.content.isEmpty();
     if (content) {
-        const QString text = cl.getString(QStringLiteral("find"));
+        const QString text = contentText;
         filter.contentFilter.setScope(scope);
         filter.contentFilter.setWholeWords(wholeWords);
         filter.contentFilter.setMatchCase(matchCase);
@@ -310,7 +332,7 @@ int runFindCommand(tav::CommandLine& cl) {
         for (const Row& r : rows) ptrs.push_back(r.result);
         exporting::Summary sum;
         sum.folder = dir;
-        sum.query = cl.getString(QStringLiteral("find"));
+        sum.query = contentText;
         sum.filesSearched = uint64_t(search.countTextFiles());
         sum.bytes = search.getBytesToRead();
         sum.filesMatched = uint64_t(search.countResults());

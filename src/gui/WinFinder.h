@@ -52,6 +52,7 @@ class ContextPreviews;
 class PanelResults;
 class TavFind;
 class SearchJob;
+struct SavedSearch;
 class SearchSink;
 struct SearchProgress;
 class XContainerPreviews;
@@ -194,6 +195,13 @@ public:
     // Menu and double click of a hit file in the results panel.
     void on_contextMenu_fileResult(const FileResult& fr);
     void on_open_fileResult(const FileResult& fr);
+    // ---- saved searches (WinFinder_saved_searches.cpp) -------------------------------------
+    SavedSearch saved_search_from_GUI(const QString& name) const;
+    // Fills the panel with a saved search and starts it.
+    void apply_saved_search(const SavedSearch& s);
+    void fill_saved_searches_menu(QMenu& menu);
+    bool save_search(const QString& name);
+    void edit_saved_searches();
     // "Export...": asks for a file and writes the shown results to it.
     void on_export_results();
     // Writes the results as the table shows them to 'path' (CSV, JSON or HTML by its

@@ -20,6 +20,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QStatusBar>
+#include <QMenu>
 #include <QToolButton>
 
 namespace tavFinder {
@@ -93,6 +94,15 @@ void WinFinder::setup_panel_find() {
                                                     xt("Respect .gitignore: leave out what .gitignore and .ignore files name"), nullptr, true);
     buttonIgnoreFiles_->setObjectName(QStringLiteral("buttonIgnoreFiles"));
     buttonIgnoreFiles_->setChecked(nWin && nWin->isBool(QStringLiteral("flagIgnoreFiles"), false));
+    QToolButton* saved = content->createImageButton(WindowBase::icon(QStringLiteral("find3.svg")), xt("Saved searches"), nullptr, false);
+    saved->setObjectName(QStringLiteral("buttonSavedSearches"));
+    saved->setPopupMode(QToolButton::InstantPopup);
+    auto* savedMenu = new QMenu(saved);
+    connect(savedMenu, &QMenu::aboutToShow, this, [this, savedMenu]() {
+        savedMenu->clear();
+        fill_saved_searches_menu(*savedMenu);
+    });
+    saved->setMenu(savedMenu);
     content->createLabel(QString())->setMinimumWidth(200);
     tav::XPanel* scope = content->createPanel(tav::XPanel::HORIZONTAL);
     scope->setMinimumWidth(180);

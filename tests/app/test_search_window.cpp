@@ -21,6 +21,7 @@
 #include "gui/widgets/XTreeViewFiles.h"
 #include "gui/widgets/XTypedComboBox.h"
 #include "src/dir/XContainerPreviews.h"
+#include "src/find/SavedSearches.h"
 #include "src/find/SearchJob.h"
 #include "src/find/TavFind.h"
 #include "src/gui/FileResultModel.h"
@@ -90,6 +91,7 @@ private slots:
     void queryLanguageAndSwitchesInThePanel();
     void documentsAndArchives();
     void ignoreFilesSwitch();
+    void savedSearches();
 };
 
 void TestSearchWindow::initTestCase() {
@@ -734,6 +736,73 @@ void TestSearchWindow::ignoreFilesSwitch() {
     QTRY_COMPARE(w->labelFileTotals()->text(), QStringLiteral("files: total:1, files match:1"));
     w->buttonIgnoreFiles()->click();
     w->comboPattern()->setEditText(QString());
+    setBits(w, 0);
+    closeNow(w);
+}
+
+void TestSearchWindow::savedSearches() {
+    QPointer<WinFinder> w = open(abs("docs"));
+    QTRY_COMPARE(w->treeView()->selectedFile().absoluteFilePath(), abs("docs"));
+    setBits(w, WinFinder::FILTER_CONTENT | WinFinder::FILTER_PATTERN | WinFinder::FILTER_SIZE);
+    w->comboContent()->setEditText(QStringLiteral("needle"));
+    w->comboPattern()->setEditText(QStringLiteral("*.txt,*.log"));
+    w->comboSizeArea()->setSelected(tav::XFileFilter::GREATER_EQUAL);
+    w->size1()->setText(QStringLiteral("10"));
+    w->buttonMatchCase()->setChecked(true);
+    QVERIFY(w->save_search(QStringLiteral("needles")));
+    // Everything the panel says is kept under the name, in a store of its own.
+    QList<tavFinder::SavedSearch> all = tavFinder::SavedSearches::load();
+    QCOMPARE(all.size(), 1);
+    const tavFinder::SavedSearch kept = all.first();
+    QCOMPARE(kept.folder, abs("docs"));
+    QCOMPARE(kept.content, QStringLiteral("needle"));
+    QCOMPARE(kept.pattern, QStringLiteral("*.txt,*.log"));
+    QCOMPARE(kept.sizeArea, uint32_t(tav::XFileFilter::GREATER_EQUAL));
+    QCOMPARE(kept.size1, uint64_t(10));
+    QVERIFY(kept.matchCase && !kept.wholeWords);
+    // The menu lists it; choosing it fills a changed panel again and starts the search.
+    QMenu menu;
+    w->fill_saved_searches_menu(menu);
+    QAction* entry = nullptr;
+    for (QAction* a : menu.actions())
+        if (a->text() == QStringLiteral("needles")) entry = a;
+    QVERIFY(entry);
+    setBits(w, 0);
+    w->comboContent()->setEditText(QStringLiteral("other"));
+    w->buttonMatchCase()->setChecked(false);
+    entry->trigger();
+    QCOMPARE(w->comboContent()->currentText(), QStringLiteral("needle"));
+    QCOMPARE(w->filterFlags().flags() & WinFinder::FILTER_SIZE, uint32_t(WinFinder::FILTER_SIZE));
+    QVERIFY(w->buttonMatchCase()->isChecked());
+    QTRY_COMPARE(w->findPage(), int(WinFinder::PAGE_DONE));
+    QStringList names;
+    for (int r = 0; r < w->panelResults()->model()->rowCount(); ++r) names << w->panelResults()->model()->fromRow(r).fileName();
+    names.sort();
+    QCOMPARE(names, (QStringList{"most.log", "one.txt"}));
+    // The find command runs it without a window, with the same files.
+    QProcess find;
+    find.setProcessEnvironment(env.processEnvironment(false));
+    find.start(tftest::TestEnv::programPath(), {"find", "--saved", "needles"});
+    QVERIFY(find.waitForFinished(30000));
+    QStringList printed = QString::fromUtf8(find.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
+    QVERIFY(!printed.isEmpty());
+    printed.removeLast();
+    QCOMPARE(printed.size(), 2);
+    QVERIFY(printed.join('\n').contains(abs("docs/sub/most.log")) && printed.join('\n').contains(abs("docs/one.txt")));
+    // Renamed and deleted as the editor does; a store that does not parse is moved aside.
+    QVERIFY(tavFinder::SavedSearches::rename(all, QStringLiteral("needles"), QStringLiteral("pins")));
+    QVERIFY(!tavFinder::SavedSearches::rename(all, QStringLiteral("missing"), QStringLiteral("x")));
+    QVERIFY(tavFinder::SavedSearches::save(all));
+    QCOMPARE(tavFinder::SavedSearches::load().first().name, QStringLiteral("pins"));
+    QVERIFY(tavFinder::SavedSearches::remove(all, QStringLiteral("pins")) && tavFinder::SavedSearches::save(all));
+    QVERIFY(tavFinder::SavedSearches::load().isEmpty());
+    QFile broken(tavFinder::SavedSearches::storePath());
+    QVERIFY(broken.open(QIODevice::WriteOnly) && broken.write("<SavedSearches><Search name=") > 0);
+    broken.close();
+    QVERIFY(tavFinder::SavedSearches::load().isEmpty());
+    QVERIFY(!QFileInfo::exists(tavFinder::SavedSearches::storePath()));
+    const QStringList aside = QFileInfo(tavFinder::SavedSearches::storePath()).dir().entryList({QStringLiteral("saved-searches.xml*.bad")});
+    QCOMPARE(aside.size(), 1);
     setBits(w, 0);
     closeNow(w);
 }
