@@ -31,6 +31,7 @@
 #include "src/gui/config/ConfigTavFinder.h"
 
 #include <QAction>
+#include <QSpinBox>
 #include <algorithm>
 #include <QCoreApplication>
 #include <QDateTime>
@@ -291,6 +292,7 @@ void WinFinder::save_state() {
     if (buttonMatchCase_) nWin->setBool(QStringLiteral("flagMatchCase"), buttonMatchCase_->isChecked());
     if (buttonDocuments_) nWin->setBool(QStringLiteral("flagDocuments"), buttonDocuments_->isChecked());
     if (buttonIgnoreFiles_) nWin->setBool(QStringLiteral("flagIgnoreFiles"), buttonIgnoreFiles_->isChecked());
+    if (spinMaxFiles_) nWin->setUInt(QStringLiteral("maxFiles"), unsigned(spinMaxFiles_->value()));
     saveSearchHistory();
 }
 

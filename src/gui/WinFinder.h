@@ -23,6 +23,7 @@ class QLabel;
 class QLineEdit;
 class QMenu;
 class QProgressBar;
+class QSpinBox;
 class QPushButton;
 class QToolButton;
 
@@ -290,6 +291,7 @@ public:
     QToolButton* buttonMatchCase() const { return buttonMatchCase_; }
     QToolButton* buttonDocuments() const { return buttonDocuments_; }
     QToolButton* buttonIgnoreFiles() const { return buttonIgnoreFiles_; }
+    QSpinBox* spinMaxFiles() const { return spinMaxFiles_; }
     tav::XPropBool& propRegEx() { return propRegEx_; }
     tav::XTypedComboBox<uint32_t>* comboTimeArea() const { return comboTimeArea_; }
     tav::XTypedComboBox<uint32_t>* comboSizeArea() const { return comboSizeArea_; }
@@ -372,6 +374,7 @@ private:
     QToolButton* buttonMatchCase_ = nullptr;
     QToolButton* buttonDocuments_ = nullptr;   // documents and archives are searched through their text
     QToolButton* buttonIgnoreFiles_ = nullptr; // what .gitignore and .ignore files name is left out
+    QSpinBox* spinMaxFiles_ = nullptr;         // stop after this many files with hits (0: all)
     tav::XPropBool propRegEx_;
 
     // search (the scan thread goes after the search, whose workers read its file list)

@@ -33,6 +33,7 @@
 #include <QPointer>
 #include <QTimer>
 #include <QProgressBar>
+#include <QSpinBox>
 #include <QPushButton>
 #include <QToolButton>
 
@@ -260,6 +261,7 @@ void WinFinder::start_content_search(const QFileInfo& folder) {
     params.statFiles = true;   // the bar shows a share of all the bytes
     params.documents = buttonDocuments_ && buttonDocuments_->isChecked();
     params.ignoreFiles = buttonIgnoreFiles_ && buttonIgnoreFiles_->isChecked();
+    params.maxFiles = spinMaxFiles_ ? uint64_t(spinMaxFiles_->value()) : 0;
     params.limits.maxOutput = uint64_t(cfg().documentsMaxMemberMB) << 20;
     params.limits.ratioFrom = uint64_t(cfg().documentsRatioFromMB) << 20;
     params.limits.maxRatio = cfg().documentsMaxRatio;
@@ -359,6 +361,9 @@ void WinFinder::on_search_done(bool cancelledByJob, const QStringList& unreadabl
         if (named.size() > 50) named = named.mid(0, 50) << QStringLiteral("…");
     }
     labelDone_->setToolTip(named.join(QLatin1Char('\n')));
+    // A search that ended at its "stop after" says so.
+    if (pTavFind->limitReached())
+        unreadable = QStringLiteral("  —  ") + tav::fill(xt("stopped after $ files with hits"), tav::format1000(pTavFind->maxResults)) + unreadable;
     if (pTavFind->hasResults()) {
         buttonResultsDone_->setEnabled(true);
         const QString totals =

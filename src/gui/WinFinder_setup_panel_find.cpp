@@ -21,6 +21,7 @@
 #include <QLineEdit>
 #include <QStatusBar>
 #include <QMenu>
+#include <QSpinBox>
 #include <QToolButton>
 
 namespace tavFinder {
@@ -94,6 +95,14 @@ void WinFinder::setup_panel_find() {
                                                     xt("Respect .gitignore: leave out what .gitignore and .ignore files name"), nullptr, true);
     buttonIgnoreFiles_->setObjectName(QStringLiteral("buttonIgnoreFiles"));
     buttonIgnoreFiles_->setChecked(nWin && nWin->isBool(QStringLiteral("flagIgnoreFiles"), false));
+    // Stop early: 0 means every file.
+    spinMaxFiles_ = content->add(new QSpinBox(content));
+    spinMaxFiles_->setObjectName(QStringLiteral("spinMaxFiles"));
+    spinMaxFiles_->setRange(0, 1000000);
+    spinMaxFiles_->setSpecialValueText(xt("all files"));
+    spinMaxFiles_->setSuffix(QStringLiteral(" ") + xt("files"));
+    spinMaxFiles_->setToolTip(xt("Stop after N files: the search ends once this many files with hits are found"));
+    spinMaxFiles_->setValue(nWin ? int(nWin->getUInt(QStringLiteral("maxFiles"), 0)) : 0);
     QToolButton* saved = content->createImageButton(WindowBase::icon(QStringLiteral("find3.svg")), xt("Saved searches"), nullptr, false);
     saved->setObjectName(QStringLiteral("buttonSavedSearches"));
     saved->setPopupMode(QToolButton::InstantPopup);

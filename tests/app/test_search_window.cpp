@@ -42,6 +42,7 @@
 #include <QProcess>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QSpinBox>
 #include <QToolButton>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -736,6 +737,15 @@ void TestSearchWindow::ignoreFilesSwitch() {
     QTRY_COMPARE(w->labelFileTotals()->text(), QStringLiteral("files: total:1, files match:1"));
     w->buttonIgnoreFiles()->click();
     w->comboPattern()->setEditText(QString());
+    // Stop after N files: the search ends with N rows and says why.
+    setBits(w, WinFinder::FILTER_CONTENT);
+    w->spinMaxFiles()->setValue(2);
+    QCOMPARE(found().size(), 2);
+    QTRY_VERIFY2(w->labelDone()->text().contains(QStringLiteral("stopped after 2 files with hits")), qPrintable(w->labelDone()->text()));
+    w->spinMaxFiles()->setValue(0);
+    QCOMPARE(found().size(), 3);
+    QTRY_VERIFY2(w->labelDone()->text().contains(QStringLiteral("files-match:3,")), qPrintable(w->labelDone()->text()));
+    QVERIFY2(!w->labelDone()->text().contains(QStringLiteral("stopped")), qPrintable(w->labelDone()->text()));
     setBits(w, 0);
     closeNow(w);
 }
