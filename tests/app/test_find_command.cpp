@@ -3,6 +3,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QStandardPaths>
 #include <QtTest>
 
 namespace {
@@ -188,6 +189,19 @@ private slots:
         QCOMPARE(paths.takeLast(), QByteArray());
         QCOMPARE(paths.size(), 3);
         QVERIFY(paths.contains(f.abs("sub/new\nline.txt").toUtf8()));
+
+        // Python's csv module reads it with the right columns.
+        if (!QStandardPaths::findExecutable(QStringLiteral("python3")).isEmpty()) {
+            QProcess py;
+            py.start(QStringLiteral("python3"),
+                     {QStringLiteral("-c"), QStringLiteral("import csv,sys\nr=list(csv.reader(sys.stdin))\nprint(len(r), r[0], sorted(x[1] for x in r[1:]))")});
+            py.waitForStarted();
+            py.write(csv);
+            py.closeWriteChannel();
+            QVERIFY(py.waitForFinished(30000));
+            QCOMPARE(QString::fromUtf8(py.readAllStandardOutput()).trimmed(),
+                     QStringLiteral("4 ['path', 'name', 'folder', 'size', 'date', 'hits'] ['a.txt', 'new\\nline.txt', 'we,ird \"name\".txt']"));
+        }
 
         // Stop early: exactly N files, and the summary says so.
         const QByteArray two = raw({"--maxFiles", "2", "--format", "null"}, &err);

@@ -47,6 +47,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QStandardPaths>
 #include <QtTest>
 
 using tavFinder::WinFinder;
@@ -93,6 +94,7 @@ private slots:
     void documentsAndArchives();
     void ignoreFilesSwitch();
     void savedSearches();
+    void reportEscapesNamesAndLines();
 };
 
 void TestSearchWindow::initTestCase() {
@@ -815,6 +817,47 @@ void TestSearchWindow::savedSearches() {
     QCOMPARE(aside.size(), 1);
     setBits(w, 0);
     closeNow(w);
+}
+
+void TestSearchWindow::reportEscapesNamesAndLines() {
+    // The report escapes what file names and lines hold: no script of theirs runs, and the
+    // page parses with its tags balanced.
+    tree.file(QStringLiteral("scr/<script>x.txt"), "<script>alert(1)</script> needle\n");
+    tree.file(QStringLiteral("scr/plain.txt"), "a needle & more\n");
+    QPointer<WinFinder> w = open(abs("scr"));
+    QTRY_COMPARE(w->treeView()->selectedFile().absoluteFilePath(), abs("scr"));
+    setBits(w, WinFinder::FILTER_CONTENT);
+    w->comboContent()->setEditText(QStringLiteral("needle"));
+    w->on_find();
+    QTRY_COMPARE(w->findPage(), int(WinFinder::PAGE_DONE));
+    QTRY_COMPARE(w->panelResults()->model()->rowCount(), 2);
+    tftest::TestDir out;
+    bool finished = false;
+    w->export_results(out.abs("s.html"), [&](bool, const QString&) { finished = true; });
+    QTRY_VERIFY(finished);
+    QFile scripted(out.abs("s.html"));
+    QVERIFY(scripted.open(QIODevice::ReadOnly));
+    const QByteArray page = scripted.readAll();
+    QVERIFY(!page.contains("<script"));
+    QVERIFY(page.contains("&lt;script&gt;x.txt") && page.contains("&lt;script&gt;alert(1)&lt;/script&gt; <mark>needle</mark>"));
+    if (!QStandardPaths::findExecutable(QStringLiteral("python3")).isEmpty()) {
+        QProcess py;
+        py.start(QStringLiteral("python3"), {QStringLiteral("-c"), QStringLiteral(
+            "import sys\nfrom html.parser import HTMLParser\nvoid={'meta','br'}\nst=[]\nbad=[]\n"
+            "class P(HTMLParser):\n"
+            "  def handle_starttag(s,t,a):\n    (t in void) or st.append(t)\n"
+            "  def handle_endtag(s,t):\n    (st and st[-1]==t and st.pop()) or bad.append(t)\n"
+            "P().feed(sys.stdin.read())\nprint('ok' if not st and not bad else ('bad', st, bad))")});
+        py.waitForStarted();
+        py.write(page);
+        py.closeWriteChannel();
+        QVERIFY(py.waitForFinished(30000));
+        QCOMPARE(QString::fromUtf8(py.readAllStandardOutput()).trimmed(), QStringLiteral("ok"));
+    }
+    QVERIFY(page.contains("a <mark>needle</mark> &amp; more"));
+    setBits(w, 0);
+    closeNow(w);
+
 }
 
 QTEST_MAIN(TestSearchWindow)
