@@ -12,6 +12,7 @@
 
 #include "base/dir/XDirInfo.h"
 #include "base/find/XFilter.h"
+#include "base/io/XPaths.h"
 #include "base/kernel/CommandLine.h"
 #include "base/log/Logger.h"
 #include "base/text/TextFiles.h"
@@ -62,11 +63,11 @@ void reportUnreadable(const tav::XDirInfo& scan, const TavFind* search = nullptr
     if (n == 0 && nf == 0) return;
     QByteArray err;
     const QStringList listed = scan.unreadableDirs();
-    for (const QString& p : listed) err += "find: cannot read " + QFile::encodeName(p) + '\n';
+    for (const QString& p : listed) err += "find: cannot read " + tav::encodePath(p) + '\n';
     if (n > uint32_t(listed.size()))
         err += tav::fill("find: ... and $ more folders that cannot be read", n - uint32_t(listed.size())).toUtf8() + '\n';
     const QStringList files = search ? search->unreadableFiles() : QStringList();
-    for (const QString& p : files) err += "find: cannot read " + QFile::encodeName(p) + '\n';
+    for (const QString& p : files) err += "find: cannot read " + tav::encodePath(p) + '\n';
     if (nf > uint64_t(files.size()))
         err += tav::fill("find: ... and $ more files that cannot be read", nf - uint64_t(files.size())).toUtf8() + '\n';
     std::fwrite(err.constData(), 1, size_t(err.size()), stderr);
@@ -110,7 +111,7 @@ void writeData(const QString& format, const std::vector<const FileResult*>& rows
         // Each path ends with a NUL byte: names with newlines or tabs stay whole.
         QByteArray b;
         for (const FileResult* r : rows) {
-            b += QFile::encodeName(r->displayPath());
+            b += tav::encodePath(r->displayPath());
             b += '\0';
             if (b.size() > kOutBlock) {
                 write(b);
@@ -259,7 +260,7 @@ int runFindCommand(tav::CommandLine& cl) {
         QByteArray out;
         if (format == QLatin1String("tsv")) {
             if (show != QLatin1String("count")) {
-                for (QFileInfo* fi : listed) out += QFile::encodeName(fi->absoluteFilePath()) + '\n';
+                for (QFileInfo* fi : listed) out += tav::encodePath(fi->absoluteFilePath()) + '\n';
             }
             write(out + summary);
         } else {
@@ -314,7 +315,7 @@ int runFindCommand(tav::CommandLine& cl) {
     std::vector<Row> rows;
     rows.reserve(results.size());
     for (const FileResult& r : results) {
-        rows.push_back({size_t(r.layer.size()), QFile::encodeName(r.displayPath()), &r});
+        rows.push_back({size_t(r.layer.size()), tav::encodePath(r.displayPath()), &r});
     }
     std::sort(rows.begin(), rows.end(), [](const Row& a, const Row& b) {
         if (a.hits != b.hits) return a.hits > b.hits;

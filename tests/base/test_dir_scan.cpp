@@ -1,5 +1,6 @@
 #include "base/dir/XDirInfo.h"
 #include "base/io/XLineReaderDA.h"
+#include "base/io/XPaths.h"
 #include "base/thread/XThread.h"
 #include "common/TestEnv.h"
 
@@ -348,6 +349,33 @@ private slots:
         all.scan_dir(repo);
         all.setup_filtered_files(tav::XFileFilter(), true);
         QVERIFY(all.ar_filtered_files.size() > size_t(files.size()));
+    }
+
+    void namesThatAreNotUtf8AreFoundAndOpened() {
+        // Every byte string comes back as it was, valid UTF-8 or not.
+        for (const QByteArray& raw : {QByteArray("caf\xe9.txt"), QByteArray("\xff\xfe"), QByteArray("ok-\xc3\xa9"), QByteArray("\xed\xa0\x80"),
+                                      QByteArray("\xc0\xaf"), QByteArray("\xf0\x9f\x98\x80 x"), QByteArray("\xe2\x82")}) {
+            QCOMPARE(tav::encodePath(tav::decodePath(raw)), raw);
+        }
+        QCOMPARE(tav::decodePath(QByteArray("ok-\xc3\xa9")), QStringLiteral("ok-\u00e9"));
+        // A Latin-1 name in a folder: listed with its own bytes and opened by the line reader.
+        tftest::TestDir d;
+        const QByteArray name = QFile::encodeName(d.path()) + "/caf\xe9.txt";
+        {
+            const int fd = ::open(name.constData(), O_WRONLY | O_CREAT, 0644);
+            QVERIFY(fd >= 0);
+            QCOMPARE(::write(fd, "needle\n", 7), ssize_t(7));
+            ::close(fd);
+        }
+        tav::XDirInfo scan;
+        scan.scan_dir(d.path());
+        scan.setup_filtered_files(tav::XFileFilter(), true);
+        QCOMPARE(scan.ar_filtered_files.size(), size_t(1));
+        const QString path = scan.ar_filtered_files[0]->absoluteFilePath();
+        QCOMPARE(tav::encodePath(path), name);
+        tav::XLineReaderDA reader;
+        QVERIFY(reader.openFile(path, 0x10000, true));
+        QCOMPARE(reader.getMemorySize(), 7u);
     }
 };
 

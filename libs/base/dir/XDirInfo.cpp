@@ -86,7 +86,7 @@ XDirInfo& XDirInfo::operator=(const XDirInfo& o) {
 void XDirInfo::noteUnreadable(const std::string& dir) {
     countUnreadableDirs.fetch_add(1, std::memory_order_relaxed);
     std::lock_guard<std::mutex> g(unreadableMutex_);
-    if (size_t(unreadable_.size()) < kMaxUnreadableListed) unreadable_.push_back(QFile::decodeName(dir.c_str()));
+    if (size_t(unreadable_.size()) < kMaxUnreadableListed) unreadable_.push_back(decodePath(dir.data(), dir.size()));
 }
 
 QStringList XDirInfo::unreadableDirs() const {
@@ -159,7 +159,7 @@ bool XDirInfo::scan(const QString& path, const XFileFilter* filter, const FileFe
     const bool needStat = flagStatFiles || prepared.needsStat();
     const bool hidden = flagHiddenFiles;
 
-    const std::string root = QFile::encodeName(QDir::cleanPath(QDir(path).absolutePath())).toStdString();
+    const std::string root = encodePath(QDir::cleanPath(QDir(path).absolutePath())).toStdString();
     {
         struct stat st;
         if (::stat(root.c_str(), &st) != 0 || !S_ISDIR(st.st_mode)) {
@@ -183,14 +183,14 @@ bool XDirInfo::scan(const QString& path, const XFileFilter* filter, const FileFe
         std::vector<int64_t> sizes;
         block.reserve(part.files.size() - firstFile);
         sizes.reserve(part.files.size() - firstFile);
-        QString prefix = QFile::decodeName(QByteArray::fromRawData(dir.data(), int(dir.size())));
+        QString prefix = decodePath(dir.data(), dir.size());
         if (!prefix.endsWith(QLatin1Char('/'))) prefix += QLatin1Char('/');
         for (size_t i = firstFile; i < part.files.size(); ++i) {
             const WalkPart::File& r = part.files[i];
             const char* name = part.names.data() + r.nameOff;
             if (!prepared.matchFileName(name, r.nameLen)) continue;
             if (prepared.needsStat() && (!r.hasStat || !prepared.matchStat(r.size, r.mtimeMs))) continue;
-            block.emplace_back(prefix + QFile::decodeName(QByteArray::fromRawData(name, int(r.nameLen))));
+            block.emplace_back(prefix + decodePath(name, r.nameLen));
             sizes.push_back(r.hasStat ? int64_t(r.size) : -1);
         }
         if (block.empty()) return;
@@ -432,7 +432,7 @@ XFindStats XDirInfo::setup_filtered_files(const XFileFilter& filter, bool sortBy
         std::vector<QFileInfo>& out = partInfos[k];
         out.reserve(m * (k + 1) / infoParts - m * k / infoParts);
         for (size_t i = m * k / infoParts, end = m * (k + 1) / infoParts; i < end; ++i)
-            out.emplace_back(QFile::decodeName(QByteArray::fromRawData(hits[i].path.data(), int(hits[i].path.size()))));
+            out.emplace_back(decodePath(hits[i].path.data(), hits[i].path.size()));
     });
     auto infos = std::make_shared<std::vector<QFileInfo>>();
     if (infoParts == 1) {

@@ -80,7 +80,7 @@ bool XLineReaderDA::openFile(const QString& path, uint64_t probeBytes, bool chec
 bool XLineReaderDA::open(const QString& path, uint64_t probeBytes, bool checkBinary, int64_t knownSize) {
     close();
     path_ = path;
-    const QByteArray native = QFile::encodeName(path);
+    const QByteArray native = encodePath(path);
     // O_NONBLOCK: a file swapped for a FIFO since the scan must not block the search.
     const int fd = openPath(native.constData(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK | (knownSize >= 0 ? O_NOFOLLOW : 0));
     if (fd < 0) return false;

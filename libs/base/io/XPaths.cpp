@@ -90,4 +90,66 @@ QString get_exe_path(bool withName) {
     return withName ? target : QFileInfo(target).absolutePath();
 }
 
+QString decodePath(const char* bytes, size_t size) {
+    // Valid UTF-8 (the common case) the usual way.
+    const auto* b = reinterpret_cast<const unsigned char*>(bytes);
+    bool plain = true;
+    for (size_t i = 0; i < size && plain; ++i) plain = b[i] < 0x80;
+    if (plain) return QString::fromLatin1(bytes, int(size));
+    QString out;
+    out.reserve(int(size));
+    size_t i = 0;
+    while (i < size) {
+        const unsigned char c = b[i];
+        size_t len = c < 0x80 ? 1 : (c & 0xE0) == 0xC0 ? 2 : (c & 0xF0) == 0xE0 ? 3 : (c & 0xF8) == 0xF0 ? 4 : 0;
+        uint32_t cp = len == 1 ? c : len == 2 ? (c & 0x1F) : len == 3 ? (c & 0x0F) : (c & 0x07);
+        bool ok = len > 0 && i + len <= size;
+        for (size_t k = 1; ok && k < len; ++k) {
+            ok = (b[i + k] & 0xC0) == 0x80;
+            cp = (cp << 6) | (b[i + k] & 0x3F);
+        }
+        // Overlong forms, surrogates and values past U+10FFFF are not UTF-8 either.
+        if (ok) ok = !(len == 2 && cp < 0x80) && !(len == 3 && cp < 0x800) && !(len == 4 && (cp < 0x10000 || cp > 0x10FFFF)) &&
+                     !(cp >= 0xD800 && cp <= 0xDFFF);
+        if (!ok) {
+            out += QChar(ushort(0xDC00 + c));
+            ++i;
+            continue;
+        }
+        if (cp >= 0x10000) {
+            out += QChar(QChar::highSurrogate(cp));
+            out += QChar(QChar::lowSurrogate(cp));
+        } else {
+            out += QChar(ushort(cp));
+        }
+        i += len;
+    }
+    return out;
+}
+
+QByteArray encodePath(const QString& path) {
+    bool escaped = false;
+    for (const QChar c : path)
+        if (c.unicode() >= 0xDC80 && c.unicode() <= 0xDCFF) {
+            escaped = true;
+            break;
+        }
+    if (!escaped) return path.toUtf8();
+    QByteArray out;
+    out.reserve(path.size() * 2);
+    for (int i = 0; i < path.size(); ++i) {
+        const ushort u = path[i].unicode();
+        const bool lone = u >= 0xDC80 && u <= 0xDCFF && !(i > 0 && QChar::isHighSurrogate(path[i - 1].unicode()));
+        if (lone) {
+            out += char(u - 0xDC00);
+            continue;
+        }
+        int n = 1;
+        if (QChar::isHighSurrogate(u) && i + 1 < path.size() && QChar::isLowSurrogate(path[i + 1].unicode())) n = 2;
+        out += path.mid(i, n).toUtf8();
+        i += n - 1;
+    }
+    return out;
+}
+
 } // namespace tav

@@ -16,6 +16,15 @@ bool empty_out_cache_dir();                                   // removes everyth
 // -1 and errno as open(2) otherwise.
 int openPath(const char* path, int flags);
 
+// File names are bytes; most are UTF-8, some (old Latin-1 names on shared
+// drives) are not. decodePath keeps every byte that is not part of valid UTF-8
+// as one of the characters U+DC80..U+DCFF, and encodePath gives those bytes
+// back, so such a file can be opened, named and printed as it is. Names shown
+// to the user show these characters as replacement characters.
+QString decodePath(const char* bytes, size_t size);
+inline QString decodePath(const QByteArray& b) { return decodePath(b.constData(), size_t(b.size())); }
+QByteArray encodePath(const QString& path);
+
 // Directory of the running executable (with its file name when 'withName').
 QString get_exe_path(bool withName);
 
