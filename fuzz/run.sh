@@ -8,7 +8,7 @@ source "$(dirname "$0")/../scripts/common.sh"
 tf_install_missing clang libclang-rt-14-dev
 B="$TF_ROOT/build-fuzz"
 targets=("$@")
-[ ${#targets[@]} -gt 0 ] || targets=(fuzz_xtree fuzz_node fuzz_expression fuzz_userdata)
+[ ${#targets[@]} -gt 0 ] || targets=(fuzz_xtree fuzz_node fuzz_expression fuzz_userdata fuzz_ignore)
 if [ ! -f "$B/CMakeCache.txt" ]; then
   CC=clang CXX=clang++ cmake -S "$TF_ROOT" -B "$B" -DTF_FUZZ=ON -DTF_BUILD_TESTS=OFF -DTF_SANITIZE=address \
     -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null

@@ -1,4 +1,5 @@
 #include "base/dir/XDirInfo.h"
+#include "base/dir/XIgnore.h"
 #include "base/io/XLineReaderDA.h"
 #include "base/io/XPaths.h"
 #include "base/thread/XThread.h"
@@ -13,6 +14,7 @@
 #include <mutex>
 #include <linux/capability.h>
 #include <climits>
+#include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -340,6 +342,19 @@ private slots:
         for (const QString& f : expected)
             if (f.startsWith("src/")) inSrc << f;
         QCOMPARE(listed(d.abs("repo/src")), inSrc);
+        // Wildcards as git matches them, and a hostile pattern that would backtrack for ever in a
+        // naive matcher ends at once (the fuzzer found it).
+        const auto glob = [](const char* pattern, const char* text) {
+            return tav::XIgnoreRules::globMatch(pattern, pattern + std::strlen(pattern), text, text + std::strlen(text));
+        };
+        QVERIFY(glob("a/**/b", "a/b") && glob("a/**/b", "a/x/y/b") && !glob("a/**/b", "a/xb"));
+        QVERIFY(glob("**/gen", "gen") && glob("**/gen", "x/y/gen") && glob("x/**", "x/y/z") && !glob("x/**", "x"));
+        QVERIFY(glob("*.c", "m.c") && !glob("*.c", "d/m.c") && glob("a**b", "axxb") && !glob("a**b", "a/b"));
+        QVERIFY(glob("[a-c]?.t", "b1.t") && !glob("[!a-c]?.t", "b1.t") && glob("\\*x", "*x") && glob("[", "["));
+        const std::string many = std::string(200, 'a');
+        QVERIFY(!glob("*a*a*a*a*a*a*a*a*a*a*a*a*a*a*a*a*a*a*a*a*b", many.c_str()));
+        QVERIFY(!glob("**a**a**a**a**a**a**a**a**a**a**a**a**b", (many + "/" + many).c_str()));
+
         // ".ignore" files are read as well (git does not read them).
         d.file(QStringLiteral("repo/sub/.ignore"), "ok.txt\n");
         QVERIFY(!listed(repo).contains("sub/ok.txt"));

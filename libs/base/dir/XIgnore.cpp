@@ -48,56 +48,72 @@ bool readSmall(const std::string& path, std::string& out) {
 
 } // namespace
 
-bool XIgnoreRules::globMatch(const char* p, const char* pe, const char* s, const char* se) {
-    while (p < pe) {
-        const char c = *p;
-        if (c == '*') {
-            const bool dbl = p + 1 < pe && p[1] == '*';
-            if (dbl) {
-                const char* after = p + 2;
-                // "**" alone in a part: any number of folders.
-                if (after == pe) return true;
-                if (*after == '/') {
-                    for (const char* t = s;; ++t) {
-                        if ((t == s || t[-1] == '/') && globMatch(after + 1, pe, t, se)) return true;
-                        if (t >= se) return false;
-                    }
+namespace {
+// git's wildmatch: a star that cannot place the rest of the pattern tells its
+// callers so (ABORT_ALL), and a single star stops at a '/' (ABORT_TO_STARSTAR),
+// so no outer star retries what an inner one already failed: hostile patterns
+// like "*a*a*a*a*b" stay polynomial.
+enum { NOMATCH = 0, MATCH = 1, ABORT_ALL = -1, ABORT_TO_STARSTAR = -2 };
+
+int wild(const char* p, const char* pe, const char* s, const char* se, const char* pstart) {
+    for (; p < pe; ++p, ++s) {
+        char c = *p;
+        if (s >= se && c != '*') return ABORT_ALL;
+        switch (c) {
+        case '\\':
+            if (p + 1 < pe) c = *++p;
+            if (*s != c) return NOMATCH;
+            break;
+        case '?':
+            if (*s == '/') return NOMATCH;
+            break;
+        case '*': {
+            const char* prev = p - 1;
+            bool matchSlash = false;
+            const char* after = p + 1;
+            if (after < pe && *after == '*') {
+                while (after < pe && *after == '*') ++after;
+                // "**" as a whole part: any number of folders.
+                if ((prev < pstart || *prev == '/') && (after == pe || *after == '/')) {
+                    if (after < pe && wild(after + 1, pe, s, se, pstart) == MATCH) return MATCH;
+                    matchSlash = true;
                 }
-                p = after - 1;   // "**" inside a part is a single '*'
             }
-            ++p;
-            // '*' takes any run without '/'.
-            for (const char* t = s;; ++t) {
-                if (globMatch(p, pe, t, se)) return true;
-                if (t >= se || *t == '/') return false;
+            p = after;
+            if (p == pe) {
+                if (!matchSlash && std::memchr(s, '/', size_t(se - s))) return ABORT_TO_STARSTAR;
+                return MATCH;
             }
+            for (; s < se; ++s) {
+                const int m = wild(p, pe, s, se, pstart);
+                if (m != NOMATCH) {
+                    if (!matchSlash || m != ABORT_TO_STARSTAR) return m;
+                } else if (!matchSlash && *s == '/') {
+                    return ABORT_TO_STARSTAR;
+                }
+            }
+            return ABORT_ALL;
         }
-        if (s >= se) return false;
-        if (c == '?') {
-            if (*s == '/') return false;
-            ++p;
-            ++s;
-            continue;
-        }
-        if (c == '[') {
+        case '[': {
             const char* end = nullptr;
             const int m = *s == '/' ? 0 : matchClass(p + 1, pe, static_cast<unsigned char>(*s), &end);
-            if (m == 0) return false;
+            if (m == 0) return NOMATCH;
             if (m == 1) {
-                p = end;
-                ++s;
-                continue;
+                p = end - 1;   // the loop steps past the ']'
+                break;
             }
-            // An unclosed '[' is itself.
+            if (*s != '[') return NOMATCH;   // an unclosed '[' is itself
+            break;
         }
-        char lit = c;
-        if (c == '\\' && p + 1 < pe) lit = *++p;
-        if (*s != lit) return false;
-        ++p;
-        ++s;
+        default:
+            if (*s != c) return NOMATCH;
+        }
     }
-    return s == se;
+    return s == se ? MATCH : NOMATCH;
 }
+} // namespace
+
+bool XIgnoreRules::globMatch(const char* p, const char* pe, const char* s, const char* se) { return wild(p, pe, s, se, p) == MATCH; }
 
 std::vector<XIgnoreRules::Pattern> XIgnoreRules::parse(const std::string& text) {
     std::vector<Pattern> out;
