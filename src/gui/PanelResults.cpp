@@ -285,8 +285,21 @@ void PanelResults::onTableHeaderSelected(int column) {
     sortAscending_ = ascending;
     tableResult_->setSortColum(column, ascending ? 0 : 1);
     log(tav::LOG_TRACE, "PanelResults::onTableHeaderSelected, column:$, sort:$", column, ascending ? "UP" : "DOWN");
+    // The chosen row stays chosen in the new order (its preview stays as it is).
+    const int row = tableResult_->currentRow();
+    const QString chosen = row < 0                  ? QString()
+                           : model_->isBasicMode() ? model_->fromRow(row).absoluteFilePath()
+                                                   : model_->fileResultFromRow(row).displayPath();
     model_->sort(column, ascending);
     model_->refreshAll();
+    if (chosen.isEmpty()) return;
+    for (int r = 0, n = model_->rowCount(); r < n; ++r) {
+        const QString path = model_->isBasicMode() ? model_->fromRow(r).absoluteFilePath() : model_->fileResultFromRow(r).displayPath();
+        if (path != chosen) continue;
+        tableResult_->selectRow(r, false);
+        tableResult_->scrollTo(model_->index(r, 0));
+        break;
+    }
 }
 
 void PanelResults::on_jump_to_result(int row) {
