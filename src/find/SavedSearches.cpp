@@ -10,12 +10,42 @@
 
 namespace tavFinder {
 
-bool SavedSearch::operator==(const SavedSearch& o) const {
-    return name == o.name && folder == o.folder && pattern == o.pattern && notPattern == o.notPattern && timeArea == o.timeArea &&
-           time1 == o.time1 && time2 == o.time2 && sizeArea == o.sizeArea && size1 == o.size1 && size2 == o.size2 &&
-           hidden == o.hidden && textFiles == o.textFiles && content == o.content && regex == o.regex && scope == o.scope &&
-           wholeWords == o.wholeWords && matchCase == o.matchCase && documents == o.documents && ignoreFiles == o.ignoreFiles;
+namespace {
+// Every field but the name, with its key in the store: load and save walk the
+// same list, so a new field cannot be forgotten in one of them.
+template <typename S, typename F>
+void eachField(S& s, F&& f) {
+    f("folder", s.folder);
+    f("pattern", s.pattern);
+    f("notPattern", s.notPattern);
+    f("timeArea", s.timeArea);
+    f("time1", s.time1);
+    f("time2", s.time2);
+    f("sizeArea", s.sizeArea);
+    f("size1", s.size1);
+    f("size2", s.size2);
+    f("hidden", s.hidden);
+    f("textFiles", s.textFiles);
+    f("content", s.content);
+    f("regex", s.regex);
+    f("scope", s.scope);
+    f("wholeWords", s.wholeWords);
+    f("matchCase", s.matchCase);
+    f("documents", s.documents);
+    f("ignoreFiles", s.ignoreFiles);
 }
+
+void read(const tav::XNode* n, const char* key, QString& v) { v = n->getString(QLatin1String(key)); }
+void read(const tav::XNode* n, const char* key, bool& v) { v = n->isBool(QLatin1String(key), false); }
+void read(const tav::XNode* n, const char* key, uint32_t& v) { v = n->getUInt(QLatin1String(key), 0); }
+void read(const tav::XNode* n, const char* key, int64_t& v) { v = n->getInt64(QLatin1String(key), 0); }
+void read(const tav::XNode* n, const char* key, uint64_t& v) { v = uint64_t(n->getInt64(QLatin1String(key), 0)); }
+void write(tav::XNode* n, const char* key, const QString& v) { n->setString(QLatin1String(key), v); }
+void write(tav::XNode* n, const char* key, bool v) { n->setBool(QLatin1String(key), v); }
+void write(tav::XNode* n, const char* key, uint32_t v) { n->setUInt(QLatin1String(key), v); }
+void write(tav::XNode* n, const char* key, int64_t v) { n->setInt64(QLatin1String(key), v); }
+void write(tav::XNode* n, const char* key, uint64_t v) { n->setInt64(QLatin1String(key), int64_t(v)); }
+} // namespace
 
 namespace SavedSearches {
 
@@ -42,24 +72,7 @@ QList<SavedSearch> load() {
         SavedSearch s;
         s.name = n->name();
         if (s.name.isEmpty()) continue;
-        s.folder = n->getString(QStringLiteral("folder"));
-        s.pattern = n->getString(QStringLiteral("pattern"));
-        s.notPattern = n->getString(QStringLiteral("notPattern"));
-        s.timeArea = n->getUInt(QStringLiteral("timeArea"), 0);
-        s.time1 = n->getInt64(QStringLiteral("time1"), 0);
-        s.time2 = n->getInt64(QStringLiteral("time2"), 0);
-        s.sizeArea = n->getUInt(QStringLiteral("sizeArea"), 0);
-        s.size1 = uint64_t(n->getInt64(QStringLiteral("size1"), 0));
-        s.size2 = uint64_t(n->getInt64(QStringLiteral("size2"), 0));
-        s.hidden = n->isBool(QStringLiteral("hidden"), false);
-        s.textFiles = n->isBool(QStringLiteral("textFiles"), false);
-        s.content = n->getString(QStringLiteral("content"));
-        s.regex = n->isBool(QStringLiteral("regex"), false);
-        s.scope = n->getUInt(QStringLiteral("scope"), 0);
-        s.wholeWords = n->isBool(QStringLiteral("wholeWords"), false);
-        s.matchCase = n->isBool(QStringLiteral("matchCase"), false);
-        s.documents = n->isBool(QStringLiteral("documents"), false);
-        s.ignoreFiles = n->isBool(QStringLiteral("ignoreFiles"), false);
+        eachField(s, [n](const char* key, auto& v) { read(n, key, v); });
         put(out, s);
     }
     return out;
@@ -70,24 +83,7 @@ bool save(const QList<SavedSearch>& all) {
     for (const SavedSearch& s : all) {
         // The node's name is the search's name.
         tav::XNode* n = root->createChild(kSearch, s.name);
-        n->setString(QStringLiteral("folder"), s.folder);
-        n->setString(QStringLiteral("pattern"), s.pattern);
-        n->setString(QStringLiteral("notPattern"), s.notPattern);
-        n->setUInt(QStringLiteral("timeArea"), s.timeArea);
-        n->setInt64(QStringLiteral("time1"), s.time1);
-        n->setInt64(QStringLiteral("time2"), s.time2);
-        n->setUInt(QStringLiteral("sizeArea"), s.sizeArea);
-        n->setInt64(QStringLiteral("size1"), int64_t(s.size1));
-        n->setInt64(QStringLiteral("size2"), int64_t(s.size2));
-        n->setBool(QStringLiteral("hidden"), s.hidden);
-        n->setBool(QStringLiteral("textFiles"), s.textFiles);
-        n->setString(QStringLiteral("content"), s.content);
-        n->setBool(QStringLiteral("regex"), s.regex);
-        n->setUInt(QStringLiteral("scope"), s.scope);
-        n->setBool(QStringLiteral("wholeWords"), s.wholeWords);
-        n->setBool(QStringLiteral("matchCase"), s.matchCase);
-        n->setBool(QStringLiteral("documents"), s.documents);
-        n->setBool(QStringLiteral("ignoreFiles"), s.ignoreFiles);
+        eachField(s, [n](const char* key, const auto& v) { write(n, key, v); });
     }
     return root->saveNodeToXml(storePath());
 }

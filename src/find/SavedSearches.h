@@ -27,8 +27,6 @@ struct SavedSearch {
     bool matchCase = false;
     bool documents = false;
     bool ignoreFiles = false;
-
-    bool operator==(const SavedSearch& o) const;
 };
 
 namespace SavedSearches {

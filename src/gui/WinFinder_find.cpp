@@ -44,9 +44,9 @@ using tav::xt;
 
 void WinFinder::ThreadScanDir::runCustom() {
     if (X_ASSERT_MSG(pFilterCurrent, "pFilterCurrent == NULL")) {
-        // With the filter the scan skips excluded folders and stats files only for its
-        // bounds, or all of them when a content search follows and needs their sizes.
-        dirInfo.flagStatFiles = pFilterCurrent->has_content_filter();
+        // Name-only searches (content searches walk in their job): with the filter the scan
+        // skips excluded folders and stats files only for its bounds.
+        dirInfo.flagStatFiles = false;
         dirInfo.scan_dir(dirInfo.sPath, &pFilterCurrent->fileFilter);
         stats = dirInfo.setup_filtered_files(pFilterCurrent->fileFilter, true);
     }
