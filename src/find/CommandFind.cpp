@@ -17,6 +17,7 @@
 #include "base/log/Logger.h"
 #include "base/text/TextFiles.h"
 #include "base/util/Format.h"
+#include "src/find/FileMarks.h"
 #include "src/find/ResultExport.h"
 #include "src/find/SavedSearches.h"
 #include "src/find/SearchJob.h"
@@ -299,6 +300,10 @@ int runFindCommand(tav::CommandLine& cl) {
     params.countLines = countLines;
     params.maxFiles = maxFiles;
     params.ignoreFiles = ignoreFiles;
+    // Counts need one mark per file; hits are printed from the kept marks, and a
+    // file with more is searched again as it is printed, so none are held.
+    const bool allHits = show == QLatin1String("hits") || format == QLatin1String("json");
+    params.keepMarks = allHits ? 1000 : 1;
     job.start(params);
     sink.loop.exec();
     TavFind& search = job.search();
@@ -315,7 +320,7 @@ int runFindCommand(tav::CommandLine& cl) {
     std::vector<Row> rows;
     rows.reserve(results.size());
     for (const FileResult& r : results) {
-        rows.push_back({size_t(r.layer.size()), tav::encodePath(r.displayPath()), &r});
+        rows.push_back({size_t(r.hits()), tav::encodePath(r.displayPath()), &r});
     }
     std::sort(rows.begin(), rows.end(), [](const Row& a, const Row& b) {
         if (a.hits != b.hits) return a.hits > b.hits;
@@ -340,6 +345,7 @@ int runFindCommand(tav::CommandLine& cl) {
         sum.hits = search.countHits();
         sum.seconds = double(tav::getMicroseconds() - timeStart) / 1e6;
         sum.stoppedAfter = search.limitReached() ? maxFiles : 0;
+        sum.filter = filter.contentFilter;
         writeData(format, ptrs, &sum, documents);
         std::fwrite(summaryLine.constData(), 1, size_t(summaryLine.size()), stderr);
     } else if (show == QLatin1String("files")) {
@@ -354,17 +360,19 @@ int runFindCommand(tav::CommandLine& cl) {
         };
         out.reserve(kOutBlock + 4096);
         for (const Row& r : rows) {
-            for (const tav::find::XRam& m : r.result->layer.marks()) {
-                out.append(r.path).append('\t');
-                number(m.pos());
-                out.append('\t');
-                number(m.len());
-                out.append('\n');
-                if (out.size() >= kOutBlock) {
-                    write(out);
-                    out.resize(0);   // keeps the reserved block
+            forEachMark(*r.result, filter.contentFilter, [&](const tav::find::XRam* marks, size_t n) {
+                for (size_t i = 0; i < n; ++i) {
+                    out.append(r.path).append('\t');
+                    number(marks[i].pos());
+                    out.append('\t');
+                    number(marks[i].len());
+                    out.append('\n');
+                    if (out.size() >= kOutBlock) {
+                        write(out);
+                        out.resize(0);   // keeps the reserved block
+                    }
                 }
-            }
+            });
         }
     }
     if (format == QLatin1String("tsv")) out += summaryLine;

@@ -13,6 +13,7 @@ struct FileResult {
     QFileInfo fileInfo;           // the file, or the archive that holds the member
     QString member;               // inside an archive: "dir/a.log" or nested "x.zip!/a.log"
     int64_t size = -1;            // bytes of the file as it was searched (-1: not known)
+    bool extracted = false;       // found in the extracted text of a document or member
 
     FileResult() = default;
     FileResult(tav::find::XRamLayer l, QFileInfo fi, QString m = QString())
@@ -22,12 +23,14 @@ struct FileResult {
     // noexcept, so that growing result vectors move the marks instead of copying them
     // (QFileInfo has no move constructor; copying it only counts a reference).
     FileResult(FileResult&& o) noexcept
-        : layer(std::move(o.layer)), fileInfo(o.fileInfo), member(std::move(o.member)), size(o.size) {}
+        : layer(std::move(o.layer)), fileInfo(o.fileInfo), member(std::move(o.member)), size(o.size),
+          extracted(o.extracted) {}
     FileResult& operator=(FileResult&& o) noexcept {
         layer = std::move(o.layer);
         fileInfo = o.fileInfo;
         member = std::move(o.member);
         size = o.size;
+        extracted = o.extracted;
         return *this;
     }
     bool isMember() const { return !member.isEmpty(); }
@@ -36,6 +39,8 @@ struct FileResult {
         const QString p = fileInfo.isAbsolute() ? fileInfo.filePath() : fileInfo.absoluteFilePath();
         return member.isEmpty() ? p : p + QStringLiteral("!/") + member;
     }
+    // Every hit found (the layer may hold only the first ones as marks).
+    uint64_t hits() const { return layer.hitCount(); }
     // The hit count, or "not-valid" without hits.
     QString toString() const { return layer.toString(); }
 };

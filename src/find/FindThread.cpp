@@ -23,6 +23,7 @@ void FindThread::runCustom() {
     // Windows small enough to stay in the cache between the read and the search;
     // one without a line end grows as far as a whole window of the reader.
     reader_.setWindowSizes(kSearchWindow, tav::XLineReaderDA::DEFAULT_WINDOW);
+    contentFilter.setKeepMarks(pTavFind->keepMarks);
     if (pController && pController->isFlag(tav::AbstractThread::RUNNING)) {
         const std::function<void()> fileDone = pTavFind->onFileDone;
         bool took = false;
@@ -88,7 +89,7 @@ void FindThread::runCustom() {
             reader_.close();
             if (layer) {
                 tav::XFindStats::add(stats.countMatch, 1);
-                tav::XFindStats::add(stats.countHits, layer.size());
+                tav::XFindStats::add(stats.countHits, layer.hitCount());
                 FileResult r(std::move(layer), *file);
                 r.size = fileSize;   // the table needs no stat of its own
                 pController->addResult(std::move(r));
@@ -112,9 +113,10 @@ bool FindThread::searchExtracted(const QString& path, const QFileInfo& file, tav
             lines += uint64_t(part.text.count('\n')) + (part.text.endsWith('\n') ? 0 : 1);
         if (layer) {
             tav::XFindStats::add(stats.countMatch, 1);
-            tav::XFindStats::add(stats.countHits, layer.size());
+            tav::XFindStats::add(stats.countHits, layer.hitCount());
             FileResult r(std::move(layer), file, part.member);
             r.size = int64_t(reader_.getMemorySize());
+            r.extracted = true;
             pController->addResult(std::move(r));
         }
         return true;

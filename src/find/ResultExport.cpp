@@ -2,9 +2,15 @@
 
 #include "base/util/Format.h"
 
+#include "base/io/XPaths.h"
+#include "src/find/FileMarks.h"
+
 #include <QDateTime>
-#include <QFile>
 #include <cstring>
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace tavFinder {
 namespace exporting {
@@ -34,55 +40,89 @@ QByteArray lineText(const char* start, size_t len) {
 
 } // namespace
 
-std::vector<HitLine> hitLines(const char* data, size_t size, const std::vector<tav::find::XRam>& marks) {
-    std::vector<HitLine> out;
-    out.reserve(marks.size());
-    int64_t line = 1;
-    size_t scanned = 0, lineStart = 0;
-    for (const tav::find::XRam& m : marks) {
-        const size_t pos = size_t(std::max<int64_t>(0, m.pos()));
-        if (pos > size) break;
-        // Lines are counted forward only: marks come sorted.
-        while (scanned < pos) {
-            const void* nl = std::memchr(data + scanned, '\n', pos - scanned);
-            if (!nl) {
-                scanned = pos;
-                break;
-            }
-            scanned = size_t(static_cast<const char*>(nl) - data) + 1;
-            ++line;
-            lineStart = scanned;
+HitPlacer::HitPlacer(const char* data, size_t size) : data_(data), size_(size) {}
+
+bool HitPlacer::place(const tav::find::XRam& m, HitLine& h) {
+    const size_t pos = size_t(std::max<int64_t>(0, m.pos()));
+    if (pos > size_) return false;
+    // Lines are counted forward only: marks come sorted.
+    while (scanned_ < pos) {
+        const void* nl = std::memchr(data_ + scanned_, '\n', pos - scanned_);
+        if (!nl) {
+            scanned_ = pos;
+            break;
         }
-        const void* end = pos < size ? std::memchr(data + pos, '\n', size - pos) : nullptr;
-        const size_t lineEnd = end ? size_t(static_cast<const char*>(end) - data) : size;
-        HitLine h;
-        h.line = line;
-        h.column = int64_t(pos - lineStart) + 1;
-        h.offset = int64_t(pos);
-        h.length = int64_t(m.len());
-        h.text = lineText(data + lineStart, lineEnd - lineStart);
-        out.push_back(std::move(h));
+        scanned_ = size_t(static_cast<const char*>(nl) - data_) + 1;
+        ++line_;
+        lineStart_ = scanned_;
     }
-    return out;
+    const void* end = pos < size_ ? std::memchr(data_ + pos, '\n', size_ - pos) : nullptr;
+    const size_t lineEnd = end ? size_t(static_cast<const char*>(end) - data_) : size_;
+    h.line = line_;
+    h.column = int64_t(pos - lineStart_) + 1;
+    h.offset = int64_t(pos);
+    h.length = int64_t(m.len());
+    h.text = lineText(data_ + lineStart_, lineEnd - lineStart_);
+    return true;
 }
 
-std::vector<HitLine> hitLines(const FileResult& r, bool documents) {
-    const std::vector<tav::find::XRam>& marks = r.layer.marks();
-    if (marks.empty()) return {};
+namespace {
+// A file mapped for reading, opened by its own bytes (names need not be UTF-8).
+struct MappedFile {
+    const char* data = nullptr;
+    size_t size = 0;
+    explicit MappedFile(const QString& path) {
+        const int fd = tav::openPath(tav::encodePath(path).constData(), O_RDONLY | O_CLOEXEC);
+        if (fd < 0) return;
+        struct stat st {};
+        if (::fstat(fd, &st) == 0 && S_ISREG(st.st_mode) && st.st_size > 0) {
+            void* p = ::mmap(nullptr, size_t(st.st_size), PROT_READ, MAP_PRIVATE, fd, 0);
+            if (p != MAP_FAILED) {
+                data = static_cast<const char*>(p);
+                size = size_t(st.st_size);
+            }
+        }
+        ::close(fd);
+    }
+    ~MappedFile() {
+        if (data) ::munmap(const_cast<char*>(data), size);
+    }
+    MappedFile(const MappedFile&) = delete;
+    MappedFile& operator=(const MappedFile&) = delete;
+};
+} // namespace
+
+bool forEachHitLine(const FileResult& r, bool documents, const tav::find::XContentFilter* filter, const std::function<void(const HitLine&)>& each) {
+    if (r.layer.hitCount() == 0) return true;
     const QString path = r.fileInfo.absoluteFilePath();
-    if (documents) {
+    HitLine h;
+    // Marks come in pieces: kept ones, or the text searched again for all of them.
+    auto placeAll = [&](const char* data, size_t size, const QByteArray* text) {
+        HitPlacer placer(data, size);
+        const auto take = [&](const tav::find::XRam* m, size_t n) {
+            for (size_t i = 0; i < n; ++i)
+                if (placer.place(m[i], h)) each(h);
+        };
+        if (!filter || r.layer.isComplete()) {
+            take(r.layer.marks().data(), r.layer.marks().size());
+            return true;
+        }
+        if (!text) return forEachMark(r, *filter, take);
+        tav::find::XContentFilter own(*filter);
+        own.setKeepMarks(0);
+        own.forEachMark(*text, take);
+        return true;
+    };
+    if (documents || r.extracted) {
         // Hits of a member or document lie in its extracted text.
         tav::extract::XExtractor ex;
         tav::extract::Part part;
-        if (ex.partOf(path, r.member, part)) return hitLines(part.text.constData(), size_t(part.text.size()), marks);
-        if (r.isMember()) return {};
+        if (ex.partOf(path, r.member, part)) return placeAll(part.text.constData(), size_t(part.text.size()), &part.text);
+        if (r.isMember()) return false;
     }
-    QFile f(path);
-    if (!f.open(QIODevice::ReadOnly)) return {};
-    if (f.size() == 0) return {};
-    if (const uchar* p = f.map(0, f.size())) return hitLines(reinterpret_cast<const char*>(p), size_t(f.size()), marks);
-    const QByteArray all = f.readAll();
-    return hitLines(all.constData(), size_t(all.size()), marks);
+    const MappedFile f(path);
+    if (!f.data) return false;
+    return placeAll(f.data, f.size, nullptr);
 }
 
 QByteArray csvField(const QString& s) {
@@ -126,7 +166,7 @@ void writeCsv(const std::vector<const FileResult*>& rows, const Out& out) {
     for (const FileResult* r : rows) {
         const QString path = r->displayPath();
         b += csvField(path) + ',' + csvField(nameOf(path)) + ',' + csvField(folderOf(path)) + ',' + number(sizeOf(*r)) + ',' +
-             csvField(dateOf(*r)) + ',' + number(int64_t(r->layer.size())) + "\r\n";
+             csvField(dateOf(*r)) + ',' + number(r->hits()) + "\r\n";
         if (b.size() > (1 << 20)) {
             out(b);
             b.clear();
@@ -144,7 +184,7 @@ void writeJson(const std::vector<const FileResult*>& rows, const Summary& s, boo
         b += "{\"path\":" + jsonString(r->displayPath()) + ",\"size\":" + number(sizeOf(*r)) + ",\"date\":" + jsonString(dateOf(*r)) +
              ",\"hits\":[";
         bool firstHit = true;
-        for (const HitLine& h : hitLines(*r, documents)) {
+        forEachHitLine(*r, documents, &s.filter, [&](const HitLine& h) {
             if (!firstHit) b += ',';
             firstHit = false;
             b += "{\"line\":" + number(h.line) + ",\"column\":" + number(h.column) + ",\"offset\":" + number(h.offset) +
@@ -153,7 +193,7 @@ void writeJson(const std::vector<const FileResult*>& rows, const Summary& s, boo
                 out(b);
                 b.clear();
             }
-        }
+        });
         b += "]}";
     }
     b += "\n],\"summary\":{\"folder\":" + jsonString(s.folder) + ",\"query\":" + jsonString(s.query) +
@@ -186,11 +226,11 @@ void writeHtml(const std::vector<const FileResult*>& rows, const Summary& s, boo
     b += "</table>\n<h2>Files</h2>\n<table>\n<tr><th>Path</th><th>Size</th><th>Date</th><th>Hits</th></tr>\n";
     for (const FileResult* r : rows)
         b += "<tr><td>" + html(r->displayPath()) + "</td><td class=\"n\">" + tav::format1000(sizeOf(*r)).toUtf8() + "</td><td>" +
-             html(dateOf(*r)) + "</td><td class=\"n\">" + number(int64_t(r->layer.size())) + "</td></tr>\n";
+             html(dateOf(*r)) + "</td><td class=\"n\">" + number(r->hits()) + "</td></tr>\n";
     b += "</table>\n<h2>Hits</h2>\n";
     for (const FileResult* r : rows) {
         b += "<h3>" + html(r->displayPath()) + "</h3>\n<pre>";
-        for (const HitLine& h : hitLines(*r, documents)) {
+        forEachHitLine(*r, documents, &s.filter, [&](const HitLine& h) {
             // The hit itself marked inside its (possibly cut) line.
             const int from = int(std::min<int64_t>(h.column - 1, h.text.size()));
             const int to = int(std::min<int64_t>(h.column - 1 + h.length, h.text.size()));
@@ -200,7 +240,7 @@ void writeHtml(const std::vector<const FileResult*>& rows, const Summary& s, boo
                 out(b);
                 b.clear();
             }
-        }
+        });
         b += "</pre>\n";
     }
     b += "</body></html>\n";

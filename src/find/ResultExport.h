@@ -5,6 +5,7 @@
 // "Export...". Writers hand out their text in pieces, so a big result need
 // not be held whole.
 #include "base/extract/XExtract.h"
+#include "base/find/XContentFilter.h"
 #include "src/find/FileResult.h"
 
 #include <QByteArray>
@@ -26,6 +27,8 @@ struct Summary {
     double seconds = 0;
     bool cancelled = false;
     uint64_t stoppedAfter = 0;   // the "stop after N files" that ended the search (0: none)
+    // What found the hits: marks every hit of the results that keep only their first ones.
+    tav::find::XContentFilter filter;
 };
 
 // One hit with its place in lines (both from 1, the column in bytes).
@@ -38,11 +41,27 @@ struct HitLine {
 };
 constexpr int kLineTextBytes = 500;
 
-// The hits of a result placed in lines of the text they were found in: the
-// file itself, or a document's or member's extracted text when 'documents'.
-std::vector<HitLine> hitLines(const FileResult& r, bool documents);
-// The same for text in memory (sorted marks).
-std::vector<HitLine> hitLines(const char* data, size_t size, const std::vector<tav::find::XRam>& marks);
+// Places sorted marks in the lines of a text, counting lines forward only.
+class HitPlacer {
+public:
+    HitPlacer(const char* data, size_t size);
+    // False for a mark past the text's end.
+    bool place(const tav::find::XRam& mark, HitLine& out);
+
+private:
+    const char* data_;
+    size_t size_;
+    int64_t line_ = 1;
+    size_t scanned_ = 0, lineStart_ = 0;
+};
+
+// Every hit of a result placed in its line of the text it was found in (the
+// file itself, or a document's or member's extracted text), in file order, one
+// at a time. With a filter, a result that kept only its first marks is searched
+// again for all of them; without, the marks it holds. False when the text could
+// not be read (again).
+bool forEachHitLine(const FileResult& r, bool documents, const tav::find::XContentFilter* filter,
+                    const std::function<void(const HitLine&)>& each);
 
 using Out = std::function<void(const QByteArray& piece)>;
 QByteArray csvField(const QString& s);

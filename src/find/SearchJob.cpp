@@ -58,6 +58,7 @@ void SearchJob::start(const SearchParams& params) {
     s.flagDocuments = params.documents;
     s.extractLimits = params.limits;
     s.maxResults = params.maxFiles;
+    s.keepMarks = params.keepMarks;
     s.request.sPath = params.dir;
     s.setContentFilter(params.filter.contentFilter);
     s.onFileDone = onFileDone;

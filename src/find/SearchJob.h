@@ -37,6 +37,10 @@ struct SearchParams {
     bool statFiles = false;
     uint64_t maxFiles = 0;            // stop after this many files with hits (0: all)
     bool ignoreFiles = false;         // leave out what .gitignore and .ignore files say
+    // Marks a result keeps (the rest of its hits only counted; 0: all). Bounds the
+    // memory by the files found, not by their hits; FileMarks.h gives all again.
+    uint32_t keepMarks = kResultMarks;
+    static constexpr uint32_t kResultMarks = 100;
 };
 
 struct SearchProgress {

@@ -52,6 +52,9 @@ public:
     // (off: every file as its own bytes).
     bool flagDocuments = false;
     tav::extract::Limits extractLimits;
+    // Marks each result keeps; the hits after them are only counted (0: all).
+    // allMarks (FileMarks.h) gives a result's every mark again when it is shown.
+    uint32_t keepMarks = 0;
     // Stop once this many files (or members) with hits are found (0: no limit);
     // later finds of workers still busy are dropped.
     uint64_t maxResults = 0;

@@ -34,7 +34,7 @@ void ThreadControllerFind::ini(TavFind* p) {
 
 void ThreadControllerFind::addResult(FileResult&& r) {
     if (pTavFind && !pTavFind->admitResult()) return;
-    const uint64_t hits = uint64_t(r.layer.size());
+    const uint64_t hits = r.layer.hitCount();
     std::lock_guard<std::mutex> l(mutexResults);
     pending.push_back(std::move(r));
     countResults.fetch_add(1, std::memory_order_relaxed);

@@ -101,7 +101,7 @@ void FileResultModel::addFileResults(std::vector<FileResult>& batch, int column,
         else std::stable_sort(order.begin(), order.end(), [&](size_t a, size_t b) { return keys[b] < keys[a]; });
     };
     switch (column) {
-    case COL_HITS: sortBy([](const FileResult& r) { return int64_t(r.layer.size()); }); break;
+    case COL_HITS: sortBy([](const FileResult& r) { return int64_t(r.hits()); }); break;
     case COL_SIZE: sortBy([](const FileResult& r) { return r.size >= 0 ? r.size : int64_t(r.fileInfo.size()); }); break;
     case COL_DATE: sortBy([](const FileResult& r) { return r.fileInfo.lastModified().toMSecsSinceEpoch(); }); break;
     case COL_NAME:
@@ -178,7 +178,7 @@ QVariant FileResultModel::data(const QModelIndex& index, int role) const {
     if (row >= arFileResults.size()) return QVariant();
     const FileResult& r = arFileResults[row];
     if (role == Qt::DisplayRole) {
-        if (index.column() == COL_HITS) return tav::format1000(int64_t(r.layer.size()));
+        if (index.column() == COL_HITS) return tav::format1000(r.hits());
         // A member of an archive: its own name, and the archive as the start of its path.
         if (r.isMember() && (index.column() == COL_NAME || index.column() == COL_PATH)) {
             const QString shown = r.displayPath();
@@ -211,7 +211,7 @@ void FileResultModel::sort(int column, bool ascending) {
         return;
     }
     if (column == COL_HITS) {
-        sortByKey(arFileResults, [](const FileResult& r) { return r.layer.size(); }, ascending);
+        sortByKey(arFileResults, [](const FileResult& r) { return r.hits(); }, ascending);
         return;
     }
     // Members sort by their own name and by the path through their archive, as shown.
@@ -258,13 +258,13 @@ QFileInfo FileResultModel::fromRow(int row) const {
     return basicMode ? arFiles[size_t(row)] : arFileResults[size_t(row)].fileInfo;
 }
 
-uint32_t FileResultModel::hits() const {
+uint64_t FileResultModel::hits() const {
     if (basicMode) {
         log(tav::LOG_ERROR, "FileResultModel::hits(), we are in basic mode !");
         return 0;
     }
-    uint32_t n = 0;
-    for (const FileResult& r : arFileResults) n += uint32_t(r.layer.size());
+    uint64_t n = 0;
+    for (const FileResult& r : arFileResults) n += r.hits();
     return n;
 }
 

@@ -42,7 +42,7 @@ public:
     // Either mode; an empty QFileInfo for a row outside the model.
     QFileInfo fromRow(int row) const;
     // Total hit count (hits mode only).
-    uint32_t hits() const;
+    uint64_t hits() const;
 
     const std::vector<FileResult>& fileResults() const { return arFileResults; }
     const std::vector<QFileInfo>& files() const { return arFiles; }

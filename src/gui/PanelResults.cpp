@@ -17,6 +17,7 @@
 #include "gui/widgets/XTableViewClassic.h"
 #include "src/dir/ContextPreviews.h"
 #include "src/dir/XContainerPreviews.h"
+#include "src/find/FileMarks.h"
 #include "src/find/TavFind.h"
 #include "src/gui/FileResultModel.h"
 #include "src/gui/WinFinder.h"
@@ -119,7 +120,7 @@ void PanelResults::fitColumns() {
             // The search knows each size: no stat per row on this thread.
             const FileResult& fr = model_->fileResultFromRow(r);
             maxSize = std::max<int64_t>(maxSize, fr.size >= 0 ? fr.size : fr.fileInfo.size());
-            maxHits = std::max<int64_t>(maxHits, fr.layer.size());
+            maxHits = std::max<int64_t>(maxHits, int64_t(fr.hits()));
         } else {
             maxSize = std::max<int64_t>(maxSize, model_->fromRow(r).size());
         }
@@ -315,11 +316,21 @@ void PanelResults::on_jump_to_result(int row) {
             hex->open_file(fi);
             // The hits marked and the first one in view, as in the text preview.
             if (auto* h = dynamic_cast<tav::PreviewHex*>(hex); h && h->hex_view()) {
-                std::vector<std::pair<int64_t, int64_t>> marks;
-                marks.reserve(size_t(fr.layer.size()));
-                for (int i = 0; i < fr.layer.size(); ++i) marks.emplace_back(fr.layer.at(i).pos(), std::max<int64_t>(1, fr.layer.at(i).len()));
-                h->hex_view()->setMarks(std::move(marks), QColor(Qt::green));
+                auto toHex = [](const tav::find::XRamLayer& layer) {
+                    std::vector<std::pair<int64_t, int64_t>> marks;
+                    marks.reserve(size_t(layer.size()));
+                    for (const tav::find::XRam& m : layer.marks()) marks.emplace_back(m.pos(), std::max<int64_t>(1, m.len()));
+                    return marks;
+                };
+                h->hex_view()->setMarks(toHex(fr.layer), QColor(Qt::green));
                 h->hex_view()->setActiveMark(0);
+                QPointer<tav::XHexView> guard(h->hex_view());
+                completeMarks(fr, [guard, toHex](tav::find::XRamLayer&& all) {
+                    if (!guard) return;
+                    const int active = guard->activeMark();
+                    guard->setMarks(toHex(all), QColor(Qt::green));
+                    guard->setActiveMark(std::max(0, active));
+                });
             }
             container_->showPreview(hex);
         } else {
@@ -380,6 +391,18 @@ void PanelResults::on_jump_to_result(int row) {
                     if (guard) guard->scrollToRam(ram);
                 }, 200);
             }
+            // Marks past the kept ones come when the file has been searched again.
+            QPointer<tav::viewText::XTextView> guardView(view);
+            completeMarks(fr, [guardView](tav::find::XRamLayer&& all) {
+                tav::find::XRamLayer* l = guardView ? guardView->layers().layer_by_ID(LAYER_RESULT) : nullptr;
+                if (!l) return;
+                const int active = l->active_mark_index();
+                const tav::find::XRgb color = l->color_background();
+                *l = std::move(all);
+                l->set_color_background(color);
+                l->set_active_mark_index(std::max(0, active));
+                guardView->viewport()->update();
+            });
         } else {
             log(tav::LOG_TRACE, "PanelResults::on_jump_to_result, NIX");
         }
@@ -387,6 +410,26 @@ void PanelResults::on_jump_to_result(int row) {
     view->viewport()->update();
     // The focus stays in the table: Up / Down go on through the results.
     container_->showPreview(p);
+}
+
+void PanelResults::completeMarks(const FileResult& fr, std::function<void(tav::find::XRamLayer&&)> apply) {
+    if (marksCancel_) marksCancel_->store(true);
+    marksCancel_.reset();
+    if (fr.layer.isComplete() || !resultFilter_.isValid()) return;
+    auto cancel = std::make_shared<std::atomic<bool>>(false);
+    marksCancel_ = cancel;
+    const tav::find::XContentFilter filter = resultFilter_;
+    QPointer<PanelResults> self(this);
+    tav::XThreadPool::start_global([fr, filter, cancel, self, apply = std::move(apply)]() {
+        tav::find::XRamLayer all = allMarks(fr, filter, cancel.get());
+        if (cancel->load() || !all.isComplete()) return;
+        tav::run_in_gui_thread(
+            [self, cancel, apply, all = std::move(all)]() mutable {
+                if (!self || cancel->load()) return;
+                apply(std::move(all));
+            },
+            0);
+    });
 }
 
 void PanelResults::on_jump_to_result_simple(int row) {

@@ -3,11 +3,13 @@
 // the HTML summary of a file-only search or a preview container with the
 // selected result. User actions on results go to the owner through listeners.
 #include "base/core/XEventListener.h"
+#include "base/find/XContentFilter.h"
 #include "base/find/XFindStats.h"
 #include "gui/panel/XPanel.h"
 #include "src/find/FileResult.h"
 
 #include <QFileInfo>
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -59,6 +61,9 @@ public:
     void onTableHeaderSelected(int column);
     // Results of a search through documents and archives: their hits lie in extracted text.
     void setDocumentsMode(bool on) { documents_ = on; }
+    // What found the results: a shown result that kept only its first marks is searched
+    // again with it (on a pool thread) for all of them.
+    void setResultFilter(const tav::find::XContentFilter& f) { resultFilter_ = f; }
     bool documentsMode() const { return documents_; }
     // A format the extraction layer reads (by the file's first bytes).
     static bool extractable(const QFileInfo& fi);
@@ -102,6 +107,10 @@ private:
     FileResultModel* model_;
     bool fitting_ = false;
     bool documents_ = false;
+    tav::find::XContentFilter resultFilter_;
+    // The shown result's search for all its marks: newer ones cancel older ones.
+    std::shared_ptr<std::atomic<bool>> marksCancel_;
+    void completeMarks(const FileResult& fr, std::function<void(tav::find::XRamLayer&&)> apply);
     int sortColumn_ = -1;   // the column the user sorted by; -1 until the first click
     bool sortAscending_ = true;
     bool userSized_ = false;

@@ -13,6 +13,7 @@
 #include "gui/widgets/XTreeViewFiles.h"
 #include "gui/widgets/XTypedComboBox.h"
 #include "src/dir/XContainerPreviews.h"
+#include "src/find/FileMarks.h"
 #include "src/find/ResultExport.h"
 #include "src/find/SearchJob.h"
 #include "src/find/TavFind.h"
@@ -23,6 +24,7 @@
 #include "src/gui/WinFinder.h"
 #include "base/extract/XExtract.h"
 #include "src/gui/WinDetails.h"
+#include "src/gui/panPreview/asc/PanPreviewAsc.h"
 #include "src/gui/ExpressionError.h"
 #include "src/gui/config/ConfigTavFinder.h"
 
@@ -246,6 +248,11 @@ void WinFinder::start_content_search(const QFileInfo& folder) {
     findCancelled_ = false;
     // Rows come into the table while the search runs.
     findResults_->beginLiveResults(buttonDocuments_ && buttonDocuments_->isChecked());
+    {
+        tav::find::XContentFilter shown = filterCurrent.contentFilter;
+        shown.setScope(comboScope_->selected());
+        findResults_->setResultFilter(shown);
+    }
     // Busy until the walk has found every file: a share of the files known so far would mislead.
     progressFind_->setRange(0, 0);
     progressFind_->setValue(0);
@@ -425,7 +432,8 @@ void WinFinder::export_results(const QString& path, std::function<void(bool, con
     sum.filesSearched = uint64_t(f.countTextFiles());
     sum.bytes = f.getBytesToRead();
     sum.filesMatched = uint64_t(rows->size());
-    for (const FileResult& r : *rows) sum.hits += uint64_t(r.layer.size());
+    for (const FileResult& r : *rows) sum.hits += r.hits();
+    sum.filter = f.contentFilter();
     const bool documents = findResults_->documentsMode();
     const QString lower = path.toLower();
     const int kind = lower.endsWith(QLatin1String(".json")) ? 1 : lower.endsWith(QLatin1String(".html")) || lower.endsWith(QLatin1String(".htm")) ? 2 : 0;
@@ -459,20 +467,42 @@ void WinFinder::on_contextMenu_fileResult(const FileResult& fr) {
     menu.execAt();
 }
 
+namespace {
+// A details window shows a result's kept marks at once and all of them once its
+// file has been searched again on a pool thread (stopped when the window closes).
+void completeDetailMarks(WinDetails* w, const FileResult& fr, const tav::find::XContentFilter& filter) {
+    if (!w || fr.layer.isComplete() || !filter.isValid()) return;
+    auto cancel = std::make_shared<std::atomic<bool>>(false);
+    QObject::connect(w, &QObject::destroyed, [cancel]() { cancel->store(true); });
+    QPointer<WinDetails> guard(w);
+    tav::XThreadPool::start_global([guard, fr, filter, cancel]() {
+        tav::find::XRamLayer all = allMarks(fr, filter, cancel.get());
+        if (cancel->load() || !all.isComplete()) return;
+        tav::run_in_gui_thread(
+            [guard, cancel, filter, all = std::move(all)]() {
+                if (guard && !cancel->load()) guard->panelText()->update_search_results(all, filter, 0);
+            },
+            0);
+    });
+}
+} // namespace
+
 void WinFinder::on_open_fileResult(const FileResult& fr) {
     log(tav::LOG_TRACE, "WinFinder::setUp - double click file result ....");
+    const tav::find::XContentFilter& filter = tavFind().contentFilter();
     // A member or document: its extracted text, where the hits were found.
     if (findResults_ && findResults_->documentsMode() && (fr.isMember() || PanelResults::extractable(fr.fileInfo))) {
         tav::extract::XExtractor ex;
         tav::extract::Part part;
         if (ex.partOf(fr.fileInfo.absoluteFilePath(), fr.member, part)) {
-            WinDetails::open_extracted(fr, part.text, part.pageStarts, tavFind().contentFilter());
+            completeDetailMarks(WinDetails::open_extracted(fr, part.text, part.pageStarts, filter), fr, filter);
             return;
         }
         log(tav::LOG_ERROR, "WinFinder::on_open_fileResult, no text of <<<$>>>", fr.displayPath());
     }
     // The filter that found these hits, so the details window can mark them again.
-    open_stand_alone_preview(fr.fileInfo, fr.layer, tavFind().contentFilter());
+    if (!fr.fileInfo.isFile()) return;
+    completeDetailMarks(WinDetails::open_window(fr.fileInfo, fr.layer, filter), fr, filter);
 }
 
 } // namespace tavFinder

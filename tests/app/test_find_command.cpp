@@ -88,6 +88,28 @@ private slots:
         QVERIFY(r.out.last().contains(QStringLiteral("files-match:0, match-total:0")));
     }
 
+    // A file keeps only its first marks while the search runs; counts stay exact and
+    // every hit is still printed (the file is searched again as it is written out).
+    void filesWithManyHitsArePrintedInFull() {
+        tftest::TestDir many;
+        QByteArray text;
+        for (int i = 0; i < 4321; ++i) text += (i % 7 == 6) ? "ab\n" : "ab ";
+        const QString path = many.file(QStringLiteral("many.txt"), text);
+        many.file(QStringLiteral("few.txt"), "ab\n");
+        Run r = run({"--dir", many.path(), "--find", "ab"});
+        QCOMPARE(r.out.mid(0, 2), (QStringList{QStringLiteral("4321\t") + path, QStringLiteral("1\t") + many.abs(QStringLiteral("few.txt"))}));
+        QVERIFY2(r.out.last().contains(QStringLiteral("match-total:4,322")), qPrintable(r.out.last()));
+        r = run({"--dir", many.path(), "--find", "ab", "--show", "hits", "--pattern", "many.txt"});
+        QCOMPARE(r.out.size(), 4321 + 1);
+        for (int i : {0, 999, 1000, 1001, 4320}) QCOMPARE(r.out[i], path + QStringLiteral("\t%1\t2").arg(3 * i));
+        r = run({"--dir", many.path(), "--find", "ab", "--format", "json", "--pattern", "many.txt"});
+        const QJsonArray hits =
+            QJsonDocument::fromJson(r.out.join(QLatin1Char('\n')).toUtf8()).object().value(QStringLiteral("files")).toArray().at(0).toObject().value(QStringLiteral("hits")).toArray();
+        QCOMPARE(hits.size(), 4321);
+        QCOMPARE(hits.at(4320).toObject().value(QStringLiteral("line")).toInt(), 4320 / 7 + 1);
+        QCOMPARE(hits.at(4320).toObject().value(QStringLiteral("offset")).toInt(), 3 * 4320);
+    }
+
     void fileSearchPrintsSortedPathsAndTotals() {
         Run r = run({"--dir", QStringLiteral("."), "--pattern", "*.txt,*.MD"}, d.path());   // relative to the caller
         QCOMPARE(r.code, 0);

@@ -24,10 +24,14 @@ struct Recorder : tavFinder::SearchSink {
     bool resultsAfterDone = false;
     bool progressBackwards = false;
     SearchProgress last;
+    int mostMarks = 0;           // marks held by one result
     void searchResults(std::vector<FileResult>& batch) override {
         if (dones) resultsAfterDone = true;
         ++batches;
-        for (const FileResult& r : batch) rows << QString::number(r.layer.size()) + '\t' + r.displayPath();
+        for (const FileResult& r : batch) {
+            rows << QString::number(r.hits()) + '\t' + r.displayPath();
+            mostMarks = std::max(mostMarks, r.layer.size());
+        }
     }
     void searchProgress(const SearchProgress& p) override {
         if (p.bytesRead < last.bytesRead || p.filesSearched < last.filesSearched || p.hits < last.hits) progressBackwards = true;
@@ -95,6 +99,8 @@ private slots:
             qint64 hits = 0;
             for (const QString& r : sink.rows) hits += r.section('\t', 0, 0).toLongLong();
             QCOMPARE(hits, expected("hits", word));
+            // Results hold their first marks only: memory follows the files found, not their hits.
+            QVERIFY(sink.mostMarks > 0 && sink.mostMarks <= int(SearchParams::kResultMarks));
             QCOMPARE(qint64(sink.last.hits), hits);
             QCOMPARE(qint64(sink.last.bytesRead), manifest.value(QStringLiteral("bytes")).toVariant().toLongLong());
             QVERIFY(sink.last.walkDone);

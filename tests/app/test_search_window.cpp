@@ -88,6 +88,7 @@ private slots:
     void comboMenus();
     void contentSearchEndToEnd();
     void escapeDuringContentSearch();
+    void resultsKeepFirstMarksAndShowAll();
     void fileOnlySearch();
     void refusedAndCancelledSearches();
     void queryLanguageAndSwitchesInThePanel();
@@ -598,6 +599,50 @@ void TestSearchWindow::escapeDuringContentSearch() {
     QVERIFY(w->labelDone()->text().contains(QStringLiteral(", files-match:%1, match-total:%2 - ").arg(found).arg(tav::format1000(found * 200))));
     QVERIFY(w->stacked()->isShowing(w->panelResults()));
     tavFinder::cfg().countThreads = threads;
+    setBits(w, 0);
+    closeNow(w);
+}
+
+// A result holds its first marks only; the preview and an export show every hit.
+void TestSearchWindow::resultsKeepFirstMarksAndShowAll() {
+    QPointer<WinFinder> w = open(abs("many"));
+    QTRY_COMPARE(w->treeView()->selectedFile().absoluteFilePath(), abs("many"));
+    setBits(w, WinFinder::FILTER_CONTENT);
+    w->comboContent()->setEditText(QStringLiteral("needle"));
+    QTest::keyClick(w, Qt::Key_Return);
+    QTRY_COMPARE(w->findPage(), int(WinFinder::PAGE_DONE));
+    tavFinder::PanelResults* panel = w->panelResults();
+    tavFinder::FileResultModel* m = panel->model();
+    QCOMPARE(m->rowCount(), 300);
+    QCOMPARE(m->data(m->index(0, 3)).toString(), QStringLiteral("200"));
+    QCOMPARE(m->hits(), uint64_t(300 * 200));
+    QVERIFY(w->labelDone()->text().contains(QStringLiteral("match-total:60,000")));
+    const tavFinder::FileResult& held = m->fileResultFromRow(1);
+    QCOMPARE(held.layer.size(), int(tavFinder::SearchParams::kResultMarks));
+    QCOMPARE(held.hits(), uint64_t(200));
+
+    QVERIFY(panel->tableResult()->selectRow(1, true));
+    auto* text = dynamic_cast<tav::PreviewAscii*>(panel->container()->previewByExtension(QStringLiteral("txt")));
+    QVERIFY(text && text->get_XTextView());
+    QCOMPARE(text->file_info().absoluteFilePath(), held.fileInfo.absoluteFilePath());
+    tav::find::XRamLayer* layer = text->get_XTextView()->layers().layer_by_ID(tavFinder::PanelResults::LAYER_RESULT);
+    QVERIFY(layer);
+    QTRY_COMPARE(layer->size(), 200);
+    QVERIFY(layer->isComplete());
+    QCOMPARE(layer->at(199).pos(), qint64(199 * 7));
+    QCOMPARE(layer->active_mark_index(), 0);
+    QCOMPARE(QColor::fromRgba(layer->color_background()), QColor(Qt::green));
+
+    tftest::TestDir out;
+    bool finished = false;
+    w->export_results(out.abs("all.json"), [&](bool, const QString&) { finished = true; });
+    QTRY_VERIFY_WITH_TIMEOUT(finished, 20000);
+    QFile json(out.abs("all.json"));
+    QVERIFY(json.open(QIODevice::ReadOnly));
+    int hits = 0;
+    for (const QJsonValue f : QJsonDocument::fromJson(json.readAll()).object().value("files").toArray())
+        hits += f.toObject().value("hits").toArray().size();
+    QCOMPARE(hits, 300 * 200);
     setBits(w, 0);
     closeNow(w);
 }

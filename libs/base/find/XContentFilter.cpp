@@ -18,7 +18,8 @@ XContentFilter::~XContentFilter() = default;
 
 XContentFilter::XContentFilter(const XContentFilter& o)
     : sText_(o.sText_), flagRegEx_(o.flagRegEx_), flagWholeWords_(o.flagWholeWords_), flagMatchCase_(o.flagMatchCase_),
-      scope_(o.scope_), sError_(o.sError_), errorPos_(o.errorPos_), symbols_(o.symbols_), seekPos_(o.seekPos_) {}
+      scope_(o.scope_), sError_(o.sError_), errorPos_(o.errorPos_), symbols_(o.symbols_), seekPos_(o.seekPos_),
+      keepMarks_(o.keepMarks_) {}
 
 XContentFilter& XContentFilter::operator=(const XContentFilter& o) {
     if (this == &o) return *this;
@@ -32,6 +33,7 @@ XContentFilter& XContentFilter::operator=(const XContentFilter& o) {
     if (symbols_ != o.symbols_) scratch_.reset();   // scratch belongs to the symbols it was made for
     symbols_ = o.symbols_;
     seekPos_ = o.seekPos_;
+    keepMarks_ = o.keepMarks_;
     return *this;
 }
 
@@ -120,16 +122,9 @@ XRamLayer XContentFilter::limit(std::vector<XRam>& marks, uint32_t maxMarks, boo
 
 XRamLayer XContentFilter::find(uint32_t maxMarks, XLineReaderDA& reader) { return find(maxMarks, reader, nullptr); }
 
-XRamLayer XContentFilter::find(uint32_t maxMarks, XLineReaderDA& reader, WindowWatch* watch) {
-    if (watch) watch->stopped = false;
-    if (!symbols_ || !reader.isOpen()) {
-        std::vector<XRam> none;
-        return limit(none, maxMarks, reader.isBinary());
-    }
+void XContentFilter::searchReader(XLineReaderDA& reader, std::vector<XRam>& marks, WindowWatch* watch,
+                                  const std::function<void(std::vector<XRam>&)>& flush) {
     XContentScratch& sc = scratch();
-    // Marks are collected in the worker's own vector, reused from file to file.
-    std::vector<XRam>& marks = sc.marks;
-    marks.clear();
     XContentSearch search(*symbols_, sc, scope_, reader.isWhole());
     const auto cut = scope_ == SCOPE_FILE ? XLineReaderDA::CUT_LINE : XLineReaderDA::CUT_PARAGRAPH;
     XLineReaderDA::Window w;
@@ -137,6 +132,7 @@ XRamLayer XContentFilter::find(uint32_t maxMarks, XLineReaderDA& reader, WindowW
         uint64_t counted = 0;   // windows may overlap: progress counts each byte once
         for (;;) {
             search.window(w.data, w.size, w.offset, marks);
+            if (flush && !marks.empty()) flush(marks);
             if (watch) {
                 const uint64_t end = uint64_t(w.offset) + uint64_t(w.size);
                 if (watch->bytesDone && end > counted) watch->bytesDone->fetch_add(end - counted, std::memory_order_relaxed);
@@ -150,7 +146,32 @@ XRamLayer XContentFilter::find(uint32_t maxMarks, XLineReaderDA& reader, WindowW
         }
     }
     search.finish(marks);
+    if (flush && !marks.empty()) flush(marks);
+}
+
+XRamLayer XContentFilter::find(uint32_t maxMarks, XLineReaderDA& reader, WindowWatch* watch) {
+    if (watch) watch->stopped = false;
+    if (!symbols_ || !reader.isOpen()) {
+        std::vector<XRam> none;
+        return limit(none, maxMarks, reader.isBinary());
+    }
+    // Marks are collected in the worker's own vector, reused from file to file.
+    std::vector<XRam>& marks = scratch().marks;
+    marks.clear();
+    // Past the marks kept, each window's marks are only counted (the search never
+    // looks back at the marks it has given).
+    const size_t keep = maxMarks == 0 && seekPos_ == 0 ? keepMarks_ : 0;
+    uint64_t dropped = 0;
+    std::function<void(std::vector<XRam>&)> cutBack;
+    if (keep > 0)
+        cutBack = [keep, &dropped](std::vector<XRam>& m) {
+            if (m.size() <= keep) return;
+            dropped += m.size() - keep;
+            m.resize(keep);
+        };
+    searchReader(reader, marks, watch, cutBack);
     XRamLayer layer = limit(marks, maxMarks, reader.isBinary());
+    if (dropped > 0) layer.setHitCount(uint64_t(layer.size()) + dropped);
     // One file with a flood of hits should not keep its room for the rest of the search.
     if (marks.capacity() > kKeptMarks) std::vector<XRam>().swap(marks);
     return layer;
@@ -163,7 +184,40 @@ XRamLayer XContentFilter::find(uint32_t maxMarks, const QByteArray& text) {
     search.window(text.constData(), size_t(text.size()), 0, marks);
     search.finish(marks);
     const bool binary = text.left(0x10000).contains('\0');
+    const size_t keep = maxMarks == 0 && seekPos_ == 0 ? keepMarks_ : 0;
+    if (keep > 0 && marks.size() > keep) {
+        const uint64_t all = marks.size();
+        marks.resize(keep);
+        XRamLayer layer = limit(marks, 0, binary);
+        layer.setHitCount(all);
+        return layer;
+    }
     return limit(marks, maxMarks, binary);
+}
+
+uint64_t XContentFilter::forEachMark(XLineReaderDA& reader, const MarkSink& each, WindowWatch* watch) {
+    if (watch) watch->stopped = false;
+    if (!symbols_ || !reader.isOpen()) return 0;
+    std::vector<XRam>& marks = scratch().marks;
+    marks.clear();
+    uint64_t n = 0;
+    searchReader(reader, marks, watch, [&](std::vector<XRam>& m) {
+        each(m.data(), m.size());
+        n += m.size();
+        m.clear();
+    });
+    if (marks.capacity() > kKeptMarks) std::vector<XRam>().swap(marks);
+    return n;
+}
+
+uint64_t XContentFilter::forEachMark(const QByteArray& text, const MarkSink& each) {
+    if (!symbols_) return 0;
+    std::vector<XRam> marks;
+    XContentSearch search(*symbols_, scratch(), scope_);
+    search.window(text.constData(), size_t(text.size()), 0, marks);
+    search.finish(marks);
+    if (!marks.empty()) each(marks.data(), marks.size());
+    return marks.size();
 }
 
 } // namespace find

@@ -94,9 +94,25 @@ public:
     // The same for a text in memory.
     XRamLayer find(uint32_t maxMarks, const QByteArray& text);
 
+    // A whole-file find (maxMarks 0, from the start) keeps at most this many marks
+    // and only counts the hits after them (0: keeps all): a search's results hold
+    // enough for the table and a first screen, not millions of marks.
+    void setKeepMarks(uint32_t n) { keepMarks_ = n; }
+    uint32_t keepMarks() const { return keepMarks_; }
+
+    // Every mark of a file, in file order, handed over in pieces as the windows are
+    // searched and kept by none: the same marks find gives. Returns their number.
+    using MarkSink = std::function<void(const XRam* marks, size_t n)>;
+    uint64_t forEachMark(XLineReaderDA& reader, const MarkSink& each, WindowWatch* watch = nullptr);
+    uint64_t forEachMark(const QByteArray& text, const MarkSink& each);
+
 private:
     XContentScratch& scratch();
     XRamLayer limit(std::vector<XRam>& marks, uint32_t maxMarks, bool binary);
+    // The windows of the open file through the search; 'flush' sees the marks
+    // collected after each window and at the end (and may take them away).
+    void searchReader(XLineReaderDA& reader, std::vector<XRam>& marks, WindowWatch* watch,
+                      const std::function<void(std::vector<XRam>&)>& flush);
 
     QString sText_;
     bool flagRegEx_ = false;
@@ -108,6 +124,7 @@ private:
     std::shared_ptr<const XContentSymbols> symbols_;
     std::unique_ptr<XContentScratch> scratch_;
     int64_t seekPos_ = 0;
+    uint32_t keepMarks_ = 0;
 };
 
 } // namespace find

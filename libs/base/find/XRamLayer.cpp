@@ -7,14 +7,17 @@ namespace find {
 
 void XRamLayer::clear() {
     marks_.clear();
+    hits_ = 0;
     active_ = -1;
     binary_ = false;
 }
 
 void XRamLayer::add_ram_layer(const XRamLayer& other) {
     const bool sortedAppend = marks_.empty() || other.marks_.empty() || !(other.marks_.front() < marks_.back());
+    const uint64_t hits = hitCount() + other.hitCount();
     marks_.insert(marks_.end(), other.marks_.begin(), other.marks_.end());
     if (!sortedAppend) std::stable_sort(marks_.begin(), marks_.end());
+    hits_ = hits;
     binary_ = binary_ || other.binary_;
 }
 
@@ -83,7 +86,7 @@ void XRamLayer::move_active_mark_index(bool up) {
 void XRamLayer::set_active_mark_first() { active_ = marks_.empty() ? -1 : 0; }
 void XRamLayer::set_active_mark_last() { active_ = marks_.empty() ? -1 : size() - 1; }
 
-QString XRamLayer::toString() const { return size() == 0 ? QStringLiteral("not-valid") : QString::number(size()); }
+QString XRamLayer::toString() const { return hitCount() == 0 ? QStringLiteral("not-valid") : QString::number(hitCount()); }
 
 } // namespace find
 } // namespace tav

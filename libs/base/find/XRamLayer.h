@@ -18,10 +18,16 @@ class XRamLayer {
 public:
     XRamLayer() = default;
 
+    // The marks held (a search's result may hold only its first ones: see hitCount).
     int size() const { return int(marks_.size()); }
     bool isEmpty() const { return marks_.empty(); }
     // True when the layer holds at least one mark.
     explicit operator bool() const { return !marks_.empty(); }
+    // Every hit the search found, held or only counted.
+    uint64_t hitCount() const { return hits_ > marks_.size() ? hits_ : uint64_t(marks_.size()); }
+    void setHitCount(uint64_t n) { hits_ = n; }
+    // True when every hit is held as a mark.
+    bool isComplete() const { return hits_ <= marks_.size(); }
 
     const std::vector<XRam>& marks() const { return marks_; }
     const XRam& at(int i) const { return marks_[size_t(i)]; }
@@ -37,6 +43,7 @@ public:
     // Takes over marks that are already sorted and do not overlap (search results).
     void assign_sorted(std::vector<XRam>&& marks) {
         marks_ = std::move(marks);
+        hits_ = 0;
         active_ = -1;
     }
     bool contains_mark(uint32_t category) const;
@@ -76,6 +83,7 @@ public:
 
 private:
     std::vector<XRam> marks_;
+    uint64_t hits_ = 0;   // hits counted beyond the marks held (0: as many as marks)
     XRgb color_ = 0xff00ff00;
     int active_ = -1;
     bool binary_ = false;
