@@ -3,6 +3,8 @@
 // window libraries would cost a short search a good part of its time.
 // Every other command (the finder's window first) is the windowed program
 // next to this one, which replaces this process.
+#include "base/core/XMemory.h"
+#include "base/io/XPaths.h"
 #include "base/kernel/CommandLine.h"
 #include "base/log/Logger.h"
 #include "src/find/CommandFind.h"
@@ -30,6 +32,8 @@ std::string exeDir() {
 }
 
 int main(int argc, char** argv) {
+    tav::tune_allocator();
+    tav::install_file_name_codec();
     // "--log N" belongs to every command; the windowed program gets it through TAV_LOG.
     QString logError;
     if (!tav::Logger::takeLogOption(argc, argv, &logError)) {

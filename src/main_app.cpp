@@ -1,3 +1,4 @@
+#include "base/core/XMemory.h"
 #include "base/env/Env.h"
 #include "base/io/XPaths.h"
 #include "base/kernel/Kernel.h"
@@ -10,6 +11,8 @@
 #include <vector>
 
 int main(int argc, char** argv, char** envp) {
+    tav::tune_allocator();
+    tav::install_file_name_codec();
     QString logError;
     if (!tav::Logger::takeLogOption(argc, argv, &logError)) {
         tav::Logger::printToCerr(QStringLiteral("talvofinder: ") + logError);

@@ -1,5 +1,6 @@
 #include "src/gui/FileResultModel.h"
 
+#include "base/io/XPaths.h"
 #include "base/log/Logger.h"
 #include "base/util/Format.h"
 
@@ -9,6 +10,7 @@
 #include <QFileIconProvider>
 #include <QPalette>
 #include <algorithm>
+#include <sys/stat.h>
 #include <utility>
 
 namespace tavFinder {
@@ -45,6 +47,15 @@ void sortByKey(std::vector<T>& v, KeyFn keyOf, bool ascending) {
     v = std::move(sorted);
 }
 
+// The modification time as a sort key, from the file system: QFileInfo's date goes
+// through the local time zone for every row and took most of a sort's time.
+int64_t modifiedKey(const QFileInfo& fi) {
+    struct stat st {};
+    if (::stat(tav::encodePath(fi.absoluteFilePath()).constData(), &st) == 0)
+        return int64_t(st.st_mtim.tv_sec) * 1000000000 + int64_t(st.st_mtim.tv_nsec);
+    return fi.lastModified().toMSecsSinceEpoch() * 1000000;   // a path past the system's limit
+}
+
 // Names and paths in reading order (case ignored, numbers by value).
 struct NaturalKey {
     QString s;
@@ -61,7 +72,7 @@ void sortColumn(std::vector<T>& v, int column, bool ascending, FiOf fiOf) {
         sortByKey(v, [&](const T& e) { return int64_t(fiOf(e).size()); }, ascending);
         break;
     case FileResultModel::COL_DATE:
-        sortByKey(v, [&](const T& e) { return fiOf(e).lastModified().toMSecsSinceEpoch(); }, ascending);
+        sortByKey(v, [&](const T& e) { return modifiedKey(fiOf(e)); }, ascending);
         break;
     case FileResultModel::COL_PATH:
         sortByKey(v, [&](const T& e) { return NaturalKey{fiOf(e).absoluteFilePath()}; }, ascending);
@@ -103,7 +114,7 @@ void FileResultModel::addFileResults(std::vector<FileResult>& batch, int column,
     switch (column) {
     case COL_HITS: sortBy([](const FileResult& r) { return int64_t(r.hits()); }); break;
     case COL_SIZE: sortBy([](const FileResult& r) { return r.size >= 0 ? r.size : int64_t(r.fileInfo.size()); }); break;
-    case COL_DATE: sortBy([](const FileResult& r) { return r.fileInfo.lastModified().toMSecsSinceEpoch(); }); break;
+    case COL_DATE: sortBy([](const FileResult& r) { return modifiedKey(r.fileInfo); }); break;
     case COL_NAME:
     case COL_PATH:
         sortBy([column](const FileResult& r) {

@@ -11,6 +11,8 @@
 #include "gui/widgets/XMenu.h"
 #include "gui/widgets/XTreeViewFiles.h"
 #include "gui/previews/Preview.h"
+#include "gui/viewText/XTextView.h"
+#include "gui/previews/PreviewAscii.h"
 #include "src/dir/ContextPreviews.h"
 #include "base/find/XContentFilter.h"
 #include "src/find/FileResult.h"
@@ -23,6 +25,8 @@
 #include "src/gui/dia/DiaHistory.h"
 
 #include <QAction>
+#include <QDir>
+#include <fcntl.h>
 #include <QApplication>
 #include <QDesktopServices>
 #include <QLineEdit>
@@ -407,6 +411,55 @@ private slots:
         QVERIFY(!QFileInfo::exists(gone));
         QVERIFY(!QFile::exists(trash + QStringLiteral("gone.txt")));
         WinFinder::set_trash_enabled(true);
+    }
+
+    // Names that are not UTF-8 (old Latin-1 names): previewed, renamed and deleted by their own bytes.
+    void namesThatAreNotUtf8() {
+        cfg().flag_tf_read_only = false;
+        tree.file(QStringLiteral("latin/keep.txt"), "k");
+        const QByteArray folder = QFile::encodeName(abs(QStringLiteral("latin")));
+        const auto make = [&](const QByteArray& name, const QByteArray& content) {
+            const int fd = ::open((folder + '/' + name).constData(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+            const bool ok = fd >= 0 && ::write(fd, content.constData(), size_t(content.size())) == content.size();
+            if (fd >= 0) ::close(fd);
+            return ok;
+        };
+        QVERIFY(make("caf\xe9.txt", "latin one\n"));
+        QVERIFY(make("na\xefve.txt", "latin two\n"));
+        const auto exists = [&](const QByteArray& name) { return ::access((folder + '/' + name).constData(), F_OK) == 0; };
+        // Qt's own listing gives names that lead back to the bytes.
+        const QStringList names = QDir(abs(QStringLiteral("latin"))).entryList(QDir::Files, QDir::Name);
+        QCOMPARE(names.size(), 3);
+        QString cafe;
+        for (const QString& n : names)
+            if (QFile::encodeName(n) == QByteArray("caf\xe9.txt")) cafe = abs(QStringLiteral("latin/")) + n;
+        QVERIFY(!cafe.isEmpty());
+        QVERIFY(QFileInfo(cafe).isFile());
+        QCOMPARE(QFileInfo(cafe).size(), qint64(10));
+
+        // The preview shows its text.
+        QVERIFY(win->treeView()->selectFile(cafe, false));
+        QTRY_COMPARE(ContextPreviews::currentPreview() ? ContextPreviews::currentPreview()->file_info().absoluteFilePath() : QString(), cafe);
+        auto* text = dynamic_cast<tav::PreviewAscii*>(ContextPreviews::currentPreview());
+        QVERIFY(text && text->get_XTextView());
+        QTRY_VERIFY(text->get_XTextView()->hasContent());
+        QCOMPARE(text->get_XTextView()->textFromMarkRam(tav::find::XRam(0, 9)), QStringLiteral("latin one"));
+
+        // Rename gives it a new name; the old bytes are gone.
+        tav::XBox::setScriptedAnswer(1);
+        tav::XBoxInput::setScriptedText(QStringLiteral("cafe.txt"));
+        win->rename_file(QFileInfo(cafe));
+        QVERIFY(!exists("caf\xe9.txt"));
+        QVERIFY(exists("cafe.txt"));
+        // Delete moves the other one to the trash under its own bytes.
+        QString naive;
+        for (const QString& n : QDir(abs(QStringLiteral("latin"))).entryList(QDir::Files))
+            if (QFile::encodeName(n) == QByteArray("na\xefve.txt")) naive = abs(QStringLiteral("latin/")) + n;
+        QVERIFY(!naive.isEmpty());
+        win->on_delete(QFileInfo(naive));
+        QVERIFY(!exists("na\xefve.txt"));
+        const QByteArray trash = QFile::encodeName(env.dataHome() + QStringLiteral("/Trash/files/"));
+        QVERIFY(::access((trash + "na\xefve.txt").constData(), F_OK) == 0);
     }
 
     void comboHistoryEditor() {

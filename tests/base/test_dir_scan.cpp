@@ -10,6 +10,7 @@
 #include <QDir>
 #include <QProcess>
 #include <QStandardPaths>
+#include <QTextCodec>
 #include <QtTest>
 #include <mutex>
 #include <linux/capability.h>
@@ -373,6 +374,24 @@ private slots:
             QCOMPARE(tav::encodePath(tav::decodePath(raw)), raw);
         }
         QCOMPARE(tav::decodePath(QByteArray("ok-\xc3\xa9")), QStringLiteral("ok-\u00e9"));
+        // Qt names files through the locale's codec, made the same conversion; a text in pieces
+        // (a stream) may cut a character or a pair between them and still comes out whole.
+        tav::install_file_name_codec();
+        QCOMPARE(QFile::encodeName(tav::decodePath(QByteArray("caf\xe9"))), QByteArray("caf\xe9"));
+        QCOMPARE(QFile::decodeName(QByteArray("na\xefve")), tav::decodePath(QByteArray("na\xefve")));
+        QTextCodec* codec = QTextCodec::codecForLocale();
+        const QByteArray mixed("a\xc3\xa9\xe9\xf0\x9f\x98\x80z");
+        for (int cut = 0; cut <= mixed.size(); ++cut) {
+            QTextCodec::ConverterState in, out;
+            QString text = codec->toUnicode(mixed.constData(), cut, &in);
+            text += codec->toUnicode(mixed.constData() + cut, mixed.size() - cut, &in);
+            QCOMPARE(text, tav::decodePath(mixed));
+            const int at = cut % (text.size() + 1);
+            QByteArray bytes = codec->fromUnicode(text.constData(), at, &out);
+            bytes += codec->fromUnicode(text.constData() + at, text.size() - at, &out);
+            QCOMPARE(bytes, mixed);
+        }
+        QVERIFY(QTextCodec::codecForName("UTF-8") != codec);   // text files still read as Qt reads them
         // A Latin-1 name in a folder: listed with its own bytes and opened by the line reader.
         tftest::TestDir d;
         const QByteArray name = QFile::encodeName(d.path()) + "/caf\xe9.txt";

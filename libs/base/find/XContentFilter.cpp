@@ -9,10 +9,6 @@
 namespace tav {
 namespace find {
 
-namespace {
-constexpr size_t kKeptMarks = size_t(1) << 18;
-}
-
 XContentFilter::XContentFilter() = default;
 XContentFilter::~XContentFilter() = default;
 
@@ -122,10 +118,11 @@ XRamLayer XContentFilter::limit(std::vector<XRam>& marks, uint32_t maxMarks, boo
 
 XRamLayer XContentFilter::find(uint32_t maxMarks, XLineReaderDA& reader) { return find(maxMarks, reader, nullptr); }
 
-void XContentFilter::searchReader(XLineReaderDA& reader, std::vector<XRam>& marks, WindowWatch* watch,
-                                  const std::function<void(std::vector<XRam>&)>& flush) {
+uint64_t XContentFilter::searchReader(XLineReaderDA& reader, std::vector<XRam>& marks, WindowWatch* watch, size_t keep,
+                                      const std::function<void(std::vector<XRam>&)>& flush) {
     XContentScratch& sc = scratch();
     XContentSearch search(*symbols_, sc, scope_, reader.isWhole());
+    search.setKeep(keep);
     const auto cut = scope_ == SCOPE_FILE ? XLineReaderDA::CUT_LINE : XLineReaderDA::CUT_PARAGRAPH;
     XLineReaderDA::Window w;
     if (reader.firstWindow(cut, w)) {
@@ -147,6 +144,7 @@ void XContentFilter::searchReader(XLineReaderDA& reader, std::vector<XRam>& mark
     }
     search.finish(marks);
     if (flush && !marks.empty()) flush(marks);
+    return search.counted();
 }
 
 XRamLayer XContentFilter::find(uint32_t maxMarks, XLineReaderDA& reader, WindowWatch* watch) {
@@ -169,30 +167,31 @@ XRamLayer XContentFilter::find(uint32_t maxMarks, XLineReaderDA& reader, WindowW
             dropped += m.size() - keep;
             m.resize(keep);
         };
-    searchReader(reader, marks, watch, cutBack);
+    dropped += searchReader(reader, marks, watch, keep, cutBack);
     XRamLayer layer = limit(marks, maxMarks, reader.isBinary());
     if (dropped > 0) layer.setHitCount(uint64_t(layer.size()) + dropped);
     // One file with a flood of hits should not keep its room for the rest of the search.
-    if (marks.capacity() > kKeptMarks) std::vector<XRam>().swap(marks);
+    scratch().trim();
     return layer;
 }
 
 XRamLayer XContentFilter::find(uint32_t maxMarks, const QByteArray& text) {
     std::vector<XRam> marks;
     if (!symbols_) return limit(marks, maxMarks, false);
+    const size_t keep = maxMarks == 0 && seekPos_ == 0 ? keepMarks_ : 0;
     XContentSearch search(*symbols_, scratch(), scope_);
+    search.setKeep(keep);
     search.window(text.constData(), size_t(text.size()), 0, marks);
     search.finish(marks);
     const bool binary = text.left(0x10000).contains('\0');
-    const size_t keep = maxMarks == 0 && seekPos_ == 0 ? keepMarks_ : 0;
+    uint64_t dropped = search.counted();
     if (keep > 0 && marks.size() > keep) {
-        const uint64_t all = marks.size();
+        dropped += marks.size() - keep;
         marks.resize(keep);
-        XRamLayer layer = limit(marks, 0, binary);
-        layer.setHitCount(all);
-        return layer;
     }
-    return limit(marks, maxMarks, binary);
+    XRamLayer layer = limit(marks, maxMarks, binary);
+    if (dropped > 0) layer.setHitCount(uint64_t(layer.size()) + dropped);
+    return layer;
 }
 
 uint64_t XContentFilter::forEachMark(XLineReaderDA& reader, const MarkSink& each, WindowWatch* watch) {
@@ -201,12 +200,12 @@ uint64_t XContentFilter::forEachMark(XLineReaderDA& reader, const MarkSink& each
     std::vector<XRam>& marks = scratch().marks;
     marks.clear();
     uint64_t n = 0;
-    searchReader(reader, marks, watch, [&](std::vector<XRam>& m) {
+    searchReader(reader, marks, watch, 0, [&](std::vector<XRam>& m) {
         each(m.data(), m.size());
         n += m.size();
         m.clear();
     });
-    if (marks.capacity() > kKeptMarks) std::vector<XRam>().swap(marks);
+    scratch().trim();
     return n;
 }
 

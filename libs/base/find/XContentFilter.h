@@ -110,9 +110,10 @@ private:
     XContentScratch& scratch();
     XRamLayer limit(std::vector<XRam>& marks, uint32_t maxMarks, bool binary);
     // The windows of the open file through the search; 'flush' sees the marks
-    // collected after each window and at the end (and may take them away).
-    void searchReader(XLineReaderDA& reader, std::vector<XRam>& marks, WindowWatch* watch,
-                      const std::function<void(std::vector<XRam>&)>& flush);
+    // collected after each window and at the end (and may take them away). Past
+    // 'keep' marks (0: no limit) the search counts instead; returns that count.
+    uint64_t searchReader(XLineReaderDA& reader, std::vector<XRam>& marks, WindowWatch* watch, size_t keep,
+                          const std::function<void(std::vector<XRam>&)>& flush);
 
     QString sText_;
     bool flagRegEx_ = false;

@@ -40,6 +40,8 @@ struct SingleCtx {
     int64_t lastEnd;
     int64_t prevTo;
     bool unordered;
+    size_t keep;        // marks 'out' may hold (0: no limit); the rest are counted
+    uint64_t counted;
 };
 int onSingle(unsigned, unsigned long long, unsigned long long to, unsigned, void* ctx) {
     auto* c = static_cast<SingleCtx*>(ctx);
@@ -47,7 +49,8 @@ int onSingle(unsigned, unsigned long long, unsigned long long to, unsigned, void
     if (e < c->prevTo) c->unordered = true;
     c->prevTo = e;
     if (e - c->len >= c->lastEnd) {
-        c->out->emplace_back(c->base + e - c->len, c->len, XRam::CATEGORY_HIT);
+        if (c->keep && c->out->size() >= c->keep) ++c->counted;
+        else c->out->emplace_back(c->base + e - c->len, c->len, XRam::CATEGORY_HIT);
         c->lastEnd = e;
     }
     return 0;
@@ -135,7 +138,7 @@ void XContentSearch::simple(const char* d, size_t n, uint64_t base, std::vector<
             // reserve: called once per window, it would copy the whole list each time.)
             for (const XOcc& o : occ) {
                 if (int64_t(base) + o.s < lastEnd_) continue;
-                out.emplace_back(int64_t(base) + o.s, o.e - o.s, XRam::CATEGORY_HIT);
+                put(out, int64_t(base) + o.s, o.e - o.s);
                 lastEnd_ = int64_t(base) + o.e;
             }
             return;
@@ -173,17 +176,21 @@ bool XContentSearch::singleTermFast(const char* d, size_t n, uint64_t base, std:
     if (!t.exact.empty()) {
         const std::string& x = t.exact;
         size_t p = lastEnd_ > int64_t(base) ? size_t(lastEnd_ - int64_t(base)) : 0;
-        for (; (p = bytescan::find_bytes(d, n, x.data(), x.size(), p)) < n; p += x.size())
-            out.emplace_back(int64_t(base + p), int64_t(x.size()), XRam::CATEGORY_HIT);
-        if (!out.empty()) lastEnd_ = std::max(lastEnd_, out.back().end());
+        for (; (p = bytescan::find_bytes(d, n, x.data(), x.size(), p)) < n; p += x.size()) {
+            put(out, int64_t(base + p), int64_t(x.size()));
+            lastEnd_ = std::max(lastEnd_, int64_t(base + p + x.size()));
+        }
         return true;
     }
 #ifdef TF_HAVE_HYPERSCAN
     if (sym_.useHyperscan() && t.literal.fixedLength && t.literal.byteLength > 0) {
         const size_t before = out.size();
-        SingleCtx ctx{&out, int64_t(base), int64_t(t.literal.byteLength), 0, 0, false};
+        SingleCtx ctx{&out, int64_t(base), int64_t(t.literal.byteLength), 0, 0, false, keep_, 0};
         hs_scan(sym_.hs, d, unsigned(n), 0, sc_.hsScratch, onSingle, &ctx);
-        if (!ctx.unordered) return true;
+        if (!ctx.unordered) {
+            counted_ += ctx.counted;
+            return true;
+        }
         out.resize(before);
     }
 #else
@@ -366,7 +373,7 @@ void XContentSearch::regex(const char* d, size_t n, uint64_t base, std::vector<X
             }
             if (match(sym_.regex, d, n, start, ms, me, g) <= 0) break;
             if (me > ms) {
-                out.emplace_back(int64_t(base + ms), int64_t(me - ms), XRam::CATEGORY_HIT);
+                put(out, int64_t(base + ms), int64_t(me - ms));
                 pos = me;
             } else {
                 if (ms >= n) break;
@@ -400,7 +407,7 @@ void XContentSearch::regex(const char* d, size_t n, uint64_t base, std::vector<X
         while (p <= u.end) {
             if (match(sym_.regex, d, u.end, p, ms, me, g) <= 0) break;
             if (me > ms) {
-                out.emplace_back(int64_t(base + ms), int64_t(me - ms), XRam::CATEGORY_HIT);
+                put(out, int64_t(base + ms), int64_t(me - ms));
                 p = me;
             } else {
                 if (ms >= u.end) break;

@@ -108,6 +108,21 @@ struct XContentScratch {
     bool saturated = false;
     bool errorLogged = false;
 
+    // After a file with a flood of hits: lists grown past a few MiB give their room
+    // back, so a worker does not keep for the rest of the search what one file needed.
+    void trim() {
+        const auto shrink = [](auto& v) {
+            if (v.capacity() * sizeof(v[0]) > (size_t(4) << 20)) std::remove_reference_t<decltype(v)>().swap(v);
+        };
+        shrink(occ);
+        shrink(unitOcc);
+        shrink(wordPos);
+        shrink(wordCount);
+        shrink(reports);
+        shrink(sufMin);
+        shrink(marks);
+    }
+
     XContentScratch() = default;
     XContentScratch(const XContentScratch&) = delete;
     XContentScratch& operator=(const XContentScratch&) = delete;
@@ -136,8 +151,18 @@ public:
     void window(const char* d, size_t n, uint64_t base, std::vector<XRam>& out);
     // Ends the file: a file-scope simple expression decides here.
     void finish(std::vector<XRam>& out);
+    // Once 'out' holds 'n' marks, further marks of one term or a regular expression
+    // are only counted (0: all are added); units decided by the expression tree
+    // still add theirs, for the caller to cut back.
+    void setKeep(size_t n) { keep_ = n; }
+    uint64_t counted() const { return counted_; }
 
 private:
+    // Adds a mark, or counts it once 'out' is full.
+    void put(std::vector<XRam>& out, int64_t pos, int64_t len) {
+        if (keep_ && out.size() >= keep_) ++counted_;
+        else out.emplace_back(pos, len, XRam::CATEGORY_HIT);
+    }
     void simple(const char* d, size_t n, uint64_t base, std::vector<XRam>& out);
     bool singleTermFast(const char* d, size_t n, uint64_t base, std::vector<XRam>& out);
     void occurrencesHyperscan(const char* d, size_t n);
@@ -156,6 +181,8 @@ private:
     int64_t wordsBefore_ = 0;          // file scope: words in the windows before
     int64_t lastEnd_ = 0;              // one term: end of the last mark (marks never overlap)
     std::vector<XOcc> pendingFile_;    // file scope: occurrences waiting for the end of the file
+    size_t keep_ = 0;
+    uint64_t counted_ = 0;
 };
 
 // Decides one unit: the occurrences [first, last) of its terms (sorted by start,

@@ -3,6 +3,7 @@
 #include "base/log/Logger.h"
 
 #include <QStandardPaths>
+#include <QTextCodec>
 
 #include <cerrno>
 #include <climits>
@@ -150,6 +151,69 @@ QByteArray encodePath(const QString& path) {
         i += n - 1;
     }
     return out;
+}
+
+namespace {
+// UTF-8 with the bytes outside it kept as U+DC80..U+DCFF (see decodePath). A text
+// that comes in pieces may cut a character: its first bytes wait in the state.
+class FileNameCodec : public QTextCodec {
+public:
+    // Its own name: a lookup of "UTF-8" (files read as text) still gets Qt's codec.
+    QByteArray name() const override { return QByteArrayLiteral("x-utf-8-file-names"); }
+    int mibEnum() const override { return -4106; }
+
+protected:
+    QString convertToUnicode(const char* in, int length, ConverterState* state) const override {
+        QByteArray bytes;
+        if (state && state->remainingChars > 0) {
+            for (int k = 0; k < state->remainingChars; ++k) bytes += char(state->state_data[k]);
+            state->remainingChars = 0;
+        }
+        bytes.append(in, length);
+        if (state && !(state->flags & QTextCodec::IgnoreHeader) && state->invalidChars == 0 && bytes.startsWith("\xEF\xBB\xBF") &&
+            state->state_data[2] == 0)
+            bytes.remove(0, 3);   // a byte order mark at the very start is no text
+        if (state) {
+            state->state_data[2] = 1;
+            // An unfinished character at the end waits for the next piece.
+            const int n = bytes.size();
+            for (int k = 1; k <= 3 && k <= n; ++k) {
+                const auto c = static_cast<unsigned char>(bytes[n - k]);
+                if ((c & 0xC0) == 0x80) continue;
+                const int len = c >= 0xF0 && c < 0xF8 ? 4 : c >= 0xE0 ? 3 : c >= 0xC0 ? 2 : 1;
+                if (len > k && c >= 0xC2 && c < 0xF5) {
+                    for (int j = 0; j < k; ++j) state->state_data[j] = static_cast<unsigned char>(bytes[n - k + j]);
+                    state->remainingChars = k;
+                    bytes.chop(k);
+                }
+                break;
+            }
+        }
+        return decodePath(bytes.constData(), size_t(bytes.size()));
+    }
+    QByteArray convertFromUnicode(const QChar* in, int length, ConverterState* state) const override {
+        QString text;
+        if (state && state->remainingChars > 0) {
+            text += QChar(ushort(state->state_data[0]));
+            state->remainingChars = 0;
+        }
+        text.append(in, length);
+        // A pair cut between two pieces: its first half waits.
+        if (state && !text.isEmpty() && QChar::isHighSurrogate(text.at(text.size() - 1).unicode())) {
+            state->state_data[0] = text.at(text.size() - 1).unicode();
+            state->remainingChars = 1;
+            text.chop(1);
+        }
+        return encodePath(text);
+    }
+};
+} // namespace
+
+void install_file_name_codec() {
+    static FileNameCodec* codec = nullptr;   // Qt keeps every codec made until the program ends
+    if (codec) return;
+    codec = new FileNameCodec;
+    QTextCodec::setCodecForLocale(codec);
 }
 
 } // namespace tav

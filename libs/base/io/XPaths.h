@@ -24,6 +24,11 @@ int openPath(const char* path, int flags);
 QString decodePath(const char* bytes, size_t size);
 inline QString decodePath(const QByteArray& b) { return decodePath(b.constData(), size_t(b.size())); }
 QByteArray encodePath(const QString& path);
+// Makes the locale's text codec (which Qt uses for every file name: QFile,
+// QFileInfo, QDir) this same conversion, so every part of the program that
+// takes a path from Qt opens, renames and deletes the file it names. Called
+// once, first thing in main; later calls do nothing.
+void install_file_name_codec();
 
 // Directory of the running executable (with its file name when 'withName').
 QString get_exe_path(bool withName);

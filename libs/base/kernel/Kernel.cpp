@@ -22,6 +22,8 @@ const char* kAppType = "Application";
 
 Kernel::Kernel(const QString& engineName, const QString& commandName, const QStringList& args)
     : engineName_(engineName), commandName_(commandName), commandLine_(args) {
+    // Tests and tools that make a kernel name files as the program does.
+    install_file_name_codec();
     gKernel = this;
     loadNodes();
 }
