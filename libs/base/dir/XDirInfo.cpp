@@ -386,13 +386,9 @@ bool XDirInfo::scan(const QString& path, const XFileFilter* filter, const FileFe
     return !rootFailed && !flagStop.load();
 }
 
-XFindStats XDirInfo::setup_filtered_files(const XFileFilter& filter, bool sortByPath) {
+std::vector<XDirInfo::FilteredPath> XDirInfo::filtered_paths(const XFileFilter& filter, bool sortByPath) {
     const XFileFilter::Prepared prepared = filter.prepare();
-    struct Hit {
-        std::string path;
-        uint64_t size;
-        bool known;
-    };
+    using Hit = FilteredPath;
     // Name tests, stats where a bound needs them, and the paths: in parts on the pool.
     const size_t n = files_.size();
     const size_t parts = n < 4096 ? 1 : std::max(1u, std::min(4u, count_hardware_threads(2)));
@@ -421,6 +417,13 @@ XFindStats XDirInfo::setup_filtered_files(const XFileFilter& filter, bool sortBy
     std::vector<Hit> hits = std::move(partHits[0]);
     for (size_t k = 1; k < parts; ++k) std::move(partHits[k].begin(), partHits[k].end(), std::back_inserter(hits));
     if (sortByPath) std::sort(hits.begin(), hits.end(), [](const Hit& a, const Hit& b) { return a.path < b.path; });
+    return hits;
+}
+
+XFindStats XDirInfo::setup_filtered_files(const XFileFilter& filter, bool sortByPath) {
+    using Hit = FilteredPath;
+    const std::vector<Hit> hits = filtered_paths(filter, sortByPath);
+    const size_t parts = hits.size() < 4096 ? 1 : std::max(1u, std::min(4u, count_hardware_threads(2)));
 
     // The file informations are made in parts and then copied into one list:
     // a copy only counts a reference, while a default one to assign to would

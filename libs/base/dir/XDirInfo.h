@@ -113,6 +113,14 @@ public:
     // (sorted by path when 'sortByPath'); countFiles = files scanned,
     // countMatch = countHits = files passed, countBytes = their known bytes.
     XFindStats setup_filtered_files(const XFileFilter& filter, bool sortByPath);
+    // The same files as their paths only (the file system's bytes), sorted by
+    // path when asked: a listing of a million files makes no file informations.
+    struct FilteredPath {
+        std::string path;
+        uint64_t size;
+        bool known;   // the size is the scan's (else 0)
+    };
+    std::vector<FilteredPath> filtered_paths(const XFileFilter& filter, bool sortByPath);
 
     // Every entry below 'path' as a listing shows it (hidden ones when
     // flagHiddenFiles): regular files and links to them (by their target's
