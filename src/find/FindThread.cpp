@@ -30,7 +30,9 @@ void FindThread::runCustom() {
         do {
             if (fileDone && took) fileDone();
             int64_t size = -1;
-            QFileInfo* file = pTavFind->nextFile(&size);
+            // Keeps the file's information alive while it is searched (a walk's are let go after).
+            std::shared_ptr<const void> owner;
+            QFileInfo* file = pTavFind->nextFile(&size, &owner);
             if (!file) break;
             took = true;
             contentFilter.seekHome();

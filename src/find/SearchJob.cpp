@@ -79,12 +79,15 @@ void SearchJob::start(const SearchParams& params) {
     s.start_search();
     current_ = run;
     tav::XThreadPool::start_global([run]() {
-        run->walk.scan_dir_feed(run->params.dir, run->params.filter.fileFilter,
-                                [&run](const std::vector<QFileInfo*>& files, const std::vector<int64_t>& sizes) {
-                                    // A search that has its files already needs no more walking.
-                                    if (run->search.limitReached()) run->walk.flagStop = true;
-                                    else run->search.feedFiles(files, sizes);
-                                });
+        // Each folder's file informations live until its files are searched, and the walk
+        // waits while the search is far behind: memory stays bounded on a million files.
+        run->walk.scan_dir_feed_owned(run->params.dir, run->params.filter.fileFilter,
+                                      [&run](const std::vector<QFileInfo*>& files, const std::vector<int64_t>& sizes,
+                                             std::shared_ptr<const void> owner) {
+                                          // A search that has its files already needs no more walking.
+                                          if (run->search.limitReached()) run->walk.flagStop = true;
+                                          else run->search.feedFiles(files, sizes, std::move(owner));
+                                      });
         run->search.endFeed();
         run->walkDone = true;
     });

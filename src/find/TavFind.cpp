@@ -57,6 +57,7 @@ void TavFind::prepareFiles(std::vector<QFileInfo*>& files, std::vector<int64_t>&
         files.clear();
         arSizes = std::move(sizes);
         sizes.clear();
+        arOwners.clear();
         // Sizes that do not belong one to one to the files are not used.
         if (arSizes.size() != arTextFiles.size()) arSizes.clear();
         feedOpen = false;
@@ -72,23 +73,35 @@ void TavFind::beginFeed() {
     std::lock_guard<std::mutex> l(mutexIndex);
     arTextFiles.clear();
     arSizes.clear();
+    arOwners.clear();
     feedOpen = true;
     workersStat_ = true;
     countFiles_ = 0;
     bytesToRead = 0;
 }
 
-void TavFind::feedFiles(const std::vector<QFileInfo*>& files, const std::vector<int64_t>& sizes) {
+void TavFind::feedFiles(const std::vector<QFileInfo*>& files, const std::vector<int64_t>& sizes) { feedFiles(files, sizes, nullptr); }
+
+void TavFind::feedFiles(const std::vector<QFileInfo*>& files, const std::vector<int64_t>& sizes, std::shared_ptr<const void> owner) {
     if (files.empty()) return;
     uint64_t sum = 0;
     for (size_t i = 0; i < files.size() && i < sizes.size(); ++i)
         if (sizes[i] > 0) sum += uint64_t(sizes[i]);
     {
-        std::lock_guard<std::mutex> l(mutexIndex);
+        std::unique_lock<std::mutex> l(mutexIndex);
+        if (owner && maxQueued > 0) {
+            ++waitingFeeders_;
+            condFeed.wait(l, [this]() {
+                return arTextFiles.size() - indexNext.load() <= maxQueued || !feedOpen || !pController->isFlag(tav::AbstractThread::RUNNING);
+            });
+            --waitingFeeders_;
+        }
         // Sizes are kept one per file; a list without them gets unknown ones.
         arSizes.resize(arTextFiles.size(), -1);
+        if (owner) arOwners.resize(arTextFiles.size());
         arTextFiles.insert(arTextFiles.end(), files.begin(), files.end());
         for (size_t i = 0; i < files.size(); ++i) arSizes.push_back(i < sizes.size() ? sizes[i] : -1);
+        if (owner) arOwners.resize(arTextFiles.size(), owner);
         countFiles_ = arTextFiles.size();
     }
     bytesToRead += sum;
@@ -183,13 +196,20 @@ void TavFind::stop_search() {
     }
 }
 
-QFileInfo* TavFind::nextFile(int64_t* size) {
+QFileInfo* TavFind::nextFile(int64_t* size, std::shared_ptr<const void>* owner) {
     std::unique_lock<std::mutex> l(mutexIndex);
     for (;;) {
         const uint32_t i = indexNext.load();
         if (i < arTextFiles.size()) {
             indexNext.fetch_add(1);
             if (size) *size = i < arSizes.size() ? arSizes[i] : -1;
+            // The worker holds the file's owner while it searches; the list forgets it.
+            if (i < arOwners.size()) {
+                if (owner) *owner = std::move(arOwners[i]);
+                else arOwners[i].reset();
+            }
+            // A feeder waiting for room goes on once half the room is free again.
+            if (waitingFeeders_ > 0 && arTextFiles.size() - (i + 1) <= maxQueued / 2) condFeed.notify_all();
             return arTextFiles[i];
         }
         if (!feedOpen || !pController->isFlag(tav::AbstractThread::RUNNING)) break;

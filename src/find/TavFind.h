@@ -82,6 +82,11 @@ public:
     // lookup), and its size counts towards bytesToRead then.
     void beginFeed();
     void feedFiles(const std::vector<QFileInfo*>& files, const std::vector<int64_t>& sizes);
+    // Fed files owned by 'owner', which the search lets go once they are searched.
+    // While more than maxQueued files wait for a worker, the feeding thread waits
+    // (a walk far ahead of the search holds no more than that); never once stopped.
+    void feedFiles(const std::vector<QFileInfo*>& files, const std::vector<int64_t>& sizes, std::shared_ptr<const void> owner);
+    size_t maxQueued = 50000;
     void endFeed();
     // Starts the search; while one runs, this stops it instead. True when a
     // search was started (each one ends with exactly one call of the listeners).
@@ -104,7 +109,7 @@ public:
 
     // The next file to search (each file goes to exactly one worker), or null;
     // 'size' gets its size when known in advance, else -1.
-    QFileInfo* nextFile(int64_t* size = nullptr);
+    QFileInfo* nextFile(int64_t* size = nullptr, std::shared_ptr<const void>* owner = nullptr);
 
     // ---- read by the window --------------------------------------------------------
     size_t countTextFiles() const { return countFiles_.load(); }
@@ -161,6 +166,8 @@ private:
     std::condition_variable condActive;
     std::vector<QFileInfo*> arTextFiles;
     std::vector<int64_t> arSizes;           // empty, or one per file (-1: unknown)
+    std::vector<std::shared_ptr<const void>> arOwners;   // empty, or one per fed file (handed to its worker)
+    int waitingFeeders_ = 0;                // with mutexIndex: feeding threads waiting for room
     std::atomic<uint64_t> bytesToRead{0};   // 64 bits: folders hold far more than 4 GiB
     std::condition_variable condFeed;       // with mutexIndex: files fed, feed ended or stop
     bool feedOpen = false;                  // with mutexIndex

@@ -205,10 +205,27 @@ private slots:
             const int before = calls;
             tf.beginFeed();
             QVERIFY(tf.start_search());
-            feedScan.scan_dir_feed(d.abs(QStringLiteral("tree")), tav::XFileFilter(),
-                                   [&tf](const std::vector<QFileInfo*>& files, const std::vector<int64_t>& sizes) { tf.feedFiles(files, sizes); });
+            // Each folder's informations live until its files are searched, and the walk waits
+            // while too many files are queued: the files alive at once stay far below the tree's.
+            tf.maxQueued = 100;
+            std::atomic<int64_t> live{0}, mostLive{0};
+            std::atomic<size_t> biggestFolder{0};
+            feedScan.scan_dir_feed_owned(d.abs(QStringLiteral("tree")), tav::XFileFilter(),
+                                         [&](const std::vector<QFileInfo*>& files, const std::vector<int64_t>& sizes,
+                                             std::shared_ptr<const void> owner) {
+                                             const int64_t n = int64_t(files.size());
+                                             biggestFolder = std::max(biggestFolder.load(), files.size());
+                                             int64_t now = live += n;
+                                             for (int64_t m = mostLive.load(); now > m && !mostLive.compare_exchange_weak(m, now);) {}
+                                             std::shared_ptr<const void> counted(owner.get(), [owner, n, &live](const void*) { live -= n; });
+                                             tf.feedFiles(files, sizes, std::move(counted));
+                                         });
             tf.endFeed();
             QTRY_COMPARE_WITH_TIMEOUT(calls, before + 1, 20000);
+            QTRY_COMPARE(live.load(), int64_t(0));
+            QVERIFY2(mostLive.load() <= int64_t(tf.maxQueued + (tf.maxThreads + 8) * biggestFolder.load()),
+                     qPrintable(QStringLiteral("%1 alive at once").arg(mostLive.load())));
+            QVERIFY(mostLive.load() < m.value(QStringLiteral("files")).toVariant().toLongLong() / 2);
             QCOMPARE(qint64(tf.countHits()), m.value(QStringLiteral("hits")).toObject().value(QLatin1String(word)).toVariant().toLongLong());
             QCOMPARE(qint64(tf.countResults()),
                      m.value(QStringLiteral("hitfiles")).toObject().value(QLatin1String(word)).toVariant().toLongLong());

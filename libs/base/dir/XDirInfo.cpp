@@ -123,7 +123,7 @@ struct WalkPart {
     };
     std::vector<File> files;
     std::string names;
-    std::vector<std::vector<QFileInfo>> fed;   // blocks handed to a feed
+    std::vector<std::shared_ptr<const std::vector<QFileInfo>>> fed;   // blocks handed to a feed (kept)
     bool rootFailed = false;
 };
 
@@ -146,12 +146,19 @@ struct WalkQueue {
 bool XDirInfo::scan_dir(const QString& path, const XFileFilter* filter) { return scan(path, filter, nullptr); }
 
 bool XDirInfo::scan_dir_feed(const QString& path, const XFileFilter& filter, const FileFeed& feed) {
-    return scan(path, &filter, &feed);
+    const OwnedFeed owned = [&feed](const std::vector<QFileInfo*>& files, const std::vector<int64_t>& sizes, std::shared_ptr<const void>) {
+        feed(files, sizes);
+    };
+    return scan(path, &filter, &owned);
+}
+
+bool XDirInfo::scan_dir_feed_owned(const QString& path, const XFileFilter& filter, const OwnedFeed& feed) {
+    return scan(path, &filter, &feed, nullptr, false);
 }
 
 bool XDirInfo::count_tree(const QString& path, const EntryVisit& visit) { return scan(path, nullptr, nullptr, &visit); }
 
-bool XDirInfo::scan(const QString& path, const XFileFilter* filter, const FileFeed* feed, const EntryVisit* visit) {
+bool XDirInfo::scan(const QString& path, const XFileFilter* filter, const OwnedFeed* feed, const EntryVisit* visit, bool keepFed) {
     flagStop = false;
     clear();
     sPath = path;
@@ -179,7 +186,8 @@ bool XDirInfo::scan(const QString& path, const XFileFilter* filter, const FileFe
     // A folder's files that pass the filter become file informations (the folder's
     // name is decoded once) in a block of their own, and go to the feed.
     auto feedFolder = [&](WalkPart& part, size_t firstFile, const std::string& dir) {
-        std::vector<QFileInfo> block;
+        auto owned = std::make_shared<std::vector<QFileInfo>>();
+        std::vector<QFileInfo>& block = *owned;
         std::vector<int64_t> sizes;
         block.reserve(part.files.size() - firstFile);
         sizes.reserve(part.files.size() - firstFile);
@@ -197,8 +205,8 @@ bool XDirInfo::scan(const QString& path, const XFileFilter* filter, const FileFe
         std::vector<QFileInfo*> files;
         files.reserve(block.size());
         for (QFileInfo& fi : block) files.push_back(&fi);
-        part.fed.push_back(std::move(block));   // moving a vector keeps its elements in place
-        (*feed)(files, sizes);
+        if (keepFed) part.fed.push_back(owned);
+        (*feed)(files, sizes, std::move(owned));
     };
 
     auto walker = [&](WalkPart& part) {
@@ -365,7 +373,7 @@ bool XDirInfo::scan(const QString& path, const XFileFilter* filter, const FileFe
         // search may still be ending on them); the filtered list is not made.
         auto blocks = std::make_shared<Blocks>();
         for (WalkPart& part : parts)
-            for (std::vector<QFileInfo>& b : part.fed) blocks->push_back(std::move(b));
+            for (auto& b : part.fed) blocks->push_back(std::move(b));
         fedRetired_ = std::move(fed_);
         fed_ = std::move(blocks);
         retired_ = std::move(infos_);

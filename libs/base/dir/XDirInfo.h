@@ -109,6 +109,12 @@ public:
     // by folders rather than into ar_filtered_files (which is left empty). The
     // fed file informations stay valid until the next-but-one scan_dir_feed.
     bool scan_dir_feed(const QString& path, const XFileFilter& filter, const FileFeed& feed);
+    // The same, the walk keeping none of the fed informations: a folder's live as
+    // long as its 'owner' does (a search lets each go once its files are searched,
+    // so a walk of a million files need not hold a million file informations).
+    using OwnedFeed = std::function<void(const std::vector<QFileInfo*>& files, const std::vector<int64_t>& sizes,
+                                         std::shared_ptr<const void> owner)>;
+    bool scan_dir_feed_owned(const QString& path, const XFileFilter& filter, const OwnedFeed& feed);
     // Fills ar_filtered_files with the scanned files that pass the filter
     // (sorted by path when 'sortByPath'); countFiles = files scanned,
     // countMatch = countHits = files passed, countBytes = their known bytes.
@@ -170,10 +176,12 @@ private:
     std::string names_;                  // file names, back to back
     std::shared_ptr<std::vector<QFileInfo>> infos_, retired_;
     // Folders' file informations handed to a feed (each block stays where it is).
-    using Blocks = std::vector<std::vector<QFileInfo>>;
+    using Blocks = std::vector<std::shared_ptr<const std::vector<QFileInfo>>>;
     std::shared_ptr<Blocks> fed_, fedRetired_;
 
-    bool scan(const QString& path, const XFileFilter* filter, const FileFeed* feed, const EntryVisit* visit = nullptr);
+    // 'keepFed': the walk keeps the fed blocks (scan_dir_feed's promise).
+    bool scan(const QString& path, const XFileFilter* filter, const OwnedFeed* feed, const EntryVisit* visit = nullptr,
+              bool keepFed = true);
 };
 
 } // namespace tav
