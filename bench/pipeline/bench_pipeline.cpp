@@ -174,8 +174,14 @@ int main(int argc, char** argv) {
         for (int col = 0; col < panel->model()->columnCount(); ++col) {
             t.restart();
             panel->onTableHeaderSelected(col);
+            const double clickMs = double(t.nsecsElapsed()) / 1e6;
             waitFor([]() { return false; }, 1);
-            std::printf("sort %d rows by column %d: %.1f ms (goal <= 1000 ms)\n", rows, col, double(t.nsecsElapsed()) / 1e6);
+            const double shownMs = double(t.nsecsElapsed()) / 1e6;
+            t.restart();
+            panel->model()->sort(col, true);
+            std::printf("sort %d rows by column %d: %.1f ms to the new order in view (goal <= 1000 ms); the sort alone %.1f ms, "
+                        "the click %.1f ms\n",
+                        rows, col, shownMs, double(t.nsecsElapsed()) / 1e6, clickMs);
         }
     }
     // The find command on the same folder, in the same run (median of three, after one to warm up).

@@ -14,6 +14,7 @@ struct FileResult {
     QString member;               // inside an archive: "dir/a.log" or nested "x.zip!/a.log"
     int64_t size = -1;            // bytes of the file as it was searched (-1: not known)
     bool extracted = false;       // found in the extracted text of a document or member
+    int64_t mtimeNs = INT64_MIN;  // modified, ns since 1970, as the search saw it (INT64_MIN: not known)
 
     FileResult() = default;
     FileResult(tav::find::XRamLayer l, QFileInfo fi, QString m = QString())
@@ -24,13 +25,14 @@ struct FileResult {
     // (QFileInfo has no move constructor; copying it only counts a reference).
     FileResult(FileResult&& o) noexcept
         : layer(std::move(o.layer)), fileInfo(o.fileInfo), member(std::move(o.member)), size(o.size),
-          extracted(o.extracted) {}
+          extracted(o.extracted), mtimeNs(o.mtimeNs) {}
     FileResult& operator=(FileResult&& o) noexcept {
         layer = std::move(o.layer);
         fileInfo = o.fileInfo;
         member = std::move(o.member);
         size = o.size;
         extracted = o.extracted;
+        mtimeNs = o.mtimeNs;
         return *this;
     }
     bool isMember() const { return !member.isEmpty(); }

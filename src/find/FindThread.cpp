@@ -88,12 +88,15 @@ void FindThread::runCustom() {
             // A file cut by a cancel is not read to its end again just to count its lines.
             if (pTavFind->flagCountLines && !watch.stopped) tav::XFindStats::add(stats.countLines, reader_.countLines());
             const int64_t fileSize = int64_t(reader_.getMemorySize());
+            // The table sorts by date without a stat per row on the GUI thread.
+            const int64_t modified = layer ? reader_.modifiedNs() : INT64_MIN;
             reader_.close();
             if (layer) {
                 tav::XFindStats::add(stats.countMatch, 1);
                 tav::XFindStats::add(stats.countHits, layer.hitCount());
                 FileResult r(std::move(layer), *file);
                 r.size = fileSize;   // the table needs no stat of its own
+                r.mtimeNs = modified;
                 pController->addResult(std::move(r));
             }
         } while (pController->isFlag(tav::AbstractThread::RUNNING));
@@ -119,6 +122,7 @@ bool FindThread::searchExtracted(const QString& path, const QFileInfo& file, tav
             FileResult r(std::move(layer), file, part.member);
             r.size = int64_t(reader_.getMemorySize());
             r.extracted = true;
+            r.mtimeNs = reader_.modifiedNs();
             pController->addResult(std::move(r));
         }
         return true;

@@ -56,6 +56,8 @@ int64_t modifiedKey(const QFileInfo& fi) {
     return fi.lastModified().toMSecsSinceEpoch() * 1000000;   // a path past the system's limit
 }
 
+int64_t dateKey(const FileResult& r) { return r.mtimeNs != INT64_MIN ? r.mtimeNs : modifiedKey(r.fileInfo); }
+
 // Names and paths in reading order (case ignored, numbers by value).
 struct NaturalKey {
     QString s;
@@ -94,6 +96,7 @@ void FileResultModel::setFileResults(std::vector<FileResult>&& ar) {
 void FileResultModel::addFileResults(std::vector<FileResult>& batch, int column, bool ascending) {
     if (batch.empty()) return;
     basicMode = false;
+    const size_t old = arFileResults.size();
     arFileResults.reserve(arFileResults.size() + batch.size());
     for (FileResult& r : batch) arFileResults.push_back(std::move(r));
     batch.clear();
@@ -108,13 +111,19 @@ void FileResultModel::addFileResults(std::vector<FileResult>& batch, int column,
         std::vector<Key> keys;
         keys.reserve(n);
         for (const FileResult& r : arFileResults) keys.push_back(keyOf(r));
-        if (ascending) std::stable_sort(order.begin(), order.end(), [&](size_t a, size_t b) { return keys[a] < keys[b]; });
-        else std::stable_sort(order.begin(), order.end(), [&](size_t a, size_t b) { return keys[b] < keys[a]; });
+        // The rows there are in this order already: only the batch is sorted and merged
+        // in (a table of 200,000 rows takes a batch in milliseconds, not a full sort).
+        const auto merge = [&](auto less) {
+            std::stable_sort(order.begin() + ptrdiff_t(old), order.end(), less);
+            std::inplace_merge(order.begin(), order.begin() + ptrdiff_t(old), order.end(), less);
+        };
+        if (ascending) merge([&](size_t a, size_t b) { return keys[a] < keys[b]; });
+        else merge([&](size_t a, size_t b) { return keys[b] < keys[a]; });
     };
     switch (column) {
     case COL_HITS: sortBy([](const FileResult& r) { return int64_t(r.hits()); }); break;
     case COL_SIZE: sortBy([](const FileResult& r) { return r.size >= 0 ? r.size : int64_t(r.fileInfo.size()); }); break;
-    case COL_DATE: sortBy([](const FileResult& r) { return modifiedKey(r.fileInfo); }); break;
+    case COL_DATE: sortBy([](const FileResult& r) { return dateKey(r); }); break;
     case COL_NAME:
     case COL_PATH:
         sortBy([column](const FileResult& r) {
@@ -228,10 +237,20 @@ void FileResultModel::sort(int column, bool ascending) {
     // Members sort by their own name and by the path through their archive, as shown.
     if (column == COL_NAME || column == COL_PATH) {
         sortByKey(arFileResults, [column](const FileResult& r) {
-            if (!r.isMember()) return NaturalKey{column == COL_NAME ? r.fileInfo.fileName() : r.fileInfo.absoluteFilePath()};
+            // A search's paths are absolute already: making them so again costs more than the sort.
+            if (!r.isMember()) return NaturalKey{column == COL_NAME ? r.fileInfo.fileName() : r.displayPath()};
             const QString shown = r.displayPath();
             return NaturalKey{column == COL_NAME ? shown.mid(shown.lastIndexOf(QLatin1Char('/')) + 1) : shown};
         }, ascending);
+        return;
+    }
+    // The search knows each result's size and date: no stat per row.
+    if (column == COL_SIZE) {
+        sortByKey(arFileResults, [](const FileResult& r) { return r.size >= 0 ? r.size : int64_t(r.fileInfo.size()); }, ascending);
+        return;
+    }
+    if (column == COL_DATE) {
+        sortByKey(arFileResults, dateKey, ascending);
         return;
     }
     sortColumn(arFileResults, column, ascending, [](const FileResult& r) -> const QFileInfo& { return r.fileInfo; });

@@ -25,12 +25,14 @@ struct Recorder : tavFinder::SearchSink {
     bool progressBackwards = false;
     SearchProgress last;
     int mostMarks = 0;           // marks held by one result
+    int withoutDate = 0;
     void searchResults(std::vector<FileResult>& batch) override {
         if (dones) resultsAfterDone = true;
         ++batches;
         for (const FileResult& r : batch) {
             rows << QString::number(r.hits()) + '\t' + r.displayPath();
             mostMarks = std::max(mostMarks, r.layer.size());
+            if (r.mtimeNs == INT64_MIN) ++withoutDate;   // the table sorts by date without a stat per row
         }
     }
     void searchProgress(const SearchProgress& p) override {
@@ -101,6 +103,7 @@ private slots:
             QCOMPARE(hits, expected("hits", word));
             // Results hold their first marks only: memory follows the files found, not their hits.
             QVERIFY(sink.mostMarks > 0 && sink.mostMarks <= int(SearchParams::kResultMarks));
+            QCOMPARE(sink.withoutDate, 0);
             QCOMPARE(qint64(sink.last.hits), hits);
             QCOMPARE(qint64(sink.last.bytesRead), manifest.value(QStringLiteral("bytes")).toVariant().toLongLong());
             QVERIFY(sink.last.walkDone);

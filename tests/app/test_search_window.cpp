@@ -616,7 +616,7 @@ void TestSearchWindow::resultsKeepFirstMarksAndShowAll() {
     QCOMPARE(m->rowCount(), 300);
     QCOMPARE(m->data(m->index(0, 3)).toString(), QStringLiteral("200"));
     QCOMPARE(m->hits(), uint64_t(300 * 200));
-    QVERIFY(w->labelDone()->text().contains(QStringLiteral("match-total:60,000")));
+    QTRY_VERIFY2(w->labelDone()->text().contains(QStringLiteral("match-total:60,000")), qPrintable(w->labelDone()->text()));
     const tavFinder::FileResult& held = m->fileResultFromRow(1);
     QCOMPARE(held.layer.size(), int(tavFinder::SearchParams::kResultMarks));
     QCOMPARE(held.hits(), uint64_t(200));

@@ -380,4 +380,12 @@ QByteArray XLineReaderDA::lineBytesAt(uint64_t i) {
 
 QString XLineReaderDA::lineAt(uint64_t i) { return QString::fromUtf8(lineBytesAt(i)); }
 
+int64_t XLineReaderDA::modifiedNs() const {
+    struct stat st {};
+    // A file read whole at once has its descriptor closed already: by its name then.
+    const int rc = fd_ >= 0 ? ::fstat(fd_, &st) : open_ ? ::stat(encodePath(path_).constData(), &st) : -1;
+    if (rc != 0) return INT64_MIN;
+    return int64_t(st.st_mtim.tv_sec) * 1000000000 + int64_t(st.st_mtim.tv_nsec);
+}
+
 } // namespace tav

@@ -53,6 +53,8 @@ public:
     size_t windowSize() const { return window_; }
     size_t maxWindowSize() const { return maxWindow_; }
     bool isWhole() const { return whole_; }
+    // The open file's modification time in nanoseconds since 1970 (INT64_MIN: unknown).
+    int64_t modifiedNs() const;
     // The file's first bytes, right after openFile (before any window is handed out).
     const char* head() const { return bufOffset_ == 0 ? buf_.get() : nullptr; }
     size_t headSize() const { return bufOffset_ == 0 ? len_ : 0; }
