@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <QPointer>
 #include <QToolTip>
+#include <memory>
 
 namespace tavFinder {
 
@@ -47,12 +48,12 @@ void show_expression_error(QComboBox* combo, const QString& text, const QString&
     combo->setToolTip(text);
     if (combo->isVisible()) QToolTip::showText(combo->mapToGlobal(QPoint(0, combo->height())), text, combo);
     QPointer<QComboBox> guard(combo);
-    // One connection at a time: the next edit restores the normal tip.
-    auto* conn = new QMetaObject::Connection;
+    // One connection at a time: the next edit restores the normal tip. The handle goes
+    // with the slot (also when the box goes before any edit).
+    auto conn = std::make_shared<QMetaObject::Connection>();
     *conn = QObject::connect(combo, &QComboBox::editTextChanged, combo, [guard, normalTip, conn]() {
         if (guard) guard->setToolTip(normalTip);
         QObject::disconnect(*conn);
-        delete conn;
     });
 }
 

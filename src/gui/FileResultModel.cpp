@@ -97,7 +97,7 @@ void FileResultModel::addFileResults(std::vector<FileResult>& batch, int column,
     if (batch.empty()) return;
     basicMode = false;
     const size_t old = arFileResults.size();
-    arFileResults.reserve(arFileResults.size() + batch.size());
+    // Room grows by doubling: an exact reserve per batch would move every row each time.
     for (FileResult& r : batch) arFileResults.push_back(std::move(r));
     batch.clear();
     setRowCount(int(arFileResults.size()));   // the views hear of the new rows at the end

@@ -24,6 +24,10 @@ QString payload(int i) { return QString(20000, QLatin1Char('a' + i % 26)) + QStr
 
 int writerChild() {
     const QString cfg = tav::Kernel::nodeFilePath();
+    // The kill is timed from here, not from the start of a process that may start slowly
+    // (as under the sanitizers).
+    std::fputs("go\n", stdout);
+    std::fflush(stdout);
     for (int i = 1;; ++i) {
         auto root = tav::XNode::createRoot(QStringLiteral("TalvoEngine"));
         for (int k = 0; k < 8; ++k) {
@@ -85,6 +89,8 @@ private slots:
             child.setProcessEnvironment(e);
             child.start(QCoreApplication::applicationFilePath(), QStringList());
             QVERIFY(child.waitForStarted(10000));
+            QVERIFY(child.waitForReadyRead(30000));
+            QCOMPARE(child.readLine(), QByteArray("go\n"));
             QTest::qWait(delay(rng));
             ::kill(pid_t(child.processId()), SIGKILL);
             QVERIFY(child.waitForFinished(10000));

@@ -224,7 +224,7 @@ void TestStats::previewRunsAndStops() {
     // Word statistics of the big file, ten rows.
     stats.comboWordLen()->setSelected(5);
     stats.on_go();
-    QTRY_VERIFY_WITH_TIMEOUT(stats.browser()->toPlainText().contains(QStringLiteral("found 2,000,000 symbols, 5 are unique")), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(stats.browser()->toPlainText().contains(QStringLiteral("found 2,000,000 symbols, 5 are unique")), 90000);   // minutes under the sanitizers
 }
 
 QTEST_MAIN(TestStats)
