@@ -297,13 +297,19 @@ int runFindCommand(tav::CommandLine& cl) {
     // The command is a sink of the search job: it keeps the results and prints them at the end.
     struct Collect : SearchSink {
         std::vector<FileResult> results;
+        bool keep = true;   // counts alone need no result kept (a million files with hits)
         QEventLoop loop;
         void searchResults(std::vector<FileResult>& batch) override {
+            if (!keep) {
+                batch.clear();
+                return;
+            }
             if (results.empty()) results.swap(batch);
             else results.insert(results.end(), std::make_move_iterator(batch.begin()), std::make_move_iterator(batch.end()));
         }
         void searchDone(bool, const QStringList&, uint64_t, uint64_t) override { loop.quit(); }
     } sink;
+    sink.keep = !(show == QLatin1String("count") && format == QLatin1String("tsv"));
     SearchJob job(sink);
     // Batches only move results from the workers to this list: a long interval spares the wake-ups.
     job.batchIntervalMs = 1000;
