@@ -38,11 +38,12 @@ uint64_t sumSizes(const std::vector<QFileInfo*>& files, const std::vector<int64_
 TavFind::TavFind() : pController(std::make_unique<ThreadControllerFind>()), alive_(std::make_shared<int>(0)) {}
 
 TavFind::~TavFind() {
-    // A posted completion call must not reach a destroyed object.
-    alive_.reset();
     pController->setRunning(false);
     wakeWaitingWorkers();
     pController->waitDone(-1);
+    // A posted completion call must not reach a destroyed object. Only now: the
+    // controller reads alive_ as it ends (notifyDone).
+    alive_.reset();
 }
 
 void TavFind::prepareFiles(std::vector<QFileInfo*>& files) {

@@ -171,7 +171,7 @@ private:
     std::atomic<uint64_t> bytesToRead{0};   // 64 bits: folders hold far more than 4 GiB
     std::condition_variable condFeed;       // with mutexIndex: files fed, feed ended or stop
     bool feedOpen = false;                  // with mutexIndex
-    bool workersStat_ = false;              // fed files: unknown sizes are the workers' to find
+    std::atomic<bool> workersStat_{false};  // fed files: unknown sizes are the workers' to find (read by a search still ending)
 
     void startNow();
     void queueStart();

@@ -143,7 +143,7 @@ private slots:
         // A shared set of inputs: words, phrases, Unicode, CRLF, blank lines, invalid bytes.
         std::mt19937 rnd(7);
         const QByteArrayList words = {"return", "Return", "value", "errno", "IOException", "the", "a", "aa", "größe", "GRÖẞE",
-                                      "σοφία", "kelvin", "\xE2\x84\xAA" "elvin", "end.", "Why?", "\xff", "\xc3", "ẞ", "  "};
+                                      "σοφία", "kelvin", "\xE2\x84\xAA" "elvin", "end.", "Why?", "\xff", "\xc3", "ẞ", "  ", "ъ", "Ъ", "ᲆ", "слово"};
         QByteArrayList inputs;
         for (int n = 0; n < 12; ++n) {
             QByteArray t;
@@ -161,7 +161,8 @@ private slots:
                                     "kelvin", "σοφία a", "\"end. why?\"", "the -\"the the\"", "a aa", "ẞ"};
         const QStringList regex = {"[A-Z][a-z]+Exception|errno", "^\\w+", "\\w+$", "(?i)kelvin", "(?-i)r.t", "r.t", "K.L", "(?-i)[A-Z]\\w+", "a+", "a*?b|a",
                                    "[^a ]{3}", "\\bthe\\b", "(?<=the )\\w+", "(a)\\1", "e\\s+\\S", "(?i)GRÖSSE|größe", ".",
-                                   "\\.\\s", "\\S+\\?$", "\\Aa", "value(?= errno)", "errno", "return value", "größe", "aa"};
+                                   "\\.\\s", "\\S+\\?$", "\\Aa", "value(?= errno)", "errno", "return value", "größe", "aa",
+                                   "[ᲆ]", "[ъ]", "[а-я]+", "Ъ\\s"};
         int compared = 0, withMarks = 0;
         for (uint32_t scope : {kFile, kPara, kSent}) {
             for (const QByteArray& t : inputs) {

@@ -75,7 +75,13 @@ int wild(const char* p, const char* pe, const char* s, const char* se, const cha
                 while (after < pe && *after == '*') ++after;
                 // "**" as a whole part: any number of folders.
                 if ((prev < pstart || *prev == '/') && (after == pe || *after == '/')) {
-                    if (after < pe && wild(after + 1, pe, s, se, pstart) == MATCH) return MATCH;
+                    // A rest that cannot match here nor at any later place (ABORT_ALL) cannot
+                    // match behind a later folder either: giving up at once keeps a pattern of
+                    // many "**/" from trying every way to share the folders among them.
+                    if (after < pe) {
+                        const int m = wild(after + 1, pe, s, se, pstart);
+                        if (m == MATCH || m == ABORT_ALL) return m;
+                    }
                     matchSlash = true;
                 }
             }

@@ -266,10 +266,15 @@ bool compile_symbols(const QString& text, bool regEx, bool allowHyperscan, XCont
         sym.captures = captureCount(sym.regex);
         sym.utf8Sensitive = isUtf8Sensitive(pattern) || !sym.matchCase || sym.wholeWords;
         sym.endSensitive = isEndSensitive(pattern);
+        // Hyperscan folds case more narrowly than PCRE2 beyond ASCII ('[ъ]' would miss the tall
+        // hard sign PCRE2 takes for it): a caseless pattern with such characters, where its gate
+        // would hide places PCRE2 matches, is searched by PCRE2 alone.
+        const bool wideFold = !sym.matchCase && std::any_of(pattern.begin(), pattern.end(), [](char c) { return (c & 0x80) != 0; });
 #ifdef TF_HAVE_HYPERSCAN
-        if (allowHyperscan) compileHyperscanRegex(pattern, sym);
+        if (allowHyperscan && !wideFold) compileHyperscanRegex(pattern, sym);
 #else
         Q_UNUSED(allowHyperscan);
+        Q_UNUSED(wideFold);
 #endif
         return true;
     }
