@@ -6,6 +6,7 @@
 // the same marks, and the kept, counted and streamed forms must agree with them.
 //
 // Seeds: TF_FUZZ_SEEDS=<dir> ./fuzz_content writes a few valid inputs and exits.
+#include "FuzzSeeds.h"
 #include "base/find/XContentFilter.h"
 #include "base/find/XRam.h"
 #include "base/io/XLineReaderDA.h"
@@ -185,11 +186,7 @@ void writeSeeds(const QString& dir) {
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
     Logger::setStderrEnabled(false);
-    const QByteArray seeds = qgetenv("TF_FUZZ_SEEDS");
-    if (!seeds.isEmpty()) {
-        writeSeeds(QString::fromLocal8Bit(seeds));
-        std::exit(0);
-    }
+    tffuzz::writeSeedsIfAsked(writeSeeds);
     gFd = ::mkstemp(gPath);
     if (gFd < 0) {
         std::perror("fuzz_content: mkstemp");

@@ -5,6 +5,7 @@
 // Where both engines are built in, they must agree mark for mark.
 //
 // Seeds: TF_FUZZ_SEEDS=<dir> ./fuzz_expression writes a few valid inputs and exits.
+#include "FuzzSeeds.h"
 #include "base/find/XContentFilter.h"
 #include "base/find/XRam.h"
 #include "base/log/Logger.h"
@@ -45,11 +46,7 @@ bool sameMarks(const find::XRamLayer& a, const find::XRamLayer& b) {
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
     Logger::setStderrEnabled(false);
-    const QByteArray seeds = qgetenv("TF_FUZZ_SEEDS");
-    if (!seeds.isEmpty()) {
-        writeSeeds(QString::fromLocal8Bit(seeds));
-        std::exit(0);
-    }
+    tffuzz::writeSeedsIfAsked(writeSeeds);
     return 0;
 }
 

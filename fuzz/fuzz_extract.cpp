@@ -10,6 +10,7 @@
 // with it); without it nothing here would be tested, so the target refuses to run.
 //
 // Seeds: TF_FUZZ_SEEDS=<dir> ./fuzz_extract writes a few valid inputs and exits.
+#include "FuzzSeeds.h"
 #include "base/extract/XExtract.h"
 #include "base/extract/XExtractApi.h"
 #include "base/log/Logger.h"
@@ -111,11 +112,7 @@ void writeSeeds(const QString& dir) {
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
     Logger::setStderrEnabled(false);
-    const QByteArray seeds = qgetenv("TF_FUZZ_SEEDS");
-    if (!seeds.isEmpty()) {
-        writeSeeds(QString::fromLocal8Bit(seeds));
-        std::exit(0);
-    }
+    tffuzz::writeSeedsIfAsked(writeSeeds);
     QString why;
     if (!extractApi(&why)) {
         std::fprintf(stderr, "fuzz_extract: %s\n", qPrintable(why));

@@ -4,6 +4,7 @@
 // Paths must come back byte for byte through decodePath/encodePath.
 //
 // Seeds: TF_FUZZ_SEEDS=<dir> ./fuzz_ignore writes a few valid inputs and exits.
+#include "FuzzSeeds.h"
 #include "base/dir/XIgnore.h"
 #include "base/io/XPaths.h"
 
@@ -27,11 +28,7 @@ void writeSeeds(const QString& dir) {
 }
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    const QByteArray seeds = qgetenv("TF_FUZZ_SEEDS");
-    if (!seeds.isEmpty()) {
-        writeSeeds(QString::fromLocal8Bit(seeds));
-        std::exit(0);
-    }
+    tffuzz::writeSeedsIfAsked(writeSeeds);
     return 0;
 }
 

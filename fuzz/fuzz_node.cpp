@@ -2,6 +2,7 @@
 // bytes may come in; what reads must write and read back to the same XML.
 //
 // Seeds: TF_FUZZ_SEEDS=<dir> ./fuzz_node writes a few valid inputs and exits.
+#include "FuzzSeeds.h"
 #include "base/log/Logger.h"
 #include "base/node/XNode.h"
 
@@ -36,11 +37,7 @@ void writeSeeds(const QString& dir) {
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
     Logger::setStderrEnabled(false);
-    const QByteArray seeds = qgetenv("TF_FUZZ_SEEDS");
-    if (!seeds.isEmpty()) {
-        writeSeeds(QString::fromLocal8Bit(seeds));
-        std::exit(0);
-    }
+    tffuzz::writeSeedsIfAsked(writeSeeds);
     return 0;
 }
 

@@ -4,6 +4,7 @@
 // A reader may refuse a file but must never crash, hang or leak on it.
 //
 // Seeds: TF_FUZZ_SEEDS=<dir> ./fuzz_userdata writes a few valid inputs and exits.
+#include "FuzzSeeds.h"
 #include "base/log/Logger.h"
 #include "base/tree/XMem.h"
 #include "base/tree/XTree.h"
@@ -51,11 +52,7 @@ extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
     qputenv("XDG_CONFIG_HOME", config.path().toLocal8Bit());
     new QCoreApplication(*argc, *argv);
     QCoreApplication::setApplicationName(QStringLiteral("talvofinder"));
-    const QByteArray seeds = qgetenv("TF_FUZZ_SEEDS");
-    if (!seeds.isEmpty()) {
-        writeSeeds(QString::fromLocal8Bit(seeds));
-        std::exit(0);
-    }
+    tffuzz::writeSeedsIfAsked(writeSeeds);
     return 0;
 }
 

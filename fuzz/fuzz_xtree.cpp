@@ -7,6 +7,7 @@
 // Bit 2 of the first byte switches to a supporter that also knows a record type.
 //
 // Seeds: TF_FUZZ_SEEDS=<dir> ./fuzz_xtree writes a few valid inputs and exits.
+#include "FuzzSeeds.h"
 #include "base/log/Logger.h"
 #include "base/tree/XMem.h"
 #include "base/tree/XStream.h"
@@ -108,11 +109,7 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
     Logger::setStderrEnabled(false);
     // zlib complaints about broken input are expected here.
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
-    const QByteArray seeds = qgetenv("TF_FUZZ_SEEDS");
-    if (!seeds.isEmpty()) {
-        writeSeeds(QString::fromLocal8Bit(seeds));
-        std::exit(0);
-    }
+    tffuzz::writeSeedsIfAsked(writeSeeds);
     return 0;
 }
 
