@@ -13,15 +13,15 @@
 #   bench/scale.sh
 #   TF_BENCH_OUT=/tmp/x ...        builds, the generated tree and results (default bench/out)
 #   TF_BENCH_BUILD=build ...       a build folder to take instead of a Release build
-#   TF_BENCH_FOLDER=/usr/share     the big folder of parts 1 and 2
+#   TF_BENCH_FOLDER=/usr/share     the big folder of steps 1 and 2
 #   TF_BENCH_MILLION=/path/tree    a generated million-file tree (made in OUT when missing: ~12 GB)
-#   TF_BENCH_PARTS="1 2 3"         which parts
+#   TF_BENCH_STEPS="1 2 3"         which steps
 set -euo pipefail
 HERE="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
 ROOT="$(cd "$HERE/.." && pwd)"
 OUT="${TF_BENCH_OUT:-$HERE/out}"
 FOLDER="${TF_BENCH_FOLDER:-/usr/share}"
-PARTS="${TF_BENCH_PARTS:-1 2 3}"
+STEPS="${TF_BENCH_STEPS:-1 2 3}"
 mkdir -p "$OUT"
 source "$ROOT/scripts/common.sh"
 tf_install_missing ripgrep fd-find time python3
@@ -60,18 +60,18 @@ print(f"{label:<58} ours {ot:7.2f} s {om/1024:7.0f} MB | {name} {tt:7.2f} s {tm/
 PY
 }
 
-if [[ " $PARTS " == *" 1 "* ]]; then
+if [[ " $STEPS " == *" 1 "* ]]; then
   echo "== 1. a word with tens of millions of hits in $FOLDER"
   ours=$(measure ours-e "$TF" find --dir "$FOLDER" --find e --show count)
   rg=$(measure rg-e rg -c --count-matches --no-ignore --ignore-case e "$FOLDER")
   line "find --find e --show count (goal: time ×1.5, 100 MB)" "$ours" "$rg" rg
   grep -h "match-total" "$OUT/scale-ours-e.out" || true
 fi
-if [[ " $PARTS " == *" 2 "* ]]; then
+if [[ " $STEPS " == *" 2 "* ]]; then
   echo "== 2. the same search in the window (goal: 300 MB)"
   QT_QPA_PLATFORM=offscreen "$PIPE" - "$FOLDER" e 2>/dev/null
 fi
-if [[ " $PARTS " == *" 3 "* ]]; then
+if [[ " $STEPS " == *" 3 "* ]]; then
   TREE="${TF_BENCH_MILLION:-$OUT/million/tree}"
   if [ ! -d "$TREE" ]; then
     echo "Generating a tree of 1,000,000 files in $OUT/million (a few minutes, ~12 GB) ..."
