@@ -7,7 +7,7 @@
 namespace tavFinder {
 
 bool forEachMark(const FileResult& r, const tav::find::XContentFilter& filter, const tav::find::XContentFilter::MarkSink& each,
-                 const std::atomic<bool>* cancel) {
+                 const std::atomic<bool>* cancel, const QByteArray* text) {
     if (r.layer.isComplete()) {
         if (r.layer.size() > 0) each(r.layer.marks().data(), r.layer.marks().size());
         return true;
@@ -15,6 +15,10 @@ bool forEachMark(const FileResult& r, const tav::find::XContentFilter& filter, c
     tav::find::XContentFilter own(filter);
     own.setKeepMarks(0);
     own.seekHome();
+    if (text) {
+        own.forEachMark(*text, each);
+        return true;
+    }
     const QString path = r.fileInfo.absoluteFilePath();
     if (r.extracted) {
         tav::extract::XExtractor ex;

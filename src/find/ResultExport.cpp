@@ -103,15 +103,11 @@ bool forEachHitLine(const FileResult& r, bool documents, const tav::find::XConte
             for (size_t i = 0; i < n; ++i)
                 if (placer.place(m[i], h)) each(h);
         };
-        if (!filter || r.layer.isComplete()) {
+        if (!filter) {
             take(r.layer.marks().data(), r.layer.marks().size());
             return true;
         }
-        if (!text) return forEachMark(r, *filter, take);
-        tav::find::XContentFilter own(*filter);
-        own.setKeepMarks(0);
-        own.forEachMark(*text, take);
-        return true;
+        return forEachMark(r, *filter, take, nullptr, text);
     };
     if (documents || r.extracted) {
         // Hits of a member or document lie in its extracted text.

@@ -9,6 +9,15 @@
 namespace tav {
 namespace find {
 
+namespace {
+// Units decided by the expression tree add all their marks: the ones past 'keep' are counted.
+void keepFirst(std::vector<XRam>& marks, size_t keep, uint64_t& dropped) {
+    if (marks.size() <= keep) return;
+    dropped += marks.size() - keep;
+    marks.resize(keep);
+}
+} // namespace
+
 XContentFilter::XContentFilter() = default;
 XContentFilter::~XContentFilter() = default;
 
@@ -161,12 +170,7 @@ XRamLayer XContentFilter::find(uint32_t maxMarks, XLineReaderDA& reader, WindowW
     const size_t keep = maxMarks == 0 && seekPos_ == 0 ? keepMarks_ : 0;
     uint64_t dropped = 0;
     std::function<void(std::vector<XRam>&)> cutBack;
-    if (keep > 0)
-        cutBack = [keep, &dropped](std::vector<XRam>& m) {
-            if (m.size() <= keep) return;
-            dropped += m.size() - keep;
-            m.resize(keep);
-        };
+    if (keep > 0) cutBack = [keep, &dropped](std::vector<XRam>& m) { keepFirst(m, keep, dropped); };
     dropped += searchReader(reader, marks, watch, keep, cutBack);
     XRamLayer layer = limit(marks, maxMarks, reader.isBinary());
     if (dropped > 0) layer.setHitCount(uint64_t(layer.size()) + dropped);
@@ -185,10 +189,7 @@ XRamLayer XContentFilter::find(uint32_t maxMarks, const QByteArray& text) {
     search.finish(marks);
     const bool binary = text.left(0x10000).contains('\0');
     uint64_t dropped = search.counted();
-    if (keep > 0 && marks.size() > keep) {
-        dropped += marks.size() - keep;
-        marks.resize(keep);
-    }
+    if (keep > 0) keepFirst(marks, keep, dropped);
     XRamLayer layer = limit(marks, maxMarks, binary);
     if (dropped > 0) layer.setHitCount(uint64_t(layer.size()) + dropped);
     return layer;
